@@ -1,0 +1,104 @@
+/** @file
+ * Radio bring-up: from a filled radio record to a running radio, in steps that are also exported one by one.
+ *
+ * Functions that take `radio`, `bss` and `caps` are given the parts of one WlIntf; `bss` has six entries. None may be
+ * null. Commands that fail are not reported and do not stop a step.
+ */
+#ifndef WLBRCM_BRINGUP_H
+#define WLBRCM_BRINGUP_H
+
+#include <wlbrcm/lan.h>
+#include <wlbrcm/radio.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Operation: first configuration of a radio. Sets `state` to 5 while it works and 8 when done.
+ * @param lan  the LAN groups; a configuration without groups leaves the LAN variables alone.
+ * @return 0, whatever the steps met; -14 for a null argument.
+ */
+WLBRCM_API int qvbrcm_InitWlan(WlIntf *intf, const WlLanCfg *lan);
+
+/** Operation: applies a changed configuration; qvbrcm_InitWlan() without the LAN step. A 5 GHz radio with a fixed
+ * channel first announces the switch (qvbrcm_ChannelSwitchAnnounce()), which takes 3 seconds.
+ * @return 0; -14 for a null argument. */
+WLBRCM_API int qvbrcm_ReloadWlan(WlIntf *intf);
+
+/** Has the first of the six entries whose `presetRole` is 2 announce a switch to the configured channel and bandwidth
+ * and waits 3 seconds; does nothing without such an entry. */
+WLBRCM_API void qvbrcm_ChannelSwitchAnnounce(WlRadioCfg *radio, WlSsidCfg *bss);
+
+/** Operation: takes what a WPS session left in nvram (SSID, key management, cipher, passphrase) over into BSS entry 0,
+ * then reloads the radio when something changed, or else only restarts WPS. Values are cut to their fields; a variable
+ * that is set but empty counts as unset, but for the key management, where empty means an open network.
+ * @param[out] changed  1 when something changed, else 0.
+ * @return result of the reload or WPS restart; -14 for a null argument. */
+WLBRCM_API int qvbrcm_WPSUpdateConfg(WlIntf *intf, uint8_t *changed);
+
+/** Operation: sets the address of the radio's interface and `intf->macAddr`; does nothing when it has that address.
+ * @return 0; -5 for a null argument. */
+WLBRCM_API int qvbrcm_SetWlanMacAddr(WlIntf *intf, const uint8_t mac[6]);
+
+/** Operation: switches a preset SSID on (non-zero) or off, at once and in the radio's vifs list.
+ * @return 0; -14 for a null name or one that is no interface name. */
+WLBRCM_API int qvbrcm_EnablePresetSSID(const char *ifname, int enable);
+
+/** Adds a BSS interface to, or removes it from, the virtual-interface list of its radio (nvram <radio>_vifs). Names are
+ * found as whole words; a list that would exceed 63 characters is left as it is. @return 0; -14 for a bad name. */
+WLBRCM_API int qvbrcm_SetVifsForPresetIntf(int enable, const char *ifname);
+
+/** Sets `enable` of the first entry with preset role 1 on a 5 GHz radio, so that the next steps configure it. */
+WLBRCM_API void qvbrcm_ForceConfigurePresetSSID(WlRadioCfg *radio, WlSsidCfg *bss);
+
+/** Applies a radio's whole record through the setters of params.h, then qvWlanFinishSetup() and the flow cache.
+ * @return 0, or the result of qvWlanFinishSetup(). */
+WLBRCM_API int qvbrcm_SetupWlan(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *caps);
+
+/** The radio-wide settings that qvbrcm_SetupWlan() applies in its middle. @return 0. */
+WLBRCM_API int qvbrcm_AdvanceSetupWlan(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *caps);
+
+/** Nvram defaults: the next three in order. @return 0. */
+WLBRCM_API int qvWlanInit(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *caps);
+/** Composes the radio's ASPM command and does not run it: whether ASPM is to be switched off is the platform's
+ * choice. @return 0; -14 when the radio's name is no interface name. */
+WLBRCM_API int qvWlanSetASPM(WlRadioCfg *radio, WlCaps *caps);
+/** Place for chip-specific variables; there are none. @return 0. */
+WLBRCM_API int qvWlanChipVarInit(WlRadioCfg *radio, WlSsidCfg *bss);
+/** Per-BSS base variables, BSS addresses (also into `macText`), the radio's vifs and bw_cap. @return 0. */
+WLBRCM_API int qvWlanNvramInit(WlRadioCfg *radio, WlSsidCfg *bss);
+
+/** Stops a radio: places the driver's threads on their CPU, stops watchdog and daemons, takes the radio down and the
+ * interfaces out of their bridges. `caps` is not used. @return 0. */
+WLBRCM_API int qvWlanReset(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *caps);
+
+/** @name wlconf on one interface
+ * @{ */
+WLBRCM_API void qvWlConfDown(const char *ifname);
+WLBRCM_API void qvWlConfUp(const char *ifname);
+WLBRCM_API void qvWlConfSecurity(const char *ifname);
+WLBRCM_API void qvWlConfStart(const char *ifname);
+/** @} */
+
+/** Process id of the first process whose command name is exactly `name`, or -1. */
+WLBRCM_API int prctl_getPidByName(const char *name);
+
+/** Has the platform take the configuration up: wlconf, addresses, bridges, daemons, interfaces, priorities, acsd.
+ *
+ * The radio's own interface comes up here as well unless the entry that follows the last one in use exists and is
+ * enabled. @return 0. */
+WLBRCM_API int qvWlanFinishSetup(WlRadioCfg *radio, WlSsidCfg *bss);
+/** Writes the variables of the channel selection daemon and starts it. `bss` is not used. */
+WLBRCM_API void qvWlanStartAcsd(WlRadioCfg *radio, WlSsidCfg *bss);
+/** Gives the driver threads of a radio round-robin real-time priority 5. @return 0. */
+WLBRCM_API int qvWlanSetPriority(const char *ifname);
+/** Process id of the kernel worker of the CPU that the driver names for an interface, or -1. */
+WLBRCM_API int get_event_pid(const char *ifname);
+/** Sets the address `macText` of every enabled entry on its interface. @return 0. */
+WLBRCM_API int qvWlanSetIfaceMAC(WlRadioCfg *radio, WlSsidCfg *bss);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
