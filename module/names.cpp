@@ -1,0 +1,51 @@
+#include "module/names.h"
+
+#include "module/text.h"
+
+namespace wlbrcm {
+
+namespace {
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isHexDigit(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+bool isNameCharacter(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' || c == '_' || c == '-';
+}
+
+} // namespace
+
+bool isInterfaceName(std::string_view text) {
+    if (text.empty() || text.size() > 15 || text[0] == '-')
+        return false;
+    for (const char c : text) {
+        if (!isNameCharacter(c))
+            return false;
+    }
+    return true;
+}
+
+bool isMacText(std::string_view text) {
+    if (text.size() != 17)
+        return false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (i % 3 == 2 ? text[i] != ':' : !isHexDigit(text[i]))
+            return false;
+    }
+    return true;
+}
+
+CheckedName::CheckedName(Here here, std::string_view text, Check check, const char *kind) : text_{} {
+    if (check(text)) {
+        copyText(text_, text);
+        return;
+    }
+    // Foreign text may be long; the log need not be.
+    const int shown = text.size() < 64 ? static_cast<int>(text.size()) : 64;
+    WLBRCM_LOG_AT(here, LOG_ERR, "invalid %s \"%.*s\".\n", kind, shown, text.data());
+}
+
+} // namespace wlbrcm

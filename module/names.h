@@ -1,0 +1,47 @@
+// Checked texts: the only ones that may stand in a command. A command line is run by a root shell, and names come from
+// the host, from nvram, from driver reports and from datagrams of any local process.
+#ifndef WLBRCM_MODULE_NAMES_H
+#define WLBRCM_MODULE_NAMES_H
+
+#include <string_view>
+
+#include "module/log.h"
+
+namespace wlbrcm {
+
+// 1 to 15 characters of [A-Za-z0-9._-], not starting with '-': what Linux calls an interface and no shell reads twice.
+bool isInterfaceName(std::string_view text);
+
+// Six pairs of hexadecimal digits joined by colons.
+bool isMacText(std::string_view text);
+
+// A copy of a checked text. Made from any other text it is invalid and empty, and the text was logged at level 4.
+class CheckedName {
+  public:
+    explicit operator bool() const { return text_[0] != '\0'; }
+    const char *c_str() const { return text_; }
+
+  protected:
+    using Check = bool (*)(std::string_view);
+    CheckedName(Here here, std::string_view text, Check check, const char *kind);
+
+  private:
+    char text_[18];
+};
+
+// Interface and bridge names.
+class InterfaceName : public CheckedName {
+  public:
+    InterfaceName(Here here, std::string_view text) : CheckedName(here, text, isInterfaceName, "interface name") {}
+    InterfaceName(Here here, const char *text) : InterfaceName(here, std::string_view(text != nullptr ? text : "")) {}
+};
+
+class MacText : public CheckedName {
+  public:
+    MacText(Here here, std::string_view text) : CheckedName(here, text, isMacText, "MAC address") {}
+    MacText(Here here, const char *text) : MacText(here, std::string_view(text != nullptr ? text : "")) {}
+};
+
+} // namespace wlbrcm
+
+#endif

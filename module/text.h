@@ -1,0 +1,104 @@
+// Bounded text: copies, a writer that remembers that it overflowed, words and numbers of foreign text.
+#ifndef WLBRCM_MODULE_TEXT_H
+#define WLBRCM_MODULE_TEXT_H
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include <wlbrcm/module.h>
+
+namespace wlbrcm {
+
+// Copies as much as fits, always terminated. Returns whether all of it did.
+bool copyText(char *to, size_t size, std::string_view from);
+
+template <size_t Size> bool copyText(char (&to)[Size], std::string_view from) {
+    return copyText(to, Size, from);
+}
+
+// The text of a field that should be terminated inside the field, but may come from elsewhere.
+template <size_t Size> std::string_view fieldText(const char (&field)[Size]) {
+    return {field, strnlen(field, Size)};
+}
+
+// Formats into a fixed buffer of `size` bytes behind `used` characters. Returns false, with the text cut, when it does
+// not fit.
+bool appendFormat(char *text, size_t size, size_t *used, const char *format, va_list args) WLBRCM_PRINTF(4, 0);
+
+// A text in a fixed buffer. An append that does not fit leaves a cut text for which fits() is false for good, so that
+// one check at the end is enough.
+template <size_t Size> class Text {
+  public:
+    Text() { buffer_[0] = '\0'; }
+    explicit Text(const char *format, ...) WLBRCM_PRINTF(2, 3) {
+        buffer_[0] = '\0';
+        va_list args;
+        va_start(args, format);
+        fits_ = appendFormat(buffer_, Size, &used_, format, args);
+        va_end(args);
+    }
+
+    void append(const char *format, ...) WLBRCM_PRINTF(2, 3) {
+        va_list args;
+        va_start(args, format);
+        fits_ = appendFormat(buffer_, Size, &used_, format, args) && fits_;
+        va_end(args);
+    }
+
+    // Drops the characters from `length` on.
+    void cut(size_t length) {
+        if (length < used_) {
+            used_ = length;
+            buffer_[used_] = '\0';
+        }
+    }
+
+    bool fits() const { return fits_; }
+    bool empty() const { return used_ == 0; }
+    size_t size() const { return used_; }
+    char *data() { return buffer_; }
+    const char *c_str() const { return buffer_; }
+    std::string_view view() const { return {buffer_, used_}; }
+
+  private:
+    char buffer_[Size];
+    size_t used_ = 0;
+    bool fits_ = true;
+};
+
+// Splits a text at a separator. By default empty words between repeated separators are passed over.
+class Words {
+  public:
+    explicit Words(std::string_view text, char separator = ' ', bool keepEmpty = false)
+        : rest_(text), separator_(separator), keepEmpty_(keepEmpty), done_(text.empty()) {}
+
+    // Moves to the next word; false at the end.
+    bool next(std::string_view *word);
+
+  private:
+    std::string_view rest_;
+    char separator_;
+    bool keepEmpty_;
+    bool done_;
+};
+
+inline bool startsWith(std::string_view text, std::string_view start) {
+    return text.size() >= start.size() && memcmp(text.data(), start.data(), start.size()) == 0;
+}
+
+inline bool contains(std::string_view text, std::string_view part) {
+    return !text.empty() && memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
+}
+
+// Whether `word` is one of the words of a blank-separated list.
+bool listContains(std::string_view list, std::string_view word);
+
+// Decimal number at the start of a text, like atoi(), but defined for every input: out of range gives the nearest int.
+int decimal(const char *text);
+
+} // namespace wlbrcm
+
+#endif
