@@ -1,0 +1,149 @@
+// The base that everything stands on: names that may reach a shell, bounded text, nvram writes, commands.
+#include "fake_platform.h"
+
+#include "module/command.h"
+#include "module/nvram.h"
+
+using namespace wlbrcm;
+
+class Base : public PlatformTest {};
+
+TEST_F(Base, InterfaceNamesAreCheckedBeforeTheyReachAShell) {
+    const struct {
+        const char *text;
+        bool good;
+    } rows[] = {
+        {"wl0", true},   {"wl0.1", true}, {"br-lan_2", true}, {"123456789012345", true}, {"1234567890123456", false},
+        {"", false},     {"-f", false},   {"wl0 ", false},    {"br0; reboot", false},    {"$(id)", false},
+        {"a`b`", false}, {"a\nb", false}, {"a/b", false},     {"wl\xff", false},         {"a|b", false},
+    };
+    for (const auto &row : rows) {
+        platform.forget();
+        const InterfaceName name(WLBRCM_HERE, row.text);
+        EXPECT_EQ(row.good, static_cast<bool>(name)) << row.text;
+        EXPECT_STREQ(row.good ? row.text : "", name.c_str());
+        EXPECT_EQ(row.good ? 0U : 1U, platform.logged(LOG_ERR).size()) << row.text;
+    }
+}
+
+TEST_F(Base, MacTextsAreSixHexadecimalPairs) {
+    EXPECT_TRUE(isMacText("00:1a:2B:ff:FF:09"));
+    for (const char *bad : {"", "00:1a:2B:ff:FF:0", "00:1a:2B:ff:FF:099", "00-1a-2B-ff-FF-09", "0g:1a:2B:ff:FF:09",
+                            "00:1a:2B:ff:FF:09 ", "00:1a:2B:ff:FF:;s", ":::::::::::::::::"})
+        EXPECT_FALSE(isMacText(bad)) << bad;
+}
+
+TEST_F(Base, TextRemembersThatItOverflowed) {
+    Text<8> text("%s", "1234567");
+    EXPECT_TRUE(text.fits());
+    text.append("%d", 8);
+    EXPECT_FALSE(text.fits());
+    EXPECT_STREQ("1234567", text.c_str());
+    text.cut(2);
+    text.append("x");
+    EXPECT_STREQ("12x", text.c_str());
+    EXPECT_FALSE(text.fits());
+
+    char field[4] = {'a', 'b', 'c', 'd'}; // not terminated
+    EXPECT_EQ("abcd", fieldText(field));
+    EXPECT_FALSE(copyText(field, "wxyz"));
+    EXPECT_STREQ("wxy", field);
+}
+
+TEST_F(Base, WordsAndWholeWordSearch) {
+    Words blanks("  a  bc ");
+    std::string_view word;
+    Lines found;
+    while (blanks.next(&word))
+        found.emplace_back(word);
+    EXPECT_EQ((Lines{"a", "bc"}), found);
+
+    Words commas(",x,", ',', true);
+    found.clear();
+    while (commas.next(&word))
+        found.emplace_back(word);
+    EXPECT_EQ((Lines{"", "x", ""}), found);
+
+    EXPECT_TRUE(listContains("wl0.10 wl0.1", "wl0.1"));
+    EXPECT_FALSE(listContains("wl0.10 xwl0.1", "wl0.1"));
+    EXPECT_EQ(2147483647, decimal("99999999999"));
+    EXPECT_EQ(-2147483647 - 1, decimal("-99999999999"));
+    EXPECT_EQ(12, decimal(" 12ab"));
+}
+
+TEST_F(Base, TextWritesFollowTheBlankRule) {
+    const struct {
+        const char *key, *value, *entry;
+    } rows[] = {
+        {"wl0_ssid", "home ", "set wl0_ssid=home "},
+        {"wl0_akm", "psk2 ", "set wl0_akm=psk2"},
+        {"wl0_akm", "psk psk2  ", "set wl0_akm=psk psk2 "},
+        {"wl0.1_wpa_psk", "secret! ", "set wl0.1_wpa_psk=secret! "},
+        {"wl0_akm", "", "unset wl0_akm"},
+        {"wl0_akm", " ", "set wl0_akm="},
+    };
+    for (const auto &row : rows) {
+        platform.forget();
+        std::string value = row.value;
+        EXPECT_EQ(0, __qvWlanSetVarToNvram("caller", 7, value.data(), row.key, "string"));
+        EXPECT_EQ(Lines{row.entry}, platform.journal);
+        ASSERT_EQ(1U, platform.logs.size());
+        EXPECT_EQ("caller", platform.logs[0].function);
+        EXPECT_EQ(LOG_DEBUG, platform.logs[0].level);
+    }
+}
+
+TEST_F(Base, WritesLogTheirTextsAndRefuseWhatDoesNotFit) {
+    int number = -7;
+    EXPECT_EQ(0, __qvWlanSetVarToNvram2("f", 1, &number, "wl0.1", "radio", "int"));
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram("f", 1, &number, "key", "float"));
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram("f", 1, nullptr, "key", "int"));
+    EXPECT_EQ((Lines{"set wl0.1_radio=-7"}), platform.journal);
+    EXPECT_EQ((Lines{"nvram set wl0.1_radio = -7\n"}), platform.logged(LOG_DEBUG));
+    EXPECT_EQ((Lines{"type not found.\n"}), platform.logged(LOG_ERR));
+
+    platform.forget();
+    EXPECT_EQ(0, writeInt(WLBRCM_HERE, std::string(250, 'p').c_str(), "keys", 1));
+    EXPECT_EQ(WLBRCM_EINVAL, writeInt(WLBRCM_HERE, std::string(251, 'p').c_str(), "keys", 1));
+    EXPECT_EQ(0, writeText(WLBRCM_HERE, "wl0", "k", std::string(2047, 'v')));
+    EXPECT_EQ(WLBRCM_EINVAL, writeText(WLBRCM_HERE, "wl0", "k", std::string(2048, 'v')));
+    EXPECT_EQ(2U, platform.journal.size());
+    EXPECT_EQ(2U, platform.logged(LOG_ERR).size());
+
+    // Fields of the host's record and literals keep their blank.
+    const char field[] = "eth0 ";
+    writeText(WLBRCM_HERE, "lan", "ifnames", field);
+    EXPECT_STREQ("eth0 ", field);
+    EXPECT_EQ("eth0", platform.nvram["lan_ifnames"]);
+}
+
+TEST_F(Base, MatchComparesExactly) {
+    platform.nvram["wps_version2"] = "enabled";
+    EXPECT_EQ(1, nvram_match("wps_version2", "enabled"));
+    EXPECT_EQ(0, nvram_match("wps_version2", "enable"));
+    EXPECT_EQ(0, nvram_match("wps_version1", ""));
+}
+
+TEST_F(Base, CommandsAreLoggedAndNeverRunCut) {
+    platform.answer("false", "", 1);
+    EXPECT_EQ(0, __qvWlanSystemEx("caller", 1, "true"));
+    EXPECT_EQ(WLBRCM_EFAILED, __qvWlanSystemEx("caller", 1, "false"));
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSystemEx("caller", 1, nullptr));
+    EXPECT_EQ(0, __qvWlanCmdExec("caller", 1, "wl0", "nreqd 1"));
+    EXPECT_EQ((Lines{"run true", "run false", "wlctl wlctl -i wl0 nreqd 1"}), platform.journal);
+    EXPECT_EQ((Lines{"cmd = true\n", "cmd = false\n", "cmd = wlctl -i wl0 nreqd 1\n"}), platform.logged(LOG_DEBUG));
+
+    platform.forget();
+    const std::string longest(255 - strlen("wlctl -i wl0 "), 'x');
+    EXPECT_EQ(0, __qvWlanCmdExec("caller", 1, "wl0", longest.c_str()));
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanCmdExec("caller", 1, "wl0", (longest + "x").c_str()));
+    EXPECT_EQ(1U, platform.journal.size());
+    EXPECT_EQ(1U, platform.logged(LOG_ERR).size());
+}
+
+TEST_F(Base, WithoutALogCallbackNothingElseChanges) {
+    brcm_print_fn = nullptr;
+    EXPECT_EQ(0, __qvWlanSystemEx("caller", 1, "true"));
+    EXPECT_EQ(0, writeInt(WLBRCM_HERE, "wl0", "radio", 1));
+    EXPECT_EQ((Lines{"run true", "set wl0_radio=1"}), platform.journal);
+}
