@@ -1,0 +1,33 @@
+// Numbers in foreign text, read like strtoul(), atoi() and sscanf() do, but over views, and the same on 32-bit and
+// 64-bit processors.
+#ifndef WLBRCM_MODULE_NUMBERS_H
+#define WLBRCM_MODULE_NUMBERS_H
+
+#include <cstdint>
+#include <string_view>
+
+namespace wlbrcm {
+
+// Like strtoul() with base 0 and 32 bits: blanks in front are skipped, "0x" means hexadecimal, another leading "0"
+// octal. A minus sign wraps, so that "-45" stored in an int is -45; a number that does not fit gives the largest.
+uint32_t unsignedNumber(std::string_view text);
+uint64_t unsignedNumber64(std::string_view text);
+
+// Like strtoul() with base 16 and 32 bits.
+uint32_t hexNumber(std::string_view text);
+
+// Like atoi(), but out of range gives the nearest int.
+int decimalNumber(std::string_view text);
+
+// One conversion of a scan, "%d" or "%x": skips blanks, reads a number and leaves `rest` behind it. Without a number
+// they return false and *value stays. %hhx is the low byte of takeHex().
+bool takeDecimal(std::string_view *rest, int *value);
+bool takeHex(std::string_view *rest, uint32_t *value);
+
+// The text of a scan format: each of its blanks stands for any run of blanks, also none; the rest must stand in `rest`
+// literally and is passed over. False at the first character that differs.
+bool takeText(std::string_view *rest, std::string_view text);
+
+} // namespace wlbrcm
+
+#endif
