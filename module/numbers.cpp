@@ -1,6 +1,7 @@
 #include "module/numbers.h"
 
 #include <climits>
+#include <cstring>
 
 namespace wlbrcm {
 
@@ -67,6 +68,14 @@ uint64_t wrapped(const Number &number) {
     return number.negative && !number.overflowed ? 0 - number.magnitude : number.magnitude;
 }
 
+bool takeBits(std::string_view *rest, unsigned base, uint32_t *value) {
+    Number number;
+    if (!takeNumber(rest, base, UINT32_MAX, &number))
+        return false;
+    *value = static_cast<uint32_t>(wrapped(number));
+    return true;
+}
+
 uint64_t unsignedOf(std::string_view text, unsigned base, uint64_t limit) {
     Number number;
     return takeNumber(&text, base, limit, &number) ? wrapped(number) & limit : 0;
@@ -101,12 +110,22 @@ bool takeDecimal(std::string_view *rest, int *value) {
     return true;
 }
 
+bool takeUnsigned(std::string_view *rest, uint32_t *value) {
+    return takeBits(rest, 10, value);
+}
+
 bool takeHex(std::string_view *rest, uint32_t *value) {
-    Number number;
-    if (!takeNumber(rest, 16, UINT32_MAX, &number))
-        return false;
-    *value = static_cast<uint32_t>(wrapped(number));
-    return true;
+    return takeBits(rest, 16, value);
+}
+
+bool takeWord(std::string_view *rest, size_t longest, std::string_view *word) {
+    skipBlanks(rest);
+    size_t length = 0;
+    while (length < rest->size() && length < longest && !isBlank((*rest)[length]))
+        ++length;
+    *word = {rest->data(), length};
+    rest->remove_prefix(length);
+    return length != 0;
 }
 
 bool takeText(std::string_view *rest, std::string_view text) {
@@ -119,6 +138,15 @@ bool takeText(std::string_view *rest, std::string_view text) {
             return false;
         rest->remove_prefix(1);
     }
+    return true;
+}
+
+bool takeThrough(std::string_view *rest, std::string_view part) {
+    const void *found = rest->empty() ? nullptr : memmem(rest->data(), rest->size(), part.data(), part.size());
+    if (found == nullptr)
+        return false;
+    const auto *at = static_cast<const char *>(found);
+    rest->remove_prefix(static_cast<size_t>(at - rest->data()) + part.size());
     return true;
 }
 

@@ -3,6 +3,7 @@
 #ifndef WLBRCM_MODULE_NUMBERS_H
 #define WLBRCM_MODULE_NUMBERS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -19,14 +20,21 @@ uint32_t hexNumber(std::string_view text);
 // Like atoi(), but out of range gives the nearest int.
 int decimalNumber(std::string_view text);
 
-// One conversion of a scan, "%d" or "%x": skips blanks, reads a number and leaves `rest` behind it. Without a number
-// they return false and *value stays. %hhx is the low byte of takeHex().
+// One conversion of a scan, "%d", "%u" or "%x": skips blanks, reads a number and leaves `rest` behind it. Without a
+// number they return false and *value stays. "%hhu" and "%hhx" are the low byte.
 bool takeDecimal(std::string_view *rest, int *value);
+bool takeUnsigned(std::string_view *rest, uint32_t *value);
 bool takeHex(std::string_view *rest, uint32_t *value);
+
+// "%s" of at most `longest` characters: skips blanks and takes what stands up to the next one.
+bool takeWord(std::string_view *rest, size_t longest, std::string_view *word);
 
 // The text of a scan format: each of its blanks stands for any run of blanks, also none; the rest must stand in `rest`
 // literally and is passed over. False at the first character that differs.
 bool takeText(std::string_view *rest, std::string_view text);
+
+// Moves `rest` behind the first `part` in it. False, with `rest` as it was, when there is none.
+bool takeThrough(std::string_view *rest, std::string_view part);
 
 } // namespace wlbrcm
 

@@ -12,8 +12,8 @@ struct RateTable {
     const char *lists[kMaxStreams];
 };
 
-// The host shows these texts as they are: rounded, and without the rates of the short guard interval that earlier
-// streams have already.
+// Whole texts, although each HT list begins with the one before: the host shows them as they stand, and the rounding of
+// a rate differs between lists (288.8, 288.9).
 constexpr RateTable kRateTables[] = {
     {false,
      20,
