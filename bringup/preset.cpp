@@ -1,0 +1,94 @@
+// Preset SSIDs: configured with the radio, but down and out of its virtual-interface list until enabled on demand.
+#include <wlbrcm/bringup.h>
+
+#include "bringup/entries.h"
+#include "module/command.h"
+#include "module/nvram.h"
+
+using namespace wlbrcm;
+
+namespace {
+
+using VifList = Text<64>;
+
+// The radio's name is what stands before the first dot.
+Text<8> radioOf(const InterfaceName &ifname) {
+    const auto length = static_cast<int>(strcspn(ifname.c_str(), "."));
+    return Text<8>("%.*s", length < 7 ? length : 7, ifname.c_str());
+}
+
+// The word of a list that is `name`, as part of the list; empty when there is none.
+std::string_view findWord(std::string_view list, std::string_view name) {
+    Words words(list);
+    for (std::string_view word; words.next(&word);) {
+        if (word == name)
+            return word;
+    }
+    return {};
+}
+
+bool isBlank(std::string_view list) {
+    std::string_view word;
+    return !Words(list).next(&word);
+}
+
+// The list without a word of it and the separator behind that word.
+VifList without(std::string_view list, std::string_view word) {
+    const auto before = static_cast<int>(word.data() - list.data());
+    const char *after = word.data() + word.size();
+    const char *end = list.data() + list.size();
+    if (after != end)
+        ++after;
+    VifList shorter("%.*s%.*s", before, list.data(), static_cast<int>(end - after), after);
+    if (isBlank(shorter.view()))
+        shorter.cut(0);
+    return shorter;
+}
+
+} // namespace
+
+int qvbrcm_SetVifsForPresetIntf(int enable, const char *ifname) {
+    const InterfaceName name(WLBRCM_HERE, ifname);
+    if (!name)
+        return WLBRCM_EINVAL;
+    WLBRCM_LOG(LOG_DEBUG, "enable %d, ifname %s\n", enable, ifname);
+    const Text<8> radio = radioOf(name);
+    const std::string_view listed = nvramText(Key("%s_vifs", radio.c_str()).c_str());
+    const std::string_view word = findWord(listed, name.c_str());
+    if (word.empty() == (enable == 0))
+        return WLBRCM_OK;
+    VifList list = enable != 0 ? VifList("%.*s %s", static_cast<int>(listed.size()), listed.data(), name.c_str())
+                               : without(listed, word);
+    if (!list.fits()) {
+        WLBRCM_LOG(LOG_ERR, "%s_vifs is too long to change: %s...\n", radio.c_str(), list.c_str());
+        return WLBRCM_OK;
+    }
+    __qvWlanSetVarToNvram2(__func__, __LINE__, list.data(), radio.c_str(), "vifs", "string");
+    WLBRCM_LOG(LOG_DEBUG, "set %s_vifs in nvram to %s\n", radio.c_str(), list.c_str());
+    return WLBRCM_OK;
+}
+
+int qvbrcm_EnablePresetSSID(const char *ifname, int enable) {
+    const InterfaceName name(WLBRCM_HERE, ifname);
+    if (!name)
+        return WLBRCM_EINVAL;
+    const Word action = enable != 0 ? Word("up") : Word("down");
+    WLBRCM_LOG(LOG_INFO, "%s %s interface.\n", enable != 0 ? "Enable" : "Disable", name.c_str());
+    runUnlogged(WLBRCM_HERE, "ifconfig %s %s", name, action);
+    qvbrcm_SetVifsForPresetIntf(enable != 0 ? 1 : 0, name.c_str());
+    runUnlogged(WLBRCM_HERE, "wl -i %s bss %s", name, action);
+    return WLBRCM_OK;
+}
+
+void qvbrcm_ForceConfigurePresetSSID(WlRadioCfg *radio, WlSsidCfg *bss) {
+    if (radio->band != WLBRCM_BAND_5G)
+        return;
+    for (WlSsidCfg &entry : EntriesInUse(radio, bss)) {
+        if (entry.presetRole != WLBRCM_PRESET_ON_DEMAND)
+            continue;
+        entry.enable = 1;
+        WLBRCM_LOG(LOG_INFO, "\n%s: wlanSsid[%d].enable = %d......\n", "qvbrcm_ForceConfigurePresetSSID",
+                   static_cast<int>(&entry - bss), entry.enable);
+        return;
+    }
+}

@@ -1,0 +1,112 @@
+// Radio reset: driver threads on their CPU, daemons stopped, radio and interfaces down.
+#include <sched.h>
+
+#include <wlbrcm/bringup.h>
+
+#include "bringup/entries.h"
+#include "module/command.h"
+
+using namespace wlbrcm;
+
+namespace {
+
+// A driver thread by its name, and its process id when it runs.
+struct DriverThread {
+    DriverThread(const char *format, int radio) : name(format, radio), pid(prctl_getPidByName(name.c_str())) {}
+    bool found() const { return pid >= 1; }
+
+    Text<32> name;
+    int pid;
+};
+
+void placeThread(Here here, const DriverThread &thread, int cpu) {
+    cpu_set_t set;
+    static_assert(sizeof set == 128, "the driver's threads are placed by a CPU set of 1024 bits");
+    CPU_ZERO(&set);
+    CPU_SET(static_cast<unsigned>(cpu), &set);
+    const int rc = sched_setaffinity(thread.pid, sizeof set, &set);
+    if (rc != 0)
+        WLBRCM_LOG_AT(here, LOG_ERR, "sched_setaffinity failed, rc=%d, %s(%d)\n", rc, thread.name.c_str(), thread.pid);
+    else
+        WLBRCM_LOG_AT(here, LOG_DEBUG, "sched_setaffinity set %s(%d) to CPU(%d)\n", thread.name.c_str(), thread.pid,
+                      cpu);
+}
+
+void qvWlanSetupTPs(const char *ifname) {
+    int radio = 0;
+    if (sscanf(ifname, "wl%d", &radio) != 1) {
+        WLBRCM_LOG(LOG_ERR, "parse interface name fail (%s).\n", ifname);
+        return;
+    }
+    DriverThread driver("dhd%d_dpc", radio);
+    if (!driver.found())
+        driver = DriverThread("wl%d-kthrd", radio);
+    const DriverThread forwarder("wfd%d-thrd", radio);
+    if (!driver.found()) {
+        WLBRCM_LOG(LOG_ERR, "Cannot find process %s pid.\n", ifname);
+        return;
+    }
+    WLBRCM_LOG(LOG_DEBUG, "%s, %s(%d), %s(%d)\n", ifname, driver.name.c_str(), driver.pid, forwarder.name.c_str(),
+               forwarder.pid);
+    const int cpu = act_wl_cnt >= 2 && radio != 0 ? 1 : 0;
+    placeThread(WLBRCM_HERE, driver, cpu);
+    if (forwarder.found())
+        placeThread(WLBRCM_HERE, forwarder, cpu);
+    else
+        WLBRCM_LOG(LOG_ERR, "Cannot find process %s pid.\n", forwarder.name.c_str());
+}
+
+void qvWlanStopServices() {
+    constexpr const char *kCommands[] = {
+        "killall -9 lld2d 2>/dev/null", "killall -15 wps_monitor 2>/dev/null", "rm /tmp/wps_monitor.pid 2>/dev/null",
+        "killall -9 nas 2>/dev/null",   "killall -9 eapd 2>/dev/null",         "killall -9 acsd 2>/dev/null",
+    };
+    for (const char *command : kCommands)
+        __qvWlanSystemEx(__func__, __LINE__, command);
+}
+
+void qvWlanIfaceDown(const WlRadioCfg *radio, WlSsidCfg *bss) {
+    for (const WlSsidCfg &entry : EntriesInUse(radio, bss)) {
+        const auto ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
+        if (!ifname)
+            continue;
+        if (const auto bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge)))
+            runCommand(WLBRCM_HERE, "brctl delif %s %s 2>/dev/null", *bridge, *ifname);
+        runCommand(WLBRCM_HERE, "ifconfig %s down 2>/dev/null", *ifname);
+    }
+}
+
+void runWlconf(Here here, const char *ifname, Word action) {
+    if (ifname == nullptr)
+        return;
+    if (const auto name = usableName(here, ifname))
+        runCommand(here, "%s %s %s", Word("/bin/wlconf"), *name, action);
+}
+
+} // namespace
+
+int qvWlanReset(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *) {
+    qvWlanSetupTPs(FieldCopy(bss[0].ifName).c_str());
+    if (const auto radioName = usableName(WLBRCM_HERE, fieldText(radio->ifName)))
+        __qvWlanCmdExec(__func__, __LINE__, radioName->c_str(), "phy_watchdog 0");
+    qvWlanStopServices();
+    qvWlConfDown(FieldCopy(radio->ifName).c_str());
+    qvWlanIfaceDown(radio, bss);
+    return WLBRCM_OK;
+}
+
+void qvWlConfDown(const char *ifname) {
+    runWlconf(WLBRCM_HERE, ifname, Word("down"));
+}
+
+void qvWlConfUp(const char *ifname) {
+    runWlconf(WLBRCM_HERE, ifname, Word("up"));
+}
+
+void qvWlConfSecurity(const char *ifname) {
+    runWlconf(WLBRCM_HERE, ifname, Word("security"));
+}
+
+void qvWlConfStart(const char *ifname) {
+    runWlconf(WLBRCM_HERE, ifname, Word("start"));
+}
