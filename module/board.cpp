@@ -13,8 +13,6 @@ BoardDevice::~BoardDevice() {
         close(descriptor_);
 }
 
-int BoardDevice::request(unsigned long code, void *block) {
-    return ioctl(descriptor_, code, block);
-}
+int BoardDevice::request(unsigned long code, void *block) { return ioctl(descriptor_, code, block); }
 
 } // namespace wlbrcm

@@ -30,21 +30,11 @@ struct Word {
     template <size_t Size> explicit constexpr Word(const char (&literal)[Size]) : text(literal) {}
     const char *text;
 };
-inline const char *commandArg(const CheckedName &name) {
-    return name.c_str();
-}
-inline const char *commandArg(const ResultPath &path) {
-    return path.c_str();
-}
-inline const char *commandArg(Word word) {
-    return word.text;
-}
-inline int commandArg(int number) {
-    return number;
-}
-inline unsigned commandArg(unsigned number) {
-    return number;
-}
+inline const char *commandArg(const CheckedName &name) { return name.c_str(); }
+inline const char *commandArg(const ResultPath &path) { return path.c_str(); }
+inline const char *commandArg(Word word) { return word.text; }
+inline int commandArg(int number) { return number; }
+inline unsigned commandArg(unsigned number) { return number; }
 
 // One command line. Most are short; the MAC filter's list of 85 addresses is the longest.
 template <size_t Size> struct CommandText {

@@ -9,9 +9,7 @@ namespace {
 
 constexpr int kNoDigit = 99;
 
-bool isBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 int digitOf(char c) {
     if (c >= '0' && c <= '9')
@@ -76,23 +74,23 @@ bool takeBits(std::string_view *rest, unsigned base, uint32_t *value) {
     return true;
 }
 
-uint64_t unsignedOf(std::string_view text, unsigned base, uint64_t limit) {
-    Number number;
-    return takeNumber(&text, base, limit, &number) ? wrapped(number) & limit : 0;
-}
-
 } // namespace
 
 uint32_t unsignedNumber(std::string_view text) {
-    return static_cast<uint32_t>(unsignedOf(text, 0, UINT32_MAX));
+    uint32_t value = 0;
+    takeBits(&text, 0, &value);
+    return value;
 }
 
 uint64_t unsignedNumber64(std::string_view text) {
-    return unsignedOf(text, 0, UINT64_MAX);
+    Number number;
+    return takeNumber(&text, 0, UINT64_MAX, &number) ? wrapped(number) : 0;
 }
 
 uint32_t hexNumber(std::string_view text) {
-    return static_cast<uint32_t>(unsignedOf(text, 16, UINT32_MAX));
+    uint32_t value = 0;
+    takeHex(&text, &value);
+    return value;
 }
 
 int decimalNumber(std::string_view text) {
@@ -110,13 +108,9 @@ bool takeDecimal(std::string_view *rest, int *value) {
     return true;
 }
 
-bool takeUnsigned(std::string_view *rest, uint32_t *value) {
-    return takeBits(rest, 10, value);
-}
+bool takeUnsigned(std::string_view *rest, uint32_t *value) { return takeBits(rest, 10, value); }
 
-bool takeHex(std::string_view *rest, uint32_t *value) {
-    return takeBits(rest, 16, value);
-}
+bool takeHex(std::string_view *rest, uint32_t *value) { return takeBits(rest, 16, value); }
 
 bool takeWord(std::string_view *rest, size_t longest, std::string_view *word) {
     skipBlanks(rest);

@@ -66,9 +66,7 @@ std::string_view wlbrcm::nvramText(const char *key) {
     return stored != nullptr ? std::string_view(stored) : std::string_view();
 }
 
-int wlbrcm::writeInt(Here here, const Key &key, int value) {
-    return write(here, key, &value, "int");
-}
+int wlbrcm::writeInt(Here here, const Key &key, int value) { return write(here, key, &value, "int"); }
 
 int wlbrcm::writeText(Here here, const Key &key, std::string_view value) {
     char copy[kLongestValue + 1];

@@ -10,9 +10,7 @@ using namespace wlbrcm;
 
 namespace {
 
-bool isWirelessName(const char *ifname) {
-    return startsWith(ifname, "wl");
-}
+bool isWirelessName(const char *ifname) { return startsWith(ifname, "wl"); }
 
 bool hasContent(const char *path) {
     FILE *file = fopen(path, "r");

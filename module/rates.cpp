@@ -48,12 +48,8 @@ const char *rates(bool vht, int bandwidth, int streams) {
 
 } // namespace
 
-const char *htRates(int bandwidth, int streams) {
-    return rates(false, bandwidth, streams);
-}
+const char *htRates(int bandwidth, int streams) { return rates(false, bandwidth, streams); }
 
-const char *vhtRates(int bandwidth, int stream) {
-    return rates(true, bandwidth, stream);
-}
+const char *vhtRates(int bandwidth, int stream) { return rates(true, bandwidth, stream); }
 
 } // namespace wlbrcm

@@ -15,14 +15,10 @@ namespace wlbrcm {
 // Copies as much as fits, always terminated. Returns whether all of it did.
 bool copyText(char *to, size_t size, std::string_view from);
 
-template <size_t Size> bool copyText(char (&to)[Size], std::string_view from) {
-    return copyText(to, Size, from);
-}
+template <size_t Size> bool copyText(char (&to)[Size], std::string_view from) { return copyText(to, Size, from); }
 
 // The text of a field that should be terminated inside the field, but may come from elsewhere.
-template <size_t Size> std::string_view fieldText(const char (&field)[Size]) {
-    return {field, strnlen(field, Size)};
-}
+template <size_t Size> std::string_view fieldText(const char (&field)[Size]) { return {field, strnlen(field, Size)}; }
 
 // Formats into a fixed buffer of `size` bytes behind `used` characters. Returns false, with the text cut, when it does
 // not fit.
