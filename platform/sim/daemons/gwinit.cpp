@@ -41,12 +41,16 @@ struct Options {
     std::_Exit(status);
 }
 
+/** Signals that the caller chose to ignore (nohup, a background job) stay ignored. */
 sigset_t watchedSignals() {
     sigset_t set;
     sigemptyset(&set);
     sigaddset(&set, SIGCHLD);
-    for (int signal : kEndSignals)
-        sigaddset(&set, signal);
+    for (int signal : kEndSignals) {
+        struct sigaction action {};
+        if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
+            sigaddset(&set, signal);
+    }
     return set;
 }
 

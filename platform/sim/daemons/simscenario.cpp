@@ -1,11 +1,13 @@
 /** @file
- * Reads the gateway's part of a scenario file and prints what the boot has to do, one step per line: what, name and
- * value, separated by tabs. Everything is checked before the first line is printed.
+ * Reads a scenario file for the boot. "simscenario steps FILE" prints what the boot has to do, one step per line (what,
+ * name and value, separated by tabs); "simscenario driver FILE" prints the driver's part of the scenario. Everything is
+ * checked before the first line is printed.
  */
 #include <cctype>
 #include <cstdio>
 #include <exception>
 #include <fstream>
+#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -32,7 +34,7 @@ std::string text(const json &value, const std::string &path) {
 
 std::string name(const json &value, const std::string &path) {
     std::string result = text(value, path);
-    if (result.empty() || result.size() > 15 || result.find_first_of(" /'\"") != std::string::npos)
+    if (result.empty() || result.size() > 15 || result[0] == '-' || result.find_first_of(" '\"") != std::string::npos)
         refuse(path, "\"" + result + "\" is no name of 1 to 15 characters");
     return result;
 }
@@ -49,12 +51,12 @@ void checkKeys(const json &object, const std::string &path, std::initializer_lis
     }
 }
 
-const json &list(const json &object, const char *key, const std::string &path) {
+const json &list(const json &object, const char *key) {
     static const json empty = json::array();
     if (!object.contains(key))
         return empty;
     if (!object[key].is_array())
-        refuse(path + "." + key, "expected a list");
+        refuse(key, "expected a list");
     return object[key];
 }
 
@@ -69,8 +71,7 @@ class Steps {
     std::string m_text;
 };
 
-/** A port is made once, in whichever bridge it is named; a radio's interface joins its bridge when the radio comes up.
- */
+/** Radio interfaces are no ports here: they join their bridge when the radio comes up. */
 void addBridge(Steps &steps, const json &bridge, const std::string &path) {
     checkKeys(bridge, path, {"name", "address", "ports"});
     if (!bridge.contains("name"))
@@ -79,55 +80,54 @@ void addBridge(Steps &steps, const json &bridge, const std::string &path) {
     steps.add("bridge", bridgeName);
     if (bridge.contains("address"))
         steps.add("address", bridgeName, text(bridge["address"], path + ".address"));
-    std::size_t number = 0;
-    for (const json &port : list(bridge, "ports", path)) {
-        std::string portName = name(port, path + ".ports[" + std::to_string(number++) + "]");
+    for (const json &port : list(bridge, "ports")) {
+        std::string portName = name(port, path + ".ports");
         steps.add("port", portName);
         steps.add("member", bridgeName, portName);
     }
 }
 
-void addVariables(Steps &steps, const json &variables) {
-    if (!variables.is_object())
-        refuse("nvram", "expected an object of texts");
-    for (const auto &[key, value] : variables.items()) {
-        if (key.empty() || key.find_first_of("= \t\n") != std::string::npos)
-            refuse("nvram", "\"" + key + "\" is no variable name");
-        steps.add("nvram", key, text(value, "nvram." + key));
-    }
+std::string steps(const json &scenario) {
+    Steps result;
+    std::size_t number = 0;
+    for (const json &bridge : list(scenario, "bridges"))
+        addBridge(result, bridge, "bridges[" + std::to_string(number++) + "]");
+    for (const json &thread : list(scenario, "threads"))
+        result.add("thread", name(thread, "threads"));
+    return result.text();
 }
 
-std::string readSteps(const char *file) {
+std::string driverPart(json scenario) {
+    scenario.erase("bridges");
+    scenario.erase("threads");
+    return scenario.dump(4) + "\n";
+}
+
+json readScenario(const char *file) {
     std::ifstream input(file);
     if (!input)
         throw std::runtime_error("cannot be read");
     json scenario = json::parse(input, nullptr, true, true);
     if (!scenario.is_object())
-        refuse("scenario", "expected an object");
-    Steps steps;
-    std::size_t number = 0;
-    for (const json &bridge : list(scenario, "bridges", "scenario"))
-        addBridge(steps, bridge, "bridges[" + std::to_string(number++) + "]");
-    if (scenario.contains("nvram"))
-        addVariables(steps, scenario["nvram"]);
-    number = 0;
-    for (const json &thread : list(scenario, "threads", "scenario"))
-        steps.add("thread", name(thread, "threads[" + std::to_string(number++) + "]"));
-    return steps.text();
+        throw std::runtime_error("expected an object");
+    return scenario;
 }
 
 } // namespace
 } // namespace wlsim
 
 int main(int argc, char **argv) {
-    if (argc != 2) {
-        std::fputs("usage: simscenario FILE\n", stderr);
+    std::string part = argc == 3 ? argv[1] : "";
+    if (part != "steps" && part != "driver") {
+        std::fputs("usage: simscenario {steps|driver} FILE\n", stderr);
         return 2;
     }
     try {
-        std::fputs(wlsim::readSteps(argv[1]).c_str(), stdout);
+        auto scenario = wlsim::readScenario(argv[2]);
+        std::string text = part == "steps" ? wlsim::steps(scenario) : wlsim::driverPart(scenario);
+        std::fputs(text.c_str(), stdout);
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
+        std::fprintf(stderr, "%s: %s\n", argv[2], error.what());
         return 1;
     }
     return 0;

@@ -1,8 +1,7 @@
 /** @file
- * A look-alike of one of the driver's kernel threads: a process of that name that does nothing and needs SIGKILL's
- * strength to leave, as little as a kernel thread can be asked to.
+ * A look-alike of one of the driver's kernel threads: a process of that name that does nothing, there to be found,
+ * placed on a CPU and given a priority.
  */
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -36,7 +35,6 @@ int main(int argc, char **argv) {
         return 0;
     prctl(PR_SET_NAME, argv[1]);
     detach();
-    std::signal(SIGTERM, SIG_IGN);
     for (;;)
         pause();
 }

@@ -1,0 +1,130 @@
+#include "daemon.h"
+
+#include "bcmnvram.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
+
+namespace wlsim {
+namespace {
+
+// A daemon just killed may still be on its way out when its successor starts: "killall eapd; eapd" has to work.
+constexpr int kLockTries = 50;
+constexpr auto kLockPause = std::chrono::milliseconds(20);
+
+std::runtime_error systemError(const std::string &what) {
+    return std::runtime_error(what + ": " + std::strerror(errno));
+}
+
+int lockPidFile(const std::string &name) {
+    std::string path = "/var/run/" + name + ".pid";
+    int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0)
+        throw systemError(path);
+    for (int i = 0; i < kLockTries; ++i) {
+        if (flock(fd, LOCK_EX | LOCK_NB) == 0)
+            return fd;
+        std::this_thread::sleep_for(kLockPause);
+    }
+    throw std::runtime_error("already running");
+}
+
+void writePid(int fd, pid_t pid) {
+    std::string text = std::to_string(pid) + "\n";
+    if (ftruncate(fd, 0) != 0 || pwrite(fd, text.data(), text.size(), 0) < 0)
+        throw systemError("pid file");
+}
+
+void writeFurtherPidFile(const std::string &path, pid_t pid) {
+    if (path.empty())
+        return;
+    int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0)
+        throw systemError(path);
+    writePid(fd, pid);
+    close(fd);
+}
+
+void detach(const std::string &name) {
+    setsid();
+    std::string log = "/var/log/" + name + ".log";
+    int in = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    int out = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    if (in < 0 || out < 0)
+        throw systemError(log);
+    dup2(in, STDIN_FILENO);
+    dup2(out, STDOUT_FILENO);
+    dup2(out, STDERR_FILENO);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    std::signal(SIGPIPE, SIG_IGN);
+    if (chdir("/") != 0)
+        throw systemError("/");
+}
+
+[[noreturn]] void background(const DaemonTask &task) {
+    try {
+        detach(task.name);
+        task.serve();
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "%s: %s\n", task.name.c_str(), error.what());
+    }
+    std::_Exit(1);
+}
+
+} // namespace
+
+int startDaemon(const DaemonTask &task) {
+    try {
+        int lock = lockPidFile(task.name);
+        task.prepare();
+        pid_t pid = fork();
+        if (pid < 0)
+            throw systemError("fork");
+        if (pid == 0)
+            background(task);
+        writePid(lock, pid);
+        writeFurtherPidFile(task.pidFile, pid);
+        return 0;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "%s: %s\n", task.name.c_str(), error.what());
+        return 1;
+    }
+}
+
+std::vector<std::string> plainArguments(int argc, char **argv, std::size_t most, const char *usage) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    bool plain = arguments.size() <= most;
+    for (const std::string &argument : arguments)
+        plain = plain && !argument.empty() && argument[0] != '-';
+    if (!plain) {
+        std::fprintf(stderr, "usage: %s\n", usage);
+        std::exit(1);
+    }
+    return arguments;
+}
+
+std::string variable(const std::string &key, const std::string &absent) {
+    const char *value = nvram_get(key.c_str());
+    return value ? value : absent;
+}
+
+std::vector<std::string> words(const std::string &list, const char *separators) {
+    std::vector<std::string> result;
+    for (std::size_t start = list.find_first_not_of(separators); start != std::string::npos;) {
+        std::size_t end = list.find_first_of(separators, start);
+        result.push_back(list.substr(start, end - start));
+        start = list.find_first_not_of(separators, end);
+    }
+    return result;
+}
+
+} // namespace wlsim

@@ -1,0 +1,153 @@
+/** @file
+ * Recording stand-in for ebtables' broute table, which a kernel seldom has and a user namespace never gets: the chain
+ * SKIP_FCACHE that the platform's firewall set-up provides, with the rules that programs add to it.
+ */
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <sys/file.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr const char *kTable = "broute";
+constexpr const char *kChain = "SKIP_FCACHE";
+constexpr const char *kTarget = "SKIPLOG";
+constexpr const char *kRules = "/var/sim/ebtables";
+constexpr const char *kUsage = "ebtables -t broute {-A|-D} SKIP_FCACHE -i INTERFACE -j SKIPLOG | -L [SKIP_FCACHE]";
+
+using Words = std::vector<std::string>;
+
+[[noreturn]] void refuse(const std::string &why) {
+    throw std::runtime_error(why);
+}
+
+/** The rules under a lock: two radios' set-ups may run at the same time. */
+class Chain {
+  public:
+    Chain() : m_lock(open("/var/sim/ebtables.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+        if (m_lock < 0 || flock(m_lock, LOCK_EX) != 0)
+            refuse(std::string("cannot lock the rules: ") + std::strerror(errno));
+        std::ifstream file(kRules);
+        for (std::string rule; std::getline(file, rule);)
+            m_rules.push_back(rule);
+    }
+    ~Chain() { close(m_lock); }
+    Chain(const Chain &) = delete;
+    Chain &operator=(const Chain &) = delete;
+
+    void append(const std::string &rule) {
+        m_rules.push_back(rule);
+        save();
+    }
+    void remove(const std::string &rule) {
+        auto found = std::find(m_rules.begin(), m_rules.end(), rule);
+        if (found == m_rules.end())
+            refuse("Sorry, rule does not exist.");
+        m_rules.erase(found);
+        save();
+    }
+    void list() const {
+        std::printf("Bridge table: %s\n\nBridge chain: %s, entries: %zu, policy: RETURN\n", kTable, kChain,
+                    m_rules.size());
+        for (const std::string &rule : m_rules)
+            std::printf("%s\n", rule.c_str());
+    }
+
+  private:
+    void save() const {
+        std::ofstream file(kRules, std::ios::trunc);
+        for (const std::string &rule : m_rules)
+            file << rule << '\n';
+        if (!file.flush())
+            refuse("cannot write the rules");
+    }
+
+    int m_lock;
+    Words m_rules;
+};
+
+struct Command {
+    std::string table, chain, interface, target;
+    char action = 0;
+};
+
+Command read(const Words &words) {
+    Command command;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string &word = words[i];
+        bool last = i + 1 == words.size();
+        if (word == "-L") {
+            command.action = 'L';
+            command.chain = last || words[i + 1][0] == '-' ? kChain : words[++i];
+            continue;
+        }
+        if (last)
+            refuse("unknown argument " + word);
+        const std::string &value = words[++i];
+        if (word == "-t")
+            command.table = value;
+        else if (word == "-i")
+            command.interface = value;
+        else if (word == "-j")
+            command.target = value;
+        else if (word == "-A" || word == "-D")
+            command.action = word[1], command.chain = value;
+        else
+            refuse("unknown argument " + word);
+    }
+    return command;
+}
+
+void check(const Command &command) {
+    if (command.action == 0)
+        refuse("no command given");
+    if (command.table != kTable)
+        refuse("The kernel doesn't support the ebtables '" + (command.table.empty() ? "filter" : command.table) +
+               "' table.");
+    if (command.chain != kChain)
+        refuse("Chain '" + command.chain + "' doesn't exist.");
+    if (command.action == 'L')
+        return;
+    if (command.target != kTarget)
+        refuse("Target " + command.target + " does not exist.");
+    if (command.interface.empty() || command.interface.size() > 15)
+        refuse("an interface name of 1 to 15 characters is needed");
+}
+
+void run(const Command &command) {
+    Chain chain;
+    std::string rule = "-i " + command.interface + " -j " + command.target;
+    switch (command.action) {
+    case 'A':
+        return chain.append(rule);
+    case 'D':
+        return chain.remove(rule);
+    default:
+        return chain.list();
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s\n", kUsage);
+        return 1;
+    }
+    try {
+        Command command = read(Words(argv + 1, argv + argc));
+        check(command);
+        run(command);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "ebtables: %s\n", error.what());
+        return 255;
+    }
+    return 0;
+}

@@ -1,0 +1,127 @@
+/** @file
+ * The WPS daemon: the control protocol on UDP 127.0.0.1:40500 ("GET", "SET key=value ...") and, for the simulation's
+ * enrollees, "ENROL ifname= mac= method=pbc|pin [pin=] [seconds=]" on the same port.
+ */
+#include "bcmnvram.h"
+#include "client.h"
+#include "daemon.h"
+#include "wps_session.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <netinet/in.h>
+#include <poll.h>
+#include <random>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace wlsim {
+namespace {
+
+constexpr std::uint16_t kPort = 40500;
+constexpr const char *kPidFile = "/tmp/wps_monitor.pid";
+
+void store(const std::string &key, const std::string &value) {
+    int result = value.empty() ? nvram_unset(key.c_str()) : nvram_set(key.c_str(), value.c_str());
+    if (result != 0)
+        std::printf("%s: the store refused the value\n", key.c_str());
+}
+
+bool beaconing(const std::string &ifname) {
+    std::string output;
+    std::string errors;
+    return request({"wlctl", "-i", ifname, "isup"}, &output, &errors) == 0 && output.substr(0, 1) == "1";
+}
+
+std::string randomHex(int bytes) {
+    std::random_device source;
+    std::string text;
+    for (int i = 0; i < bytes; ++i) {
+        char pair[3];
+        std::snprintf(pair, sizeof pair, "%02x", source() & 0xff);
+        text += pair;
+    }
+    return text;
+}
+
+class WpsMonitor {
+  public:
+    void openSocket() {
+        m_socket = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(kPort);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        if (m_socket < 0 || bind(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
+            throw std::runtime_error("port " + std::to_string(kPort) + ": " + std::strerror(errno));
+    }
+
+    [[noreturn]] void serve() {
+        WpsRegistrar registrar({[](const std::string &key) { return variable(key); }, store, beaconing, randomHex});
+        for (;;) {
+            pollfd waiting{m_socket, POLLIN, 0};
+            if (poll(&waiting, 1, 250) > 0)
+                receive(registrar);
+            registrar.tick(time(nullptr));
+        }
+    }
+
+  private:
+    void receive(WpsRegistrar &registrar) {
+        char buffer[2048];
+        sockaddr_in peer{};
+        socklen_t length = sizeof peer;
+        ssize_t got = recvfrom(m_socket, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(&peer), &length);
+        if (got <= 0)
+            return;
+        std::string text(buffer, strnlen(buffer, static_cast<std::size_t>(got)));
+        auto reply = [this, peer](const std::string &answer) {
+            sendto(m_socket, answer.c_str(), answer.size() + 1, 0, reinterpret_cast<const sockaddr *>(&peer),
+                   sizeof peer);
+        };
+        std::string verb = text.substr(0, text.find(' '));
+        Fields fields = readFields(text.substr(verb.size()));
+        if (text == "GET")
+            reply(registrar.state());
+        else if (verb == "SET")
+            set(registrar, fields);
+        else if (verb == "ENROL")
+            enrol(registrar, fields, reply);
+        else
+            std::printf("ignored: %zd bytes that are no command\n", got);
+    }
+
+    static void set(WpsRegistrar &registrar, const Fields &fields) {
+        std::string why;
+        if (!registrar.command(fields, time(nullptr), &why))
+            std::printf("refused: %s\n", why.c_str());
+    }
+
+    static void enrol(WpsRegistrar &registrar, Fields &fields, std::function<void(const std::string &)> reply) {
+        time_t now = time(nullptr);
+        int seconds = std::atoi(fields["seconds"].c_str());
+        Enrollee enrollee{
+            fields["ifname"], fields["mac"], fields["method"] == "pin", fields["pin"], seconds > 0 ? now + seconds : 0,
+            std::move(reply)};
+        registrar.enrol(std::move(enrollee), now);
+    }
+
+    int m_socket = -1;
+};
+
+} // namespace
+} // namespace wlsim
+
+int main(int argc, char **argv) {
+    wlsim::plainArguments(argc, argv, 0, "wps_monitor");
+    wlsim::WpsMonitor monitor;
+    wlsim::DaemonTask task;
+    task.name = "wps_monitor";
+    task.prepare = [&] { monitor.openSocket(); };
+    task.serve = [&] { monitor.serve(); };
+    task.pidFile = wlsim::kPidFile;
+    return wlsim::startDaemon(task);
+}
