@@ -1,0 +1,323 @@
+// The driver's report of neighbouring access points.
+#include "scan/readers.h"
+
+#include <wlbrcm/status.h>
+
+#include "module/numbers.h"
+#include "module/rates.h"
+#include "module/text.h"
+
+namespace wlbrcm {
+
+namespace {
+
+constexpr size_t kLongestList = 255;
+
+enum : uint16_t {
+    kPhyB = 0x1,
+    kPhyG = 0x2,
+    kPhyA = 0x4,
+    kPhyN = 0x8,
+    kPhyAc = 0x10,
+    kWpa = 0x1,
+    kWpa2 = 0x2,
+    kTkip = 0x1,
+    kCcmp = 0x2,
+    kAkmOther = 1,
+    kAkmPsk = 2
+};
+enum : int32_t { kInfrastructure = 1, kAdHoc = 2, kDefaultWidth = 20 };
+
+std::string_view behind(std::string_view text, size_t count) {
+    text.remove_prefix(count < text.size() ? count : text.size());
+    return text;
+}
+
+// Where a character stands, or the text's size.
+size_t indexOf(std::string_view text, char c) {
+    const size_t at = text.find(c);
+    return at != std::string_view::npos ? at : text.size();
+}
+
+// The text between the first and the second double quote, empty without them.
+std::string_view quoted(std::string_view value) {
+    const std::string_view name = behind(value, indexOf(value, '"') + 1);
+    const size_t length = indexOf(name, '"');
+    return length < name.size() ? std::string_view(name.data(), length) : "";
+}
+
+void storeName(std::string_view name, char (&ssid)[101]) {
+    // Decoding doubles some characters, so it needs the room of the longest result.
+    char text[256];
+    copyText(text, name);
+    copyText(ssid, formatSSID(text));
+}
+
+// Adds one entry, when it and its comma fit.
+template <size_t Size> void addWord(char (&list)[Size], std::string_view word) {
+    static_assert(Size > kLongestList);
+    const size_t used = strlen(list);
+    const size_t comma = used > 0 ? 1 : 0;
+    if (word.empty() || used + comma + word.size() > kLongestList)
+        return;
+    list[used] = ',';
+    copyText(list + used + comma, Size - used - comma, word);
+}
+
+// "[ 1(b) 2(b) 5.5(b) 11(b) 6 9 ]": a rate marked with "b" is a basic one.
+void addLegacyRates(std::string_view rates, WlScanAp *ap) {
+    const size_t end = indexOf(rates, ']');
+    if (end == rates.size() || end == 0)
+        return;
+    Words words(behind({rates.data(), end - 1}, indexOf(rates, '[') + 2));
+    for (std::string_view word; words.next(&word);) {
+        const size_t mark = indexOf(word, 'b');
+        if (mark < word.size()) {
+            word = {word.data(), mark > 0 ? mark - 1 : 0};
+            addWord(ap->basicRates, word);
+        }
+        addWord(ap->supportedRates, word);
+    }
+}
+
+// Adds the rates of the access point's width, behind those of half the width where there are some. Other widths have no
+// rates.
+void addMcsRates(WlScanAp *ap, const char *(*rates)(int bandwidth, int streams), int streams) {
+    const char *own = rates(ap->bandwidth, streams);
+    if (own == nullptr)
+        return;
+    Text<kLongestList + 1> list;
+    if (const char *narrower = rates(ap->bandwidth / 2, streams))
+        list.append("%s,", narrower);
+    list.append("%s", own);
+    addRates(ap->supportedRates, list.view());
+}
+
+struct HtStreams {
+    std::string_view highestMcs;
+    int streams;
+};
+constexpr HtStreams kHtStreams[] = {{"31", 4}, {"23", 3}, {"15", 2}, {"7", 1}};
+
+void readBssid(ApReader &reader, const Piece &piece) { copyText(reader.record().bssid, behind(piece.value, 1)); }
+
+void readMode(ApReader &reader, const Piece &piece) {
+    if (contains(piece.value, "Managed"))
+        reader.record().mode = kInfrastructure;
+    else if (contains(piece.value, "Ad Hoc"))
+        reader.record().mode = kAdHoc;
+}
+
+void readBeaconPeriod(ApReader &reader, const Piece &piece) {
+    reader.record().beaconPeriod = unsignedNumber(piece.value);
+}
+
+void readDtimPeriod(ApReader &reader, const Piece &piece) { reader.record().dtimPeriod = unsignedNumber(piece.value); }
+
+void readChannel(ApReader &reader, const Piece &piece) {
+    reader.channelFallback(static_cast<int>(unsignedNumber(piece.value)));
+}
+
+void readRssi(ApReader &reader, const Piece &piece) {
+    reader.record().rssi = static_cast<int32_t>(unsignedNumber(piece.value));
+}
+
+void readNoise(ApReader &reader, const Piece &piece) {
+    reader.record().noise = static_cast<int16_t>(unsignedNumber(piece.value));
+}
+
+void readLegacyRates(ApReader &reader, const Piece &piece) { reader.legacyRates(piece.value); }
+
+// " 5GHz channel 42 80MHz (0xe02a)"
+void readChanspec(ApReader &reader, const Piece &piece) {
+    constexpr std::string_view kWord = "channel";
+    WlScanAp &ap = reader.record();
+    ap.band = startsWith(behind(piece.value, 1), "2.4G") ? WLBRCM_BAND_2G : WLBRCM_BAND_5G;
+    const size_t at = piece.value.find(kWord);
+    if (at == std::string_view::npos)
+        return;
+    std::string_view rest = behind(piece.value, at + kWord.size());
+    if (takeDecimal(&rest, &ap.channel))
+        takeDecimal(&rest, &ap.bandwidth);
+}
+
+void readWps(ApReader &reader, const Piece &) { reader.record().wps = 1; }
+
+void readWpa(ApReader &reader, const Piece &) { reader.record().security |= kWpa; }
+
+void readWpa2(ApReader &reader, const Piece &) { reader.record().security |= kWpa2; }
+
+void readCiphers(ApReader &reader, const Piece &piece) {
+    if (contains(piece.value, "TKIP"))
+        reader.record().ciphers |= kTkip;
+    if (contains(piece.value, "CCMP"))
+        reader.record().ciphers |= kCcmp;
+}
+
+void readAkm(ApReader &reader, const Piece &piece) {
+    reader.record().akm = contains(piece.value, "PSK") ? kAkmPsk : kAkmOther;
+}
+
+void readVht(ApReader &reader, const Piece &) { reader.vhtSeen(); }
+
+void readHt(ApReader &reader, const Piece &) { reader.htSeen(); }
+
+void readHtMcs(ApReader &reader, const Piece &piece) {
+    if (reader.record().band == WLBRCM_BAND_5G)
+        return;
+    for (const HtStreams &row : kHtStreams) {
+        if (contains(piece.value, row.highestMcs)) {
+            addMcsRates(&reader.record(), htRates, row.streams);
+            return;
+        }
+    }
+}
+
+template <int Stream> void readVhtMcs(ApReader &reader, const Piece &) {
+    // Further streams add nothing to a list that is as good as full.
+    constexpr size_t kNearlyFull = 251;
+    WlScanAp &ap = reader.record();
+    if (ap.band != WLBRCM_BAND_2G && (Stream == 1 || strlen(ap.supportedRates) < kNearlyFull))
+        addMcsRates(&ap, vhtRates, Stream);
+}
+
+enum class Test { Whole, Substring, Prefix };
+enum class Value { Needed, Optional };
+
+struct Rule {
+    Test test;
+    std::string_view key;
+    Value value;
+    void (*read)(ApReader &reader, const Piece &piece);
+};
+
+constexpr std::string_view kFirstKey = "SSID";
+// The first rule that matches decides: "VHT Capable" contains "HT Capable", and so on.
+constexpr Rule kRules[] = {
+    {Test::Whole, "BSSID", Value::Needed, readBssid},
+    {Test::Whole, "Mode", Value::Needed, readMode},
+    {Test::Whole, "Beacon Period", Value::Needed, readBeaconPeriod},
+    {Test::Whole, "DTIM Period", Value::Needed, readDtimPeriod},
+    {Test::Whole, "Channel", Value::Needed, readChannel},
+    {Test::Whole, "RSSI", Value::Needed, readRssi},
+    {Test::Whole, "noise", Value::Needed, readNoise},
+    {Test::Whole, "Supported Rates", Value::Needed, readLegacyRates},
+    {Test::Substring, "Chanspec", Value::Needed, readChanspec},
+    {Test::Whole, "WPS", Value::Optional, readWps},
+    {Test::Whole, "WPA", Value::Optional, readWpa},
+    {Test::Prefix, "RSN", Value::Optional, readWpa2},
+    {Test::Substring, "WPA2", Value::Optional, readWpa2},
+    {Test::Substring, "unicast ciphers", Value::Needed, readCiphers},
+    {Test::Substring, "AKM Suites", Value::Optional, readAkm},
+    {Test::Substring, "VHT Capable", Value::Optional, readVht},
+    {Test::Substring, "HT Capable", Value::Optional, readHt},
+    {Test::Substring, "Supported HT MCS", Value::Needed, readHtMcs},
+    {Test::Substring, "NSS1 Tx", Value::Optional, readVhtMcs<1>},
+    {Test::Substring, "NSS2 Tx", Value::Optional, readVhtMcs<2>},
+    {Test::Substring, "NSS3 Tx", Value::Optional, readVhtMcs<3>},
+    {Test::Substring, "NSS4 Tx", Value::Optional, readVhtMcs<4>},
+};
+
+bool matches(const Rule &rule, std::string_view key) {
+    switch (rule.test) {
+    case Test::Whole:
+        return key == rule.key;
+    case Test::Prefix:
+        return startsWith(key, rule.key);
+    case Test::Substring:
+        return contains(key, rule.key);
+    }
+    return false;
+}
+
+} // namespace
+
+void addRates(char (&list)[259], std::string_view rates) {
+    size_t used = strnlen(list, kLongestList);
+    if (used > 0 && used < kLongestList)
+        list[used++] = ',';
+    // The highest rates stand last, so the first ones go.
+    while (used + rates.size() > kLongestList)
+        rates = behind(rates, indexOf(rates, ',') + 1);
+    copyText(list + used, sizeof list - used, rates);
+}
+
+bool Pieces::next(Piece *piece) {
+    if (rest_.empty())
+        return false;
+    const size_t colon = indexOf(rest_, ':');
+    piece->key = {rest_.data(), colon};
+    piece->hasValue = colon < rest_.size();
+    rest_ = behind(rest_, colon + 1);
+    piece->value = {rest_.data(), indexOf(rest_, '\t')};
+    rest_ = behind(rest_, piece->value.size() + 1);
+    if (!piece->hasValue && piece->key.back() == '\n')
+        piece->key.remove_suffix(1);
+    return true;
+}
+
+void ApReader::readLine(std::string_view line) {
+    Pieces pieces(line);
+    for (Piece piece; pieces.next(&piece);)
+        dispatch(piece);
+}
+
+void ApReader::dispatch(const Piece &piece) {
+    if (piece.hasValue && piece.key == kFirstKey) {
+        start(piece);
+        return;
+    }
+    if (current_ == nullptr)
+        return;
+    for (const Rule &rule : kRules) {
+        if (!matches(rule, piece.key))
+            continue;
+        if (piece.hasValue || rule.value == Value::Optional)
+            rule.read(*this, piece);
+        return;
+    }
+}
+
+void ApReader::start(const Piece &piece) {
+    complete();
+    current_ = started_ < capacity_ ? &records_[started_++] : nullptr;
+    if (current_ == nullptr)
+        return;
+    channelFallback_ = highestLegacyRate_ = 0;
+    ht_ = vht_ = false;
+    storeName(quoted(piece.value), current_->ssid);
+    copyText(current_->ifName, ifname_);
+    current_->bandwidth = kDefaultWidth;
+}
+
+void ApReader::legacyRates(std::string_view rates) {
+    char text[254];
+    copyText(text, rates);
+    highestLegacyRate_ = getMaxRateSet(text);
+    addLegacyRates(text, current_);
+}
+
+uint16_t ApReader::phyModes() const {
+    constexpr int kSlowestOfdmRate = 12;
+    if (current_->band == WLBRCM_BAND_5G)
+        return vht_ ? kPhyAc | kPhyN | kPhyA : ht_ ? kPhyN | kPhyA : kPhyA;
+    if (ht_)
+        return kPhyN | kPhyG | kPhyB;
+    return highestLegacyRate_ >= kSlowestOfdmRate ? kPhyG | kPhyB : kPhyB;
+}
+
+void ApReader::complete() {
+    if (current_ == nullptr)
+        return;
+    current_->phyModes = phyModes();
+    if (current_->channel == 0)
+        current_->channel = channelFallback_;
+}
+
+int ApReader::finish() {
+    complete();
+    current_ = nullptr;
+    return started_;
+}
+
+} // namespace wlbrcm

@@ -1,0 +1,169 @@
+// Channel survey: forced scans of the channel selection daemon, and what it counted on each channel.
+#include <wlbrcm/scan.h>
+
+#include "module/command.h"
+#include "module/numbers.h"
+#include "scan/readers.h"
+
+using namespace wlbrcm;
+
+namespace {
+
+constexpr int kMostNumbers = 13;
+
+// A dump line has one of two shapes. The BSSs of a channel stand in several columns of the longer one.
+struct LineShape {
+    int numbers;
+    int band; // 0 for any
+    int columns[7];
+    int columnCount;
+};
+constexpr LineShape kLineShapes[] = {
+    {5, 0, {1}, 1},
+    {13, WLBRCM_BAND_2G, {2, 3, 4, 5}, 4},
+    {13, 0, {1, 4, 5, 7, 8, 9, 10}, 7},
+};
+
+const LineShape *shapeOf(int numbers, int band) {
+    for (const LineShape &shape : kLineShapes) {
+        if (shape.numbers == numbers && (shape.band == 0 || shape.band == band))
+            return &shape;
+    }
+    return nullptr;
+}
+
+// A line of the dump; a longer one comes in pieces, each of which counts.
+using DumpLine = char[256];
+
+int countLines(FILE *file) {
+    int count = 0;
+    for (DumpLine line; readLine(file, line);)
+        ++count;
+    return count;
+}
+
+// Zero-filled records, of which the first ones are filled.
+WlChanScanInfo *readChannels(FILE *file, int count, int band) {
+    auto *channels = static_cast<WlChanScanInfo *>(calloc(static_cast<size_t>(count), sizeof(WlChanScanInfo)));
+    if (channels == nullptr)
+        return nullptr;
+    DumpLine line;
+    rewind(file);
+    readLine(file, line); // the header
+    for (int filled = 0; filled < count && readLine(file, line);)
+        filled += readChannelLine(line, band, &channels[filled]) ? 1 : 0;
+    return channels;
+}
+
+bool isComplete(const WlanParamArg *arg) {
+    return arg != nullptr && arg->prefix != nullptr && arg->value != nullptr && arg->aux != nullptr &&
+           arg->result != nullptr;
+}
+
+int dumpChannels(WlIntf *intf, WlChanScanInfo **channels, int *count) {
+    int band = intf->radio.band;
+    WlanParamArg arg = {intf->radio.ifName, reinterpret_cast<char *>(&band), reinterpret_cast<char *>(count), channels,
+                        intf->radio.radioIndex - 1};
+    return qvWlanDumpCSRes(&arg);
+}
+
+} // namespace
+
+bool wlbrcm::readChannelLine(std::string_view line, int band, WlChanScanInfo *channel) {
+    int numbers[kMostNumbers];
+    int read = 0;
+    while (read < kMostNumbers && takeDecimal(&line, &numbers[read]))
+        ++read;
+    const LineShape *shape = shapeOf(read, band);
+    if (shape == nullptr || numbers[0] < 0 || numbers[0] > UINT16_MAX)
+        return false;
+    channel->chanspec = channel->channel = static_cast<uint16_t>(numbers[0]);
+    channel->bandwidth = 20;
+    channel->band = band == WLBRCM_BAND_2G ? 2 : 5;
+    channel->sideband = 0;
+    channel->valid = 1;
+    channel->bssNum = 0;
+    for (int i = 0; i < shape->columnCount; ++i)
+        channel->bssNum += static_cast<uint32_t>(numbers[shape->columns[i]]);
+    return true;
+}
+
+int qvWlanChanScan(WlanParamArg *arg) {
+    if (arg == nullptr || arg->prefix == nullptr)
+        return WLBRCM_EINVAL;
+    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    if (!ifname)
+        return WLBRCM_EINVAL;
+    const Command command("acs_cli -i %s csscan_force", ifname);
+    CommandOutput answer(command.text.c_str());
+    for (char line[256]; answer.next(line);) {
+        if (contains(line, "Request finished"))
+            return WLBRCM_OK;
+    }
+    return WLBRCM_EFAILED;
+}
+
+int qvbrcm_ChannelScan(WlIntf *intf) {
+    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
+    if (intf == nullptr)
+        return WLBRCM_EINVAL;
+    WlanParamArg arg = {};
+    arg.prefix = intf->radio.ifName;
+    arg.index = intf->radio.radioIndex - 1;
+    if (qvWlanChanScan(&arg) == WLBRCM_OK)
+        return WLBRCM_OK;
+    WLBRCM_LOG(LOG_ERR, "Channel scan fail on %s......\n", intf->radio.ifName);
+    return WLBRCM_EFAILED;
+}
+
+int qvWlanDumpCSRes(WlanParamArg *arg) {
+    if (!isComplete(arg))
+        return WLBRCM_EINVAL;
+    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    if (!ifname)
+        return WLBRCM_EINVAL;
+    int band = 0;
+    memcpy(&band, arg->value, sizeof band);
+    const ResultPath path("/tmp/%s_acs_dump_res", ifname.c_str());
+    runCommand(WLBRCM_HERE, "acs_cli -i %s dump bss > %s", ifname, path);
+    ResultFile report(path);
+    const int count = report ? countLines(report.stream()) - 1 : 0;
+    WlChanScanInfo *channels = count > 0 ? readChannels(report.stream(), count, band) : nullptr;
+    if (channels == nullptr)
+        return WLBRCM_EFAILED;
+    memcpy(arg->aux, &count, sizeof count);
+    memcpy(arg->result, &channels, sizeof channels);
+    return WLBRCM_OK;
+}
+
+int qvbrcm_GetChanScanRpt(WlIntf *intf, WlChanScanInfo **channels, int *channelCount, WlScanAp **aps, int *apCount) {
+    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
+    const bool wantsChannels = channels != nullptr && channelCount != nullptr;
+    const bool wantsAps = aps != nullptr && apCount != nullptr;
+    if (!wantsChannels && !wantsAps) {
+        WLBRCM_LOG(LOG_ERR, "Invalid parameter.\n");
+        return WLBRCM_EFAILED;
+    }
+    if (intf == nullptr)
+        return WLBRCM_EINVAL;
+    int count = 0;
+    WlChanScanInfo *list = nullptr;
+    if (wantsChannels) {
+        *channels = nullptr;
+        *channelCount = 0;
+        if (dumpChannels(intf, &list, &count) != WLBRCM_OK) {
+            WLBRCM_LOG(LOG_ERR, "Error to dump scan channel result\n");
+            return WLBRCM_EINVAL;
+        }
+    }
+    if (wantsAps && qvbrcm_GetChanScanApRpt(intf, aps, apCount) != WLBRCM_OK) {
+        WLBRCM_LOG(LOG_ERR, "Error to dump scan ap result\n");
+        free(list);
+        return WLBRCM_EINVAL;
+    }
+    if (wantsChannels) {
+        *channels = list;
+        *channelCount = count;
+    }
+    return WLBRCM_OK;
+}
