@@ -1,0 +1,46 @@
+// Channel specifications of the driver and which of them a country allows.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace wlsim {
+
+enum class Band { ghz2 = 2, ghz5 = 5 };
+
+/** One channel specification. `value` is the driver's 16 bits: band, width, sideband, centre channel. */
+struct Chanspec {
+    Band band = Band::ghz5;
+    int control = 0;
+    int width = 20;
+    uint16_t value = 0;
+    std::vector<int> members; ///< the 20 MHz channels it covers
+
+    int centre() const { return value & 0xff; }
+    bool upper() const { return width == 40 && (value & 0x0700) != 0; }
+    /** "36", "36l", "36/80". */
+    std::string text() const;
+    /** The text with the 16 bits behind it, as the driver reports it: "36/80 (0xe02a)". */
+    std::string report() const;
+    /** "5GHz channel 42 80MHz (0xe02a)". */
+    std::string longReport() const;
+};
+
+/** `36`, `36l`, `40u`, `36/80`, `36/40`; nothing when the band has no such channel. */
+std::optional<Chanspec> parseChanspec(Band band, const std::string &text);
+
+/** A country as the driver knows it, or null for an unknown code. */
+struct Country {
+    const char *code;
+    const char *name;
+    int last2g;        ///< channels 1 to this one
+    unsigned ranges5g; ///< bits of the 5 GHz ranges
+};
+const Country *findCountry(const std::string &code);
+
+bool isAllowed(const Country &country, const Chanspec &chanspec);
+std::vector<Chanspec> allowedChanspecs(const Country &country, Band band, int width);
+
+} // namespace wlsim

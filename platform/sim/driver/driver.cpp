@@ -1,0 +1,208 @@
+#include "driver.h"
+
+#include "events.h"
+#include "faults.h"
+#include "nvram_store.h"
+
+#include <algorithm>
+
+namespace wlsim {
+
+Reply done(std::string out) { return {0, std::move(out), "", 0}; }
+
+Reply refuse(const std::string &why, int status) { return {status, "", why, 0}; }
+
+std::string stored(const std::string &prefix, const std::string &key) {
+    const char *value = nvram_get((prefix + "_" + key).c_str());
+    return value ? value : "";
+}
+
+Driver::Driver(Model initial, Ports machine) : model(initial), ports(machine), initial_(std::move(initial)) {}
+
+std::string Driver::start() {
+    for (const auto &[key, value] : model.nvram) {
+        if (!nvram_get(key.c_str()) && nvram_set(key.c_str(), value.c_str()) != 0) {
+            return "cannot store the factory value of " + key;
+        }
+    }
+    for (const Radio &radio : model.radios) {
+        std::string error = ports.net.create(radio.name, peerName(radio.name), radio.mac);
+        if (!error.empty()) {
+            return error;
+        }
+    }
+    return "";
+}
+
+void Driver::stop() {
+    for (const Radio &radio : model.radios) {
+        for (auto bss = radio.bss.rbegin(); bss != radio.bss.rend(); ++bss) {
+            if (bss->exists) {
+                ports.net.remove(bss->ifName);
+            }
+        }
+    }
+}
+
+std::string Driver::reboot() {
+    stop();
+    model = initial_;
+    return nvram_reboot() == 0 ? start() : "the configuration store cannot be reset";
+}
+
+Radio *Driver::findRadio(const std::string &name) {
+    auto found = std::find_if(model.radios.begin(), model.radios.end(), [&](Radio &r) { return r.name == name; });
+    return found == model.radios.end() ? nullptr : &*found;
+}
+
+std::optional<Target> Driver::find(const std::string &ifName) {
+    for (Radio &radio : model.radios) {
+        for (Bss &bss : radio.bss) {
+            if (bss.exists && bss.ifName == ifName) {
+                return Target{radio, bss};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::string Driver::interfaceNames() const {
+    std::string names;
+    for (const Radio &radio : model.radios) {
+        for (const Bss &bss : radio.bss) {
+            names += bss.exists ? (names.empty() ? "" : " ") + bss.ifName : "";
+        }
+    }
+    return names.empty() ? "none" : names;
+}
+
+bool Driver::onAir(const Radio &radio, const Bss &bss) const {
+    return radio.up && bss.exists && bss.up && ports.net.up(bss.ifName);
+}
+
+Mac Driver::address(const Radio &radio, const Bss &bss) const { return ports.net.mac(bss.ifName).value_or(radio.mac); }
+
+bool Driver::dropStation(Bss &bss, const Mac &mac, EventNumber event, unsigned reason) {
+    auto same = [&](const Station &station) { return station.mac == mac; };
+    auto found = std::find_if(bss.stations.begin(), bss.stations.end(), same);
+    if (found == bss.stations.end()) {
+        return false;
+    }
+    bss.stations.erase(found);
+    emit({event, bss.ifName, mac, reason, 0});
+    return true;
+}
+
+void Driver::dropStations(Bss &bss, EventNumber event, unsigned reason) {
+    while (!bss.stations.empty()) {
+        Mac mac = bss.stations.back().mac;
+        dropStation(bss, mac, event, reason);
+    }
+}
+
+std::string Driver::authenticatorTrouble(const std::string &ifName) const {
+    for (const char *name : {"nas", "eapd"}) {
+        if (!ports.processes.running(name)) {
+            return std::string(name) + " does not run";
+        }
+    }
+    for (int group = 0; group < 10; group++) {
+        auto members = splitWords(stored(group ? format("lan%d", group) : "lan", "ifnames"));
+        if (std::find(members.begin(), members.end(), ifName) != members.end()) {
+            return "";
+        }
+    }
+    return "no LAN group lists " + ifName;
+}
+
+void Driver::emit(const Event &event) {
+    // The event daemon passes events on, and only when the configuration asks for them.
+    const char *enabled = nvram_get("mevent_enable");
+    if (enabled && std::string(enabled) == "1" && ports.processes.running("eapd")) {
+        ports.events.send(eventMessage(event));
+    }
+}
+
+void Driver::countTraffic(Radio &radio, Bss &bss) {
+    int64_t now = ports.clock.nowMs();
+    for (Station &station : bss.stations) {
+        auto bytes = static_cast<uint64_t>((now - station.countedMs) * station.trafficKbit / 8);
+        uint64_t packets = bytes / 1500;
+        if (packets == 0) {
+            continue;
+        }
+        station.countedMs = now;
+        StationCounters &counters = station.counters;
+        counters.txPackets += packets;
+        counters.rxPackets += packets / 2;
+        counters.txBytes += bytes;
+        counters.rxBytes += bytes / 4;
+        const std::pair<const char *, uint64_t> moved[] = {
+            {"txframe", packets}, {"txbyte", bytes}, {"rxframe", packets / 2}, {"rxbyte", bytes / 4}};
+        for (const auto &[name, amount] : moved) {
+            bss.counters[name] += amount;
+            radio.counters[name] += bss.index == 0 ? 0 : amount;
+        }
+    }
+}
+
+void Driver::finishSwitches(Radio &radio) {
+    for (ChannelSwitch &change : radio.switches) {
+        if (change.done || change.dueMs > ports.clock.nowMs()) {
+            continue;
+        }
+        change.done = true;
+        if (radio.up) {
+            radio.chanspec = change.target;
+            emit({kEventCsaComplete, change.ifName, {}, 0, 0});
+        }
+    }
+}
+
+/** Takes in what happened since the last command: time passed, and others may have taken interfaces down. */
+void Driver::catchUp() {
+    for (Radio &radio : model.radios) {
+        finishSwitches(radio);
+        for (Bss &bss : radio.bss) {
+            if (!bss.stations.empty() && !onAir(radio, bss)) {
+                dropStations(bss, kEventDisassocInd, 8);
+            }
+            countTraffic(radio, bss);
+        }
+    }
+}
+
+Reply Driver::dispatch(const std::vector<std::string> &words) {
+    constexpr struct {
+        const char *tool;
+        Reply (*run)(Driver &, const std::vector<std::string> &);
+    } kTools[] = {{"wlctl", runDriverCommand},
+                  {"wl", runDriverCommand},
+                  {"dhdctl", runDriverCommand},
+                  {"wlconf", runWlconf},
+                  {"wlsim", runControl}};
+    for (const auto &tool : kTools) {
+        if (words[0] == tool.tool) {
+            return tool.run(*this, words);
+        }
+    }
+    return refuse("no such tool", 2);
+}
+
+Reply Driver::run(const std::vector<std::string> &words) {
+    if (words.empty()) {
+        return refuse("empty request\n", 2);
+    }
+    catchUp();
+    Fault *fault = words[0] == "wlsim" ? nullptr : takeFault(model.faults, words);
+    Reply reply = fault && fault->mode == "fail" ? refuse("driver error (injected)") : dispatch(words);
+    if (fault) {
+        spoil(*fault, &reply);
+    }
+    if (!reply.err.empty()) {
+        reply.err = words[0] + ": " + reply.err + (reply.err.back() == '\n' ? "" : "\n");
+    }
+    return reply;
+}
+
+} // namespace wlsim
