@@ -1,0 +1,193 @@
+// What the driver knows about one associated station.
+#include "module/command.h"
+#include "module/numbers.h"
+#include "status/readers.h"
+
+#include <climits>
+
+namespace wlbrcm {
+
+namespace {
+
+constexpr Here kHere{"do_get_sta_info", __LINE__};
+
+// A line of the report: "<key>: <value>". What some keys stand for is in the key itself, behind `mark`.
+struct Field {
+    std::string_view afterMark;
+    std::string_view value;
+};
+
+void cutAt(std::string_view *text, const char *mark) {
+    std::string_view rest = *text;
+    if (takeThrough(&rest, mark))
+        text->remove_suffix(rest.size() + strlen(mark));
+}
+
+// "866667 kbps - 650000 kbps"
+uint32_t rateOf(std::string_view value) {
+    cutAt(&value, "kbps");
+    cutAt(&value, "-");
+    return unsignedNumber(value);
+}
+
+void readTxRate(const Field &field, WlStaInfo *sta, StationCaps * /*caps*/) {
+    sta->txRate = sta->lastTxRate = rateOf(field.value);
+}
+
+void readRxRate(const Field &field, WlStaInfo *sta, StationCaps * /*caps*/) { sta->rxRate = rateOf(field.value); }
+
+template <auto Member> void readCaps(const Field &field, WlStaInfo * /*sta*/, StationCaps *caps) {
+    caps->*Member = unsignedNumber(field.afterMark);
+}
+
+void readRateSetText(const Field &field, WlStaInfo * /*sta*/, StationCaps *caps) {
+    std::string_view text = field.afterMark;
+    if (!text.empty())
+        text.remove_prefix(1);
+    copyText(caps->rateSet, text);
+}
+
+template <auto Member> void readPackets(const Field &field, WlStaInfo *sta, StationCaps * /*caps*/) {
+    sta->*Member = unsignedNumber(field.value);
+}
+
+template <auto Member> void readBytes(const Field &field, WlStaInfo *sta, StationCaps * /*caps*/) {
+    sta->*Member = unsignedNumber64(field.value);
+}
+
+struct Row {
+    const char *mark;
+    bool counter;
+    void (*read)(const Field &field, WlStaInfo *sta, StationCaps *caps);
+};
+// The first mark found in a key decides: "HT caps" is part of "VHT caps".
+constexpr Row kRows[] = {
+    {"rate of last tx pkt", false, readTxRate},
+    {"rate of last rx pkt", false, readRxRate},
+    {"flags", false, readCaps<&StationCaps::flags>},
+    {"VHT caps", false, readCaps<&StationCaps::vht>},
+    {"HT caps", false, readCaps<&StationCaps::ht>},
+    {"rateset", false, readRateSetText},
+    {"tx total pkts", true, readPackets<&WlStaInfo::txPkts>},
+    {"tx total bytes", true, readBytes<&WlStaInfo::txBytes>},
+    {"rx data pkts", true, readPackets<&WlStaInfo::rxPkts>},
+    {"rx data bytes", true, readBytes<&WlStaInfo::rxBytes>},
+    {"tx failures", true, readPackets<&WlStaInfo::txFailures>},
+    {"tx pkts retries", true, readPackets<&WlStaInfo::txRetries>},
+    {"tx pkts retry exhausted", true, readPackets<&WlStaInfo::txRetryExhausted>},
+};
+
+// The driver prints a negative number, or nothing useful.
+void readRssi(const InterfaceName &ifname, const MacText &mac, const ResultPath &path, WlStaInfo *sta) {
+    runUnlogged(kHere, "wlctl -i %s rssi %s > %s", ifname, mac, path);
+    ResultFile report(path);
+    char line[255];
+    if (report.next(line) && line[0] == '-')
+        sta->rssi = decimalNumber(line);
+}
+
+constexpr uint32_t kAuthenticated = 0x8;
+constexpr uint32_t kAssociated = 0x10;
+constexpr uint32_t kVhtCapable = 0x100000;
+constexpr uint32_t kVht160 = 0x4;
+constexpr uint32_t kHt40 = 0x2;
+enum PhyMode : uint32_t { PHY_11B = 1, PHY_11G = 2, PHY_11A = 4, PHY_11N = 8, PHY_11AC = 16 };
+
+PhyMode legacyMode(const InterfaceName &ifname, const char *rateSet) {
+    constexpr int kHighest11b = 11; // Mbit/s
+    if (checkWlBand(ifname.c_str()) == WLBRCM_BAND_5G)
+        return PHY_11A;
+    return getMaxRateSet(rateSet) <= kHighest11b ? PHY_11B : PHY_11G;
+}
+
+void decideMode(const InterfaceName &ifname, const StationCaps &caps, WlStaInfo *sta) {
+    if (caps.flags == 0)
+        return;
+    sta->authenticated = (caps.flags & kAuthenticated) != 0 ? 1 : 0;
+    if ((caps.flags & kAssociated) == 0)
+        return;
+    if ((caps.flags & kVhtCapable) != 0) {
+        sta->phyMode = PHY_11AC;
+        sta->bandwidth = (caps.vht & kVht160) != 0 ? 160 : 80;
+    } else if (caps.ht != 0) {
+        sta->phyMode = PHY_11N;
+        sta->bandwidth = (caps.ht & kHt40) != 0 ? 40 : 20;
+    } else {
+        sta->phyMode = legacyMode(ifname, caps.rateSet);
+        sta->bandwidth = 20;
+    }
+}
+
+} // namespace
+
+void readStationInfo(std::string_view line, bool counters, WlStaInfo *sta, StationCaps *caps) {
+    std::string_view value = line;
+    if (!takeThrough(&value, ":"))
+        return;
+    const std::string_view key(line.data(), line.size() - value.size() - 1);
+    for (const Row &row : kRows) {
+        Field field{key, value};
+        if ((row.counter && !counters) || !takeThrough(&field.afterMark, row.mark))
+            continue;
+        row.read(field, sta, caps);
+        return;
+    }
+}
+
+} // namespace wlbrcm
+
+using namespace wlbrcm;
+
+int checkWlBand(const char *ifname) {
+    if (ifname == nullptr)
+        return -1;
+    const InterfaceName radio(WLBRCM_HERE, std::string_view(ifname, strcspn(ifname, ".")));
+    if (!radio)
+        return -1;
+    const Command command("wlctl -i %s band", radio);
+    CommandOutput output(command.text.c_str());
+    if (!output)
+        return -1;
+    char text[63];
+    const std::string_view band(text, fread(text, 1, sizeof text, output.stream()));
+    return band == "b" ? WLBRCM_BAND_2G : band == "1" ? WLBRCM_BAND_5G : -1;
+}
+
+int getMaxRateSet(const char *text) {
+    int highest = -1;
+    if (text == nullptr)
+        return highest;
+    while (*(text += strcspn(text, "0123456789")) != '\0') {
+        char *end;
+        const double number = strtod(text, &end);
+        const int rate = number < INT_MAX ? static_cast<int>(number) : INT_MAX;
+        highest = rate > highest ? rate : highest;
+        text = *end != '\0' ? end + 1 : end;
+    }
+    return highest;
+}
+
+int do_get_sta_info(const char *ifname, const char *mac, WlStaInfo *sta, char mode) {
+    if (ifname == nullptr || mac == nullptr || sta == nullptr)
+        return -1;
+    const InterfaceName name(WLBRCM_HERE, ifname);
+    const MacText address(WLBRCM_HERE, mac);
+    if (!name || !address)
+        return WLBRCM_EINVAL;
+    const ResultPath path("/tmp/.sta_result");
+    readRssi(name, address, path, sta);
+    copyText(sta->ifName, name.c_str());
+    runUnlogged(WLBRCM_HERE, "wlctl -i %s sta_info %s > %s", name, address, path);
+    ResultFile report(path);
+    StationCaps caps;
+    for (char line[255]; report.next(line);)
+        readStationInfo(line, mode == 'd', sta, &caps);
+    decideMode(name, caps, sta);
+    return WLBRCM_OK;
+}
+
+int get_sta_info(const char *ifname, const char *mac, WlStaInfo *sta) { return do_get_sta_info(ifname, mac, sta, 'd'); }
+
+int get_sta_basic_info(const char *ifname, const char *mac, WlStaInfo *sta) {
+    return do_get_sta_info(ifname, mac, sta, 'b');
+}
