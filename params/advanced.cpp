@@ -26,9 +26,7 @@ int setPowerSave(Here here, const WlanParamArg *arg, const char *group, size_t c
     return written;
 }
 
-bool isWord(std::string_view word, std::string_view wanted) {
-    return word == wanted;
-}
+bool isWord(std::string_view word, std::string_view wanted) { return word == wanted; }
 
 // Two 20 MHz networks beside a 40 MHz one are a matter of the 2.4 GHz band only.
 bool needsCoexistence(const char *bandAndWidth) {
@@ -78,9 +76,7 @@ int qvWlanSetBeaconPeriod(WlanParamArg *arg) {
     return result == WLBRCM_OK ? writeText(WLBRCM_HERE, arg->prefix, "bcn_rotate", "1") : result;
 }
 
-int qvWlanSetDtimPeriod(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"dtim"});
-}
+int qvWlanSetDtimPeriod(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"dtim"}); }
 
 int qvWlanSetTxPower(WlanParamArg *arg) {
     int percent;
@@ -117,13 +113,9 @@ int qvWlanSetFrameBurst(WlanParamArg *arg) {
     return setWord(WLBRCM_HERE, arg, {{"frameburst", 0, 1, "FrameBurst : 0~1\n"}, kOffOn});
 }
 
-int qvWlanSetAmpdu(WlanParamArg *arg) {
-    return setWord(WLBRCM_HERE, arg, {{"ampdu", -1, 1}, kAutoOffOn});
-}
+int qvWlanSetAmpdu(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"ampdu", -1, 1}, kAutoOffOn}); }
 
-int qvWlanSetAmsdu(WlanParamArg *arg) {
-    return setWord(WLBRCM_HERE, arg, {{"amsdu", -1, 1}, kAutoOffOn});
-}
+int qvWlanSetAmsdu(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"amsdu", -1, 1}, kAutoOffOn}); }
 
 int qvWlanSetRifsAdv(WlanParamArg *arg) {
     return setWord(
@@ -162,33 +154,19 @@ int qvWlanSetStbcRx(WlanParamArg *arg) {
     return writeInt(WLBRCM_HERE, arg->prefix, "stbc_rx", without ? 0 : number);
 }
 
-int qvWlanSetWmm(WlanParamArg *arg) {
-    return setWord(WLBRCM_HERE, arg, {{"wme", -1, 1}, kAutoOffOn});
-}
+int qvWlanSetWmm(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"wme", -1, 1}, kAutoOffOn}); }
 
-int qvWlanSetWmmAdvDisable(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"wme_bss_disable", 0, 1});
-}
+int qvWlanSetWmmAdvDisable(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"wme_bss_disable", 0, 1}); }
 
-int qvWlanSetWmmNoack(WlanParamArg *arg) {
-    return setWord(WLBRCM_HERE, arg, {{"wme_no_ack", 0, 1}, kOffOn});
-}
+int qvWlanSetWmmNoack(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"wme_no_ack", 0, 1}, kOffOn}); }
 
-int qvWlanSetWmmApsd(WlanParamArg *arg) {
-    return setWord(WLBRCM_HERE, arg, {{"wme_apsd", 0, 1}, kOffOn});
-}
+int qvWlanSetWmmApsd(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"wme_apsd", 0, 1}, kOffOn}); }
 
-int qvWlanSetWdsMacList(WlanParamArg *arg) {
-    return setText(WLBRCM_HERE, arg, "wds");
-}
+int qvWlanSetWdsMacList(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "wds"); }
 
-int qvWlanSetWlMode(WlanParamArg *arg) {
-    return setText(WLBRCM_HERE, arg, "mode");
-}
+int qvWlanSetWlMode(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "mode"); }
 
-int qvWlanSetLazyWds(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"lazywds"});
-}
+int qvWlanSetLazyWds(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"lazywds"}); }
 
 int qvWlanSetRxChainPwSave(WlanParamArg *arg) {
     return setPowerSave(WLBRCM_HERE, arg, "rxchain_pwrsave", kPowerSaveKeyCount - 1);
@@ -198,17 +176,11 @@ int qvWlanSetRadioPwSave(WlanParamArg *arg) {
     return setPowerSave(WLBRCM_HERE, arg, "radio_pwrsave", kPowerSaveKeyCount);
 }
 
-int qvWlanSetAntennaDiv(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"antdiv"});
-}
+int qvWlanSetAntennaDiv(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"antdiv"}); }
 
-int qvWlanSetTxBF_BFR(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"txbf_bfr_cap", 0, 1});
-}
+int qvWlanSetTxBF_BFR(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"txbf_bfr_cap", 0, 1}); }
 
-int qvWlanSetTxBF_BFE(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"txbf_bfe_cap", 0, 1});
-}
+int qvWlanSetTxBF_BFE(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"txbf_bfe_cap", 0, 1}); }
 
 int qvWlanSetInterferenceMode(WlanParamArg *arg) {
     WLBRCM_LOG(LOG_DEBUG, "enter\n");
@@ -232,6 +204,4 @@ int qvWlanSetATF(WlanParamArg *arg) {
     return writeInt(WLBRCM_HERE, arg->prefix, "atf", strcmp(arg->value, "1") == 0 ? 1 : 0);
 }
 
-int qvWlanSetProbRespSW(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"probresp_sw", 0, 2});
-}
+int qvWlanSetProbRespSW(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"probresp_sw", 0, 2}); }

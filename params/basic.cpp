@@ -88,9 +88,7 @@ int qvWlanSetSSID(WlanParamArg *arg) {
     return runDriver(WLBRCM_HERE, radio, DriverArgs("ssid -C %d %s", arg->index, quoteSsid(ssid).c_str()));
 }
 
-int qvWlanSetRadioOn(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"radio", 0, 1});
-}
+int qvWlanSetRadioOn(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"radio", 0, 1}); }
 
 int qvWlanSetCountryCode(WlanParamArg *arg) {
     if (!hasValue(arg))
@@ -109,21 +107,13 @@ int qvWlanSetGlobalMaxStaNum(WlanParamArg *arg) {
     return writeText(WLBRCM_HERE, arg->prefix, "maxassoc", Text<16>("%d", number).view());
 }
 
-int qvWlanSetPerBssMaxStaNum(WlanParamArg *arg) {
-    return setText(WLBRCM_HERE, arg, "bss_maxassoc");
-}
+int qvWlanSetPerBssMaxStaNum(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "bss_maxassoc"); }
 
-int qvWlanSetHideSSID(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"closed", 0, 1});
-}
+int qvWlanSetHideSSID(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"closed", 0, 1}); }
 
-int qvWlanSetBssIsolation(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"ap_isolate", 0, 1});
-}
+int qvWlanSetBssIsolation(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"ap_isolate", 0, 1}); }
 
-int qvWlanSetMulticastFwd(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"wmf_bss_enable"});
-}
+int qvWlanSetMulticastFwd(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"wmf_bss_enable"}); }
 
 int qvWlanSetMCS(WlanParamArg *arg) {
     if (arg == nullptr || arg->value == nullptr)
@@ -135,48 +125,29 @@ int qvWlanSetMCS(WlanParamArg *arg) {
 int qvWlanGetApMAC(WlanParamArg *arg) {
     if (!hasPrefix(arg) || arg->result == nullptr)
         return WLBRCM_EINVAL;
-    copyText(static_cast<char *>(arg->result), kMacTextSize, nvramText(Key("%s_hwaddr", arg->prefix).c_str()));
+    const char *address = nvram_get(Key("%s_hwaddr", arg->prefix).c_str());
+    copyText(static_cast<char *>(arg->result), kMacTextSize, address != nullptr ? address : "");
     return WLBRCM_OK;
 }
 
 // Settings that this platform does not have, kept for callers that set every parameter.
 
-int qvWlanSetMBSS(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetMBSS(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetDisableOLBC(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetDisableOLBC(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetTxAntenna(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetTxAntenna(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanClearWepKey(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanClearWepKey(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetHTBw(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetHTBw(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetHTExtCha(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetHTExtCha(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetBoardClkState(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetBoardClkState(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetInterference(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetInterference(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetMimoTxbw(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetMimoTxbw(WlanParamArg *) { return WLBRCM_OK; }
 
-int qvWlanSetSsStf(WlanParamArg *) {
-    return WLBRCM_OK;
-}
+int qvWlanSetSsStf(WlanParamArg *) { return WLBRCM_OK; }

@@ -17,9 +17,7 @@ struct ChannelDescriptor {
     int8_t wirelessMode = -1;
 };
 
-int bandCode(std::string_view band) {
-    return band == "2.4G" ? WLBRCM_BAND_2G : band == "5G" ? WLBRCM_BAND_5G : -1;
-}
+int bandCode(std::string_view band) { return band == "2.4G" ? WLBRCM_BAND_2G : band == "5G" ? WLBRCM_BAND_5G : -1; }
 
 ChannelDescriptor readDescriptor(const char *text) {
     ChannelDescriptor to;
@@ -34,14 +32,10 @@ ChannelDescriptor readDescriptor(const char *text) {
 }
 
 // The driver's capability mask: bit 0 is 20 MHz, bit 1 40 MHz, bit 2 80 MHz.
-int bandwidthCapability(int bandwidth) {
-    return bandwidth == 80 ? 7 : bandwidth == 40 ? 3 : 1;
-}
+int bandwidthCapability(int bandwidth) { return bandwidth == 80 ? 7 : bandwidth == 40 ? 3 : 1; }
 
 // 2.4 GHz radios have 802.11ac rates only in the modes N only and B/G/N mixed.
-int vhtFeatures(int wirelessMode) {
-    return wirelessMode == 3 || wirelessMode == 4 ? 3 : -1;
-}
+int vhtFeatures(int wirelessMode) { return wirelessMode == 3 || wirelessMode == 4 ? 3 : -1; }
 
 int effectiveBandwidth(int requested) {
     if (brcm_nmode == 0)
@@ -104,9 +98,7 @@ int qvWlanSetupRegulatory(const char *prefix, int /*band*/, int regMode, int dfs
     return writeText(WLBRCM_HERE, prefix, "reg_mode", regMode == k80211h ? "h" : regMode == k80211d ? "d" : "off");
 }
 
-int qvWlanSetAutoCh(WlanParamArg *) {
-    return writeText(WLBRCM_HERE, Key("acs_mode"), "");
-}
+int qvWlanSetAutoCh(WlanParamArg *) { return writeText(WLBRCM_HERE, Key("acs_mode"), ""); }
 
 int qvWlanSetAutoChPolicy(WlanParamArg *arg) {
     if (!hasValue(arg))

@@ -106,14 +106,8 @@ int qvWlanSetWepKey(WlanParamArg *arg) {
     return setText(WLBRCM_HERE, arg, Text<16>("key%d", *key).c_str());
 }
 
-int qvWlanSetPreSharedKey(WlanParamArg *arg) {
-    return setText(WLBRCM_HERE, arg, "wpa_psk");
-}
+int qvWlanSetPreSharedKey(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "wpa_psk"); }
 
-int qvWlanSetRekeyInterval(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"wpa_gtk_rekey"});
-}
+int qvWlanSetRekeyInterval(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"wpa_gtk_rekey"}); }
 
-int qvWlanSetProtectMF(WlanParamArg *arg) {
-    return setInt(WLBRCM_HERE, arg, {"mfp", 0, 2});
-}
+int qvWlanSetProtectMF(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"mfp", 0, 2}); }
