@@ -72,7 +72,7 @@ test_tc_limits_both_ways() {
 
 test_driver_threads_have_their_names() {
     local thread
-    for thread in wl0-kthrd wl0-tmr-kthrd wl1-kthrd wl1-tmr-kthrd; do
+    for thread in dhd0_dpc wfd0-thrd wl1-kthrd wl1-tmr-kthrd events/1; do
         assert_contains "$(cat /proc/[0-9]*/stat 2>/dev/null)" " ($thread) S " "$thread"
     done
 }

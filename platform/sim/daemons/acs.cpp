@@ -34,9 +34,7 @@ ApMode modeOf(const Sighting &seen) {
     return seen.fast ? ApMode::g : ApMode::b;
 }
 
-bool contains(const std::string &text, const char *part) {
-    return text.find(part) != std::string::npos;
-}
+bool contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
 
 void take(Sighting &seen, const std::string &key, const std::string &value) {
     if (key == "Channel") {

@@ -30,12 +30,8 @@ struct Radio {
     time_t nextScan = 0; // 0: never by itself
 };
 
-std::string setting(const Radio &radio, const char *key) {
-    return variable(radio.name + "_" + key);
-}
-int number(const Radio &radio, const char *key) {
-    return std::atoi(setting(radio, key).c_str());
-}
+std::string setting(const Radio &radio, const char *key) { return variable(radio.name + "_" + key); }
+int number(const Radio &radio, const char *key) { return std::atoi(setting(radio, key).c_str()); }
 
 /** One driver command on the radio. @return what it printed; throws what it complained about. */
 std::string driver(const Radio &radio, std::vector<std::string> command) {
@@ -49,9 +45,7 @@ std::string driver(const Radio &radio, std::vector<std::string> command) {
 }
 
 /** Channel 0 in the configuration leaves the choice to this daemon. */
-bool automatic(const Radio &radio) {
-    return setting(radio, "channel") == "0";
-}
+bool automatic(const Radio &radio) { return setting(radio, "channel") == "0"; }
 
 /** The width that the configuration allows the radio, narrowed as its modes ask. */
 int width(const Radio &radio) {

@@ -24,9 +24,7 @@ constexpr const char *kUsage = "ebtables -t broute {-A|-D} SKIP_FCACHE -i INTERF
 
 using Words = std::vector<std::string>;
 
-[[noreturn]] void refuse(const std::string &why) {
-    throw std::runtime_error(why);
-}
+[[noreturn]] void refuse(const std::string &why) { throw std::runtime_error(why); }
 
 /** The rules under a lock: two radios' set-ups may run at the same time. */
 class Chain {

@@ -54,9 +54,7 @@ sigset_t watchedSignals() {
     return set;
 }
 
-int exitStatus(int status) {
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-}
+int exitStatus(int status) { return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status); }
 
 [[noreturn]] void execute(const Words &words) {
     sigset_t none;

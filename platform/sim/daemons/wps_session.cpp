@@ -34,9 +34,7 @@ std::string hex(const std::string &bytes) {
     return text;
 }
 
-bool anyStation(const std::string &mac) {
-    return mac.empty() || lower(mac) == "ff:ff:ff:ff:ff:ff";
-}
+bool anyStation(const std::string &mac) { return mac.empty() || lower(mac) == "ff:ff:ff:ff:ff:ff"; }
 
 } // namespace
 
@@ -61,9 +59,7 @@ bool validPin(const std::string &pin) {
     return pin.size() == 8 && sum % 10 == 0;
 }
 
-WpsRegistrar::WpsRegistrar(WpsPlatform platform) : m_platform(std::move(platform)) {
-    readRadios();
-}
+WpsRegistrar::WpsRegistrar(WpsPlatform platform) : m_platform(std::move(platform)) { readRadios(); }
 
 void WpsRegistrar::readRadios() {
     for (const char *group : {"lan", "lan1", "lan2", "lan3", "lan4", "lan5", "lan6", "lan7", "lan8", "lan9"}) {
