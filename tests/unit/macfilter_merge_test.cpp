@@ -1,0 +1,263 @@
+// What the driver gets when the user's filter and the run-time deny list meet.
+#include "macfilter_fixture.h"
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+// What the two sides want of one interface, in plain sets.
+struct Wanted {
+    int user = WLBRCM_FILTER_OFF;
+    std::set<int> listed;
+    std::set<int> denied;
+
+    void apply(bool byUser, int cmd, const std::set<int> &addresses) {
+        if (byUser) {
+            user = cmd;
+            listed = cmd != WLBRCM_FILTER_OFF ? addresses : std::set<int>{};
+        } else if (cmd == WLBRCM_FILTER_OFF) {
+            denied.clear();
+        } else {
+            for (const int address : addresses)
+                cmd == WLBRCM_FILTER_DENY ? (void)denied.insert(address) : (void)denied.erase(address);
+        }
+    }
+    bool admits(int address) const {
+        if (denied.count(address) != 0)
+            return false;
+        return user == WLBRCM_FILTER_OFF || (listed.count(address) != 0) == (user == WLBRCM_FILTER_ALLOW);
+    }
+    int entries() const { return static_cast<int>(listed.size() + denied.size()); }
+};
+
+constexpr int kAddresses = 9;
+
+// The driver's side: admitted by the last macmode and list of the journal.
+struct Driver {
+    int mode = -1;
+    std::multiset<std::string> list;
+
+    Driver(const Lines &journal, const std::string &ifname) {
+        const std::string start = "run wlctl -i " + ifname + " mac";
+        for (const std::string &entry : journal) {
+            if (entry.compare(0, start.size(), start) != 0)
+                continue;
+            std::istringstream words(entry.substr(start.size()));
+            std::string word;
+            words >> word;
+            if (word == "mode")
+                words >> mode;
+            else
+                list.clear();
+            for (; words && word != "none" && word != "mode"; words >> word)
+                list.insert(word);
+        }
+    }
+    bool admits(int address) const {
+        const bool found = list.count(macText(address)) != 0;
+        return mode == 0 || found == (mode == 2);
+    }
+};
+
+} // namespace
+
+class MacFilterMerge : public MacFilterTest {};
+
+TEST_F(MacFilterMerge, RandomRequestsOfBothSidesAdmitWhomTheyShould) {
+    for (const unsigned seed : {1U, 77U, 4711U}) {
+        std::mt19937 random(seed);
+        const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
+        ASSERT_EQ(1, restart());
+        std::map<std::string, Wanted> wanted;
+        for (int step = 0; step < 400; ++step) {
+            const std::string ifname = "wl" + std::to_string(below(4));
+            const bool byUser = below(3) == 0;
+            const int cmd = below(3);
+            std::vector<int> addresses;
+            for (int i = 0; cmd != 0 && i < kAddresses; ++i) {
+                if (below(byUser ? 2 : 4) == 0)
+                    addresses.push_back(i);
+            }
+            Wanted &one = wanted[ifname];
+            one.apply(byUser, cmd, {addresses.begin(), addresses.end()});
+            platform.forget();
+            ASSERT_EQ(1, set(ifname, byUser, static_cast<uint32_t>(cmd), addresses));
+
+            const Driver driver(platform.journal, ifname);
+            // An allow list that the deny list empties would admit nobody; the driver then filters nobody.
+            const bool emptied = one.user == WLBRCM_FILTER_ALLOW && driver.list.empty();
+            for (int i = 0; i < kAddresses; ++i) {
+                ASSERT_EQ(emptied ? driver.mode == 0 : one.admits(i), driver.admits(i)) << seed << " " << step;
+                ASSERT_LE(driver.list.count(macText(i)), 1U) << "listed twice";
+                ASSERT_FALSE(emptied && one.admits(i)) << seed << " " << step;
+            }
+            int held = 0;
+            for (const auto &[name, each] : wanted)
+                held += each.entries();
+            ASSERT_EQ(512 - held, _mac_free_cnt) << seed << " " << step;
+            ASSERT_EQ(driver.list.size() * 18,
+                      driver.list.empty() ? 0 : platform.nvram[ifname + "_maclist"].size() + 1);
+        }
+    }
+}
+
+TEST_F(MacFilterMerge, CommandsOfEachMerge) {
+    const std::string a = macText(1), b = macText(2), c = macText(3);
+    const struct {
+        bool user;
+        uint32_t cmd;
+        std::vector<int> addresses;
+        Lines expected;
+    } rows[] = {
+        // A request's list is in reverse order of its additions.
+        {true, 1, {2, 1}, change("wl0", 1, a + " " + b)},
+        {false, 1, {2}, change("wl0", 1, a + " " + b)},
+        {false, 1, {3}, change("wl0", 1, a + " " + b + " " + c)},
+        {false, 1, {3, 3}, change("wl0", 1, a + " " + b + " " + c)},
+        {false, 2, {3}, change("wl0", 1, a + " " + b)},
+        {true, 2, {2, 1}, change("wl0", 2, a)},
+        {false, 1, {1}, change("wl0", 0)},
+        {true, 0, {1}, change("wl0", 1, a + " " + b)},
+        {true, 1, {}, change("wl0", 1, a + " " + b)},
+        {false, 0, {2}, change("wl0", 0)},
+    };
+    for (const auto &row : rows) {
+        platform.forget();
+        EXPECT_EQ(1, set("wl0", row.user, row.cmd, row.addresses));
+        EXPECT_EQ(row.expected, platform.journal) << &row - rows;
+    }
+    EXPECT_EQ(512, _mac_free_cnt);
+}
+
+TEST_F(MacFilterMerge, UnlinkingKeepsTheDenyListWhole) {
+    for (const std::vector<int> &removed : {std::vector<int>{0}, {4}, {2}, {1, 2}, {0, 4}, {0, 1, 2, 3, 4}}) {
+        restart();
+        set("wl0", false, 1, {0, 1, 2, 3, 4});
+        set("wl0", false, 2, removed);
+        Lines left;
+        const MacFilterEntry *before = nullptr;
+        for (const MacFilterEntry *entry = _intf_data[0].bsa_mac_list; entry != nullptr; entry = entry->next) {
+            EXPECT_EQ(before, entry->prev);
+            EXPECT_EQ(removed.end(), std::find(removed.begin(), removed.end(), entry->mac[5]));
+            left.push_back(macText(entry->mac[5]));
+            before = entry;
+        }
+        EXPECT_EQ(5 - removed.size(), left.size());
+        EXPECT_EQ(512 - static_cast<int>(left.size()), _mac_free_cnt);
+    }
+}
+
+TEST_F(MacFilterMerge, EightyFiveAddressesReachTheDriver) {
+    std::vector<int> addresses;
+    std::string list;
+    for (int i = 0; i < 85; ++i) {
+        addresses.insert(addresses.begin(), i);
+        list += (i > 0 ? " " : "") + macText(i);
+    }
+    EXPECT_EQ(1, set("wl0", true, 1, addresses));
+    EXPECT_EQ(change("wl0", 1, list), platform.journal);
+
+    platform.forget();
+    addresses.push_back(85);
+    EXPECT_EQ(0, set("wl0", true, 1, addresses));
+    EXPECT_EQ(Lines{}, platform.journal);
+    EXPECT_EQ((Lines{"insufficient length by mac_list_str\n", "fail to apply to driver\n"}), platform.logged(4));
+    EXPECT_EQ(512 - 86, _mac_free_cnt); // the table keeps it for the next merge
+
+    platform.forget();
+    EXPECT_EQ(1, set("wl0", true, 2, {7}));
+    EXPECT_EQ(change("wl0", 2, macText(7)), platform.journal);
+    EXPECT_EQ(512 - 1, _mac_free_cnt);
+}
+
+TEST_F(MacFilterMerge, TheTableHasSixteenInterfaces) {
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(1, set("wl0." + std::to_string(i), true, 1, {i}));
+    platform.forget();
+    EXPECT_EQ(0, set("wl1", true, 1, {1, 2}));
+    EXPECT_EQ(
+        (Lines{"insufficient interface\n", "fail to get index of _intf_data\n", "invalid request on interface wl1\n"}),
+        platform.logged(4));
+    EXPECT_EQ(Lines{}, platform.journal);
+    EXPECT_EQ(512 - 16, _mac_free_cnt);
+    EXPECT_EQ(1, set("wl0.15", true, 0)); // those that have a slot go on
+}
+
+TEST_F(MacFilterMerge, NamesThatAreNoneTakeNoSlot) {
+    for (const std::string &name : {std::string(), std::string("wl0; reboot"), std::string("-i"), std::string("$(id)"),
+                                    std::string(16, 'w'), std::string(64, 'w')}) {
+        platform.forget();
+        EXPECT_EQ(0, set(name, false, 1, {1})) << name;
+        EXPECT_EQ(Lines{}, platform.journal) << name;
+        const Lines errors = platform.logged(4);
+        ASSERT_EQ(3U, errors.size());
+        EXPECT_EQ("fail to get index of _intf_data\n", errors[1]);
+        EXPECT_EQ("invalid request on interface " + name + "\n", errors[2]);
+        EXPECT_EQ('\0', _intf_data[0].intf_name[0]);
+        EXPECT_EQ(512, _mac_free_cnt);
+    }
+    MacFilterRequest unterminated = request("", false, 0);
+    memset(unterminated.data.intf_name, 'w', sizeof unterminated.data.intf_name);
+    EXPECT_EQ(0, qvbrcm_MacFilter_set(&unterminated));
+}
+
+TEST_F(MacFilterMerge, RefusedRequestsKeepTheirList) {
+    MacFilterRequest bad = request("wl0", true, 3, {1});
+    EXPECT_EQ(0, qvbrcm_MacFilter_set(&bad));
+    EXPECT_EQ(0, qvbrcm_MacFilter_set(nullptr));
+    _mac_filter_ready = 0;
+    EXPECT_EQ(0, qvbrcm_MacFilter_set(&bad));
+    _mac_filter_ready = 1;
+    EXPECT_EQ((Lines{"invalid request->data.cmd = 3\n", "request == NULL\n", "not initialized yet\n"}),
+              platform.logged(4));
+    EXPECT_EQ(Lines{}, platform.journal);
+    ASSERT_NE(nullptr, bad.mac_list);
+    qvbrcm_MacFilter_release_list(&bad.mac_list);
+    EXPECT_EQ(512, _mac_free_cnt);
+}
+
+TEST_F(MacFilterMerge, AFailingDriverCommandDoesNotUndoTheFilter) {
+    platform.answer("wlctl", "", 1);
+    EXPECT_EQ(1, set("wl0", true, 1, {1}));
+    EXPECT_EQ(change("wl0", 1, macText(1)), platform.journal);
+}
+
+TEST_F(MacFilterMerge, LogsNameTheStepsAndTheRequest) {
+    set("wl0", true, 1, {2, 1});
+    ASSERT_LT(6U, platform.logs.size());
+    EXPECT_EQ("_get_free_mac", platform.logs[0].function);
+    EXPECT_EQ("_mac_free_cnt = 511\n", platform.logs[0].text);
+    const char *expected[] = {"intf_name = wl0, b_user_config = 1, cmd = 1\n", "mac = AA:BB:CC:DD:00:01\n",
+                              "mac = AA:BB:CC:DD:00:02\n"};
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ("qvbrcm_MacFilter_set", platform.logs[2 + i].function);
+        EXPECT_EQ(expected[i], platform.logs[2 + i].text);
+    }
+    EXPECT_EQ("qvWlanSetMacAuthMode", platform.logs[5].function);
+    platform.forget();
+    set("wl0", false, 0);
+    EXPECT_EQ("mac = NULL\n", platform.logs[1].text);
+}
+
+TEST_F(MacFilterMerge, TwoThreadsLoseNoEntry) {
+    brcm_print_fn = nullptr; // the recorder is not made for threads; commands run under the module's lock
+    const auto work = [](const char *ifname, int first) {
+        for (int i = 0; i < 300; ++i) {
+            set(ifname, false, 1, {first + i % 20, first + i % 7});
+            set(ifname, false, 2, {first + i % 5});
+        }
+        set(ifname, false, 0);
+    };
+    std::thread other(work, "wl1", 100);
+    work("wl0", 0);
+    other.join();
+    EXPECT_EQ(512, _mac_free_cnt);
+    MacFilterEntry *all = nullptr;
+    for (int i = 0; i < 512; ++i)
+        wlbrcm::pushFront(&all, qvbrcm_MacFilter_get_free_mac());
+    EXPECT_EQ(nullptr, qvbrcm_MacFilter_get_free_mac());
+}
