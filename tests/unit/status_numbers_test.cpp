@@ -1,0 +1,111 @@
+// Numbers and words of foreign text, and the rate lists.
+#include <climits>
+
+#include <gtest/gtest.h>
+
+#include "module/numbers.h"
+#include "module/rates.h"
+
+using namespace wlbrcm;
+
+TEST(StatusNumbers, UnsignedNumbersAreReadWithAnyBase) {
+    const struct {
+        const char *text;
+        uint64_t value; // at 64 bits
+        uint32_t low;   // at 32 bits
+    } rows[] = {
+        {"", 0, 0},
+        {"abc", 0, 0},
+        {"-", 0, 0},
+        {" \t\r\n 12 34", 12, 12},
+        {"+7", 7, 7},
+        {"0x1EF:", 0x1ef, 0x1ef},
+        {"0X1ef", 0x1ef, 0x1ef},
+        {"0x", 0, 0},
+        {"0xg", 0, 0},
+        {"010", 8, 8},
+        {"08", 0, 0},
+        {"4294967295", 4294967295U, UINT32_MAX},
+        {"4294967296", 4294967296U, UINT32_MAX},
+        {"18446744073709551615", UINT64_MAX, UINT32_MAX},
+        {"18446744073709551616", UINT64_MAX, UINT32_MAX},
+        {"-1", UINT64_MAX, UINT32_MAX},
+        {"-45", UINT64_MAX - 44, UINT32_MAX - 44},
+        {"-99999999999999999999999", UINT64_MAX, UINT32_MAX},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(row.value, unsignedNumber64(row.text)) << row.text;
+        EXPECT_EQ(row.low, unsignedNumber(row.text)) << row.text;
+    }
+    EXPECT_EQ(-45, static_cast<int32_t>(unsignedNumber(" -45 dBm")));
+    EXPECT_EQ(12U, unsignedNumber(std::string_view("12345", 2)));
+    EXPECT_EQ(0xe02aU, hexNumber("0xe02a)"));
+    EXPECT_EQ(0xe02aU, hexNumber(" E02a"));
+}
+
+TEST(StatusNumbers, DecimalsSaturate) {
+    const struct {
+        const char *text;
+        int value;
+    } rows[] = {{"", 0},
+                {"x1", 0},
+                {" -12ab", -12},
+                {"010", 10},
+                {"0x10", 0},
+                {"2147483647", INT_MAX},
+                {"2147483648", INT_MAX},
+                {"-2147483648", INT_MIN},
+                {"-2147483649", INT_MIN},
+                {"99999999999999999999", INT_MAX}};
+    for (const auto &row : rows)
+        EXPECT_EQ(row.value, decimalNumber(row.text)) << row.text;
+}
+
+TEST(StatusNumbers, AScanStopsWhereItFailsAndKeepsWhatWasThere) {
+    std::string_view rest = "channel 42 80MHz (0xe02a) end";
+    int channel = -1, width = -1;
+    uint32_t number = 9;
+    EXPECT_TRUE(takeText(&rest, "channel "));
+    EXPECT_TRUE(takeDecimal(&rest, &channel));
+    EXPECT_TRUE(takeDecimal(&rest, &width));
+    EXPECT_FALSE(takeDecimal(&rest, &width));
+    EXPECT_FALSE(takeText(&rest, "MHZ"));
+    EXPECT_FALSE(takeThrough(&rest, "["));
+    EXPECT_TRUE(takeThrough(&rest, "("));
+    EXPECT_TRUE(takeHex(&rest, &number));
+    EXPECT_EQ(42, channel);
+    EXPECT_EQ(80, width);
+    EXPECT_EQ(0xe02aU, number);
+    EXPECT_EQ(") end", rest);
+    EXPECT_FALSE(takeUnsigned(&rest, &number));
+    EXPECT_EQ(0xe02aU, number);
+
+    std::string_view word;
+    rest = " \t2.4GHz 9";
+    EXPECT_TRUE(takeWord(&rest, 3, &word));
+    EXPECT_EQ("2.4", word);
+    EXPECT_TRUE(takeWord(&rest, 15, &word));
+    EXPECT_EQ("GHz", word);
+    rest = " ";
+    EXPECT_FALSE(takeWord(&rest, 15, &word));
+}
+
+TEST(StatusNumbers, RateListsExistForRealWidthsAndStreams) {
+    EXPECT_STREQ("7.2,14.4,21.7,28.9,43.3,57.8,65,72.2", htRates(20, 1));
+    EXPECT_STREQ("15,30,45,60,90,120,135,150,180,240,270,300,360,405,450,480,540,600", htRates(40, 4));
+    EXPECT_STREQ("32.5,65,97.5,130,195,260,292.5,325,390,433.3", vhtRates(80, 1));
+    EXPECT_STREQ("231.2,260,288.8,346.8", vhtRates(20, 4));
+    for (const int streams : {INT_MIN, 0, 5, INT_MAX}) {
+        EXPECT_EQ(nullptr, htRates(20, streams)) << streams;
+        EXPECT_EQ(nullptr, vhtRates(80, streams)) << streams;
+    }
+    EXPECT_EQ(nullptr, htRates(80, 1));
+    EXPECT_EQ(nullptr, vhtRates(160, 1));
+    // An HT list continues the one of a stream less; a VHT stream only adds.
+    for (const int width : {20, 40}) {
+        for (int streams = 2; streams <= 4; ++streams)
+            EXPECT_EQ(0U,
+                      std::string_view(htRates(width, streams)).find(std::string(htRates(width, streams - 1)) + ","))
+                << width << " MHz, " << streams;
+    }
+}
