@@ -1,0 +1,321 @@
+// The order in which a radio is brought up: one rich radio in full, and what the others leave out.
+#include <algorithm>
+#include <fstream>
+
+#include "bringup_radio.h"
+
+namespace {
+
+Lines readLines(const std::string &name) {
+    const std::string here = __FILE__;
+    std::ifstream file(here.substr(0, here.rfind('/')) + "/data/" + name);
+    Lines lines;
+    for (std::string line; std::getline(file, line);) {
+        if (line[0] != '#')
+            lines.push_back(line);
+    }
+    return lines;
+}
+
+WlLanMember member(const char *name) {
+    WlLanMember result = {};
+    setField(result.ifName, name);
+    return result;
+}
+
+} // namespace
+
+class BringUpSequence : public BringUpTest {
+  protected:
+    BringUpSequence() {
+        qvbrcm_MacFilter_init();
+        act_wl_cnt = 2;
+        setField(lan.name, "br0");
+        setField(lan.hwaddr, "00:10:18:AA:BB:00");
+    }
+    void fillRadio() {
+        const uint8_t mac[6] = {0x00, 0x10, 0x18, 0xAA, 0xBB, 0xCE};
+        memcpy(radio.baseMac, mac, sizeof mac);
+        memset(&caps, 1, offsetof(WlCaps, hostByte1));
+        radio.radioIndex = radio.radioOn = radio.frameBurst = radio.atfEnable = radio.txbfMu = 1;
+        radio.apCoex = radio.htProtect = radio.txPreamble = radio.sideband = radio.txbfBfr = 1;
+        radio.bgProtection = 2;
+        radio.rifsAdv = -1;
+        radio.wirelessMode = 9;
+        radio.bandwidth = 80;
+        radio.txPower = 80;
+        radio.channel = 36;
+        radio.acsScanTimer = 900;
+        radio.acsPolicyIndex = -2;
+        radio.beaconPeriod = 100;
+        radio.dtimPeriod = 3;
+        radio.rtsThreshold = 2347;
+        radio.fragThreshold = 2346;
+        const int32_t rxChain[] = {1, 10, 20}, whole[] = {0, 5, 6, 7};
+        memcpy(radio.rxChainPwrsaveParams, rxChain, sizeof rxChain);
+        memcpy(radio.radioPwrsaveParams, whole, sizeof whole);
+        radio.band = WLBRCM_BAND_5G;
+        radio.rate = 54;
+        radio.mcs = 7;
+        radio.multicastRate = 11;
+        radio.regMode = 1;
+        radio.dfsPreIsm = 60;
+        radio.dfsPostIsm = 61;
+        radio.tpcDb = 3;
+        radio.interferenceMode = 4;
+        setField(radio.acsSkipList, "52,56");
+        setField(radio.wdsMode, "wds");
+        setField(radio.wdsMacList, "00:11:22:33:44:55");
+        setField(radio.phyType, "v");
+        setField(radio.countryCode, "DE/3");
+    }
+    void fillHome(WlSsidCfg &home) {
+        home.main = home.wmm = home.wmmApsd = home.preauth = home.defaultKeyId = 1;
+        setField(home.ssidName, "Home");
+        home.maxSta = 32;
+        setField(home.bridge, "br0");
+        setField(home.authMode, "wpa2psk");
+        setField(home.encryption, "aes");
+        setField(home.wpaPskFallback, "not this one");
+        setField(home.wpaPsk, "agreed by WPS");
+        home.rekeyInterval = 1800;
+        home.netReauth = 3600;
+        setField(home.radiusIpaddr, "192.168.1.9");
+        home.radiusPort = 1812;
+        setField(home.radiusKey, "secret");
+        setField(home.macFilterMode, "DENY");
+        setField(home.macFilterList, "AA:BB:CC:DD:EE:01 AA:BB:CC:DD:EE:02");
+        home.wpsEnable = home.wpsConfigured = home.wpsVersion2 = home.wpsPbcEnable = home.wpsStaPinEnable = 1;
+        home.wpsConfigMethod = 0x2288;
+        setField(home.wpsDevicePin, "31415927");
+        setField(home.wpsUuid, "0102");
+        home.upstreamRate = 6000;
+        home.downstreamRate = 12000;
+        home.protectMF = 1;
+    }
+    void fillOthers() {
+        WlSsidCfg &old = bss[1], &later = bss[2], &off = bss[3];
+        setField(old.ssidName, "Old");
+        old.hideSsid = old.bssIsolation = old.multicastFwd = 1;
+        old.maxSta = 8;
+        setField(old.bridge, "br1");
+        setField(old.encryption, "wep");
+        old.defaultKeyId = 3;
+        setField(old.wepKeys[2], "third");
+        setField(old.wpaPskFallback, "fallback");
+        setField(later.ssidName, "Later");
+        setField(later.encryption, "none");
+        later.maxSta = 4;
+        later.presetRole = WLBRCM_PRESET_ON_DEMAND;
+        later.enable = 0;
+        setField(old.authMode, "open");
+        setField(later.authMode, "open");
+        off.enable = 0;
+        off.main = 1;
+        off.maxSta = 99;
+        setField(off.bridge, "br0");
+    }
+    void fillRichRadio() {
+        fillRadio();
+        useEntries(4);
+        fillHome(bss[0]);
+        fillOthers();
+        platform.processes = {{1, "init"}, {101, "wl0-kthrd"}, {102, "wfd0-thrd"}, {103, "wl0-tmr-kthrd"}};
+        platform.files["/bin/acsd"] = "";
+        platform.nvram = {{"lan_wps_oob", "enabled"}, {"lan1_ifname", "br9"}, {"acs_ifnames", "wl0 wl1"}};
+        platform.answer("wlctl -i wl0 ver", "7.14 WLTEST\n");
+    }
+    WlLanMember members[4] = {member("eth0"), member(""), member("wl0"), member("wl0.1")};
+    WlLanGroup lan = {{}, 4, {}, members};
+    WlLanCfg lans = {1, &lan};
+};
+
+TEST_F(BringUpSequence, RichRadioIsPinned) {
+    fillRichRadio();
+    const Lines expected = readLines("bringup_rich_radio.txt");
+    ASSERT_GT(expected.size(), 250U);
+    EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans));
+    for (size_t i = 0; i < expected.size() && i < platform.journal.size(); ++i)
+        ASSERT_EQ(expected[i], platform.journal[i]) << "step " << i;
+    EXPECT_EQ(expected.size(), platform.journal.size());
+    EXPECT_EQ(WLBRCM_STATE_READY, intf->state);
+    EXPECT_EQ(Lines{"\nqvbrcm_ForceConfigurePresetSSID: wlanSsid[2].enable = 1......\n"},
+              Lines({platform.logged(8)[0]}));
+    EXPECT_EQ(Lines{}, platform.logged(4));
+}
+
+TEST_F(BringUpSequence, ReloadAnnouncesInsteadOfWritingLanVariables) {
+    fillRichRadio();
+    qvbrcm_InitWlan(intf, &lans);
+    Lines expected = readLines("bringup_rich_radio.txt");
+    expected.erase(expected.begin(), expected.begin() + 7);
+    platform.forget();
+    EXPECT_EQ(0, qvbrcm_ReloadWlan(intf));
+    EXPECT_EQ(expected, platform.journal) << "without an announcer";
+
+    bss[5].presetRole = WLBRCM_PRESET_ANNOUNCER; // beyond the entries in use
+    setField(bss[5].ifName, "wl0.5");
+    expected.insert(expected.begin(), {"run wl -i wl0.5 csa 0 20 36/80", "sleep 3"});
+    platform.forget();
+    EXPECT_EQ(0, qvbrcm_ReloadWlan(intf));
+    EXPECT_EQ(expected, platform.journal);
+    EXPECT_EQ(WLBRCM_STATE_READY, intf->state);
+
+    const struct { int band, autoChannel; } silent[] = {{WLBRCM_BAND_2G, 0}, {WLBRCM_BAND_5G, 1}};
+    for (const auto &row : silent) {
+        radio.band = row.band;
+        radio.autoChannel = static_cast<uint8_t>(row.autoChannel);
+        platform.forget();
+        qvbrcm_ReloadWlan(intf);
+        EXPECT_FALSE(ran(" csa ")) << row.band;
+    }
+}
+
+TEST_F(BringUpSequence, BareRadioThatIsOff) {
+    EXPECT_EQ(0, qvbrcm_SetupWlan(&radio, bss, &caps));
+    const Lines tail = {"set wl0_maxassoc=0", "run /bin/lld2d ", "run /bin/eapd", "run /bin/nas"};
+    ASSERT_GT(platform.journal.size(), tail.size());
+    EXPECT_EQ(tail, Lines(platform.journal.end() - 4, platform.journal.end()));
+    EXPECT_EQ(Lines{"set wl0_wme=off"}, platform.did("set wl0_wme"));
+    for (const char *absent : {"ampdu", "amsdu", "lazywds", "wds", "mode", "rxchain", "radio_pwrsave", "txbf"})
+        EXPECT_EQ(Lines{}, platform.did(std::string("set wl0_") + absent)) << absent;
+    EXPECT_FALSE(ran("wlconf"));
+    EXPECT_EQ(Lines{}, platform.did("priority"));
+}
+
+TEST_F(BringUpSequence, VariantsOfTheRichRadio) {
+    fillRichRadio();
+    caps.wme = caps.wmeApsd = caps.atf = caps.wpsCapable = caps.muMimo = 0;
+    radio.autoChannel = radio.lazyWds = 1;
+    radio.band = WLBRCM_BAND_2G;
+    bss[0].main = 0;
+    setField(bss[0].macFilterMode, "bogus");
+    bss[1].defaultKeyId = 5;
+    qvbrcm_InitWlan(intf, &lans);
+    EXPECT_EQ(Lines{"set wl0_wme=off"}, platform.did("set wl0_wme"));
+    EXPECT_EQ(Lines{"set wl0_atf=0"}, platform.did("set wl0_atf"));
+    EXPECT_EQ(Lines{"set wl0_txbf_bfr_cap=1"}, platform.did("set wl0_txbf_bfr"));
+    EXPECT_EQ(Lines{"unset acs_mode"}, platform.did("unset acs_mode"));
+    EXPECT_EQ(Lines{"unset wl0_wds"}, platform.did("unset wl0_wds"));
+    EXPECT_EQ(Lines{"set wl0_nband=2"}, platform.did("set wl0_nband"));
+    EXPECT_EQ(Lines{"set wl0_maxassoc=0"}, platform.did("set wl0_maxassoc"));
+    EXPECT_EQ(Lines{"set wl0_macmode=disable"}, platform.did("set wl0_macmode"));
+    EXPECT_EQ(Lines{}, platform.did("set wl0.1_key"));
+    EXPECT_EQ(Lines{}, platform.did("set wl0.2_ssid")) << "no preset SSID is forced at 2.4 GHz";
+    EXPECT_EQ(Lines{}, platform.did("pipe "));
+    EXPECT_FALSE(ran("/bin/wps_monitor"));
+}
+
+// wl0 itself comes up once more, unless the entry after the last one in use is enabled.
+TEST_F(BringUpSequence, OwnInterface) {
+    const struct {
+        int inUse;
+        bool nextEnabled;
+        size_t ups;
+    } rows[] = {{1, false, 2}, {1, true, 1}, {5, true, 1}, {6, false, 2}, {7, false, 2}};
+    radio.radioOn = 1;
+    for (const auto &row : rows) {
+        memset(bss, 0, sizeof intf->bss);
+        useEntries(row.inUse);
+        if (row.nextEnabled)
+            bss[row.inUse].enable = 1;
+        platform.forget();
+        qvWlanFinishSetup(&radio, bss);
+        EXPECT_EQ(row.ups, platform.did("run ifconfig wl0 up 2>/dev/null").size()) << row.inUse;
+    }
+}
+
+// Results do not matter: with every command failing, the same things are done, and no setter's refusal stops anything.
+TEST_F(BringUpSequence, FailingCommandsChangeNothing) {
+    fillRichRadio();
+    platform.answer("", "", 1);
+    platform.answer("wlctl -i wl0 ver", "WLTEST\n", 1);
+    platform.failing = {{"affinity", 1}, {"priority", 1}};
+    const std::string output = printed([&] { EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans)); });
+    EXPECT_EQ(readLines("bringup_rich_radio.txt"), platform.journal);
+    EXPECT_NE(std::string::npos, output.find("Failed to make wlan processing on wl0 realtime\n"));
+    EXPECT_EQ(Lines({"sched_setaffinity failed, rc=-1, wl0-kthrd(101)\n",
+                     "sched_setaffinity failed, rc=-1, wfd0-thrd(102)\n"}),
+              platform.logged(4));
+}
+
+TEST_F(BringUpSequence, StepsLogUnderTheirOwnNames) {
+    fillRichRadio();
+    qvbrcm_InitWlan(intf, &lans);
+    const struct {
+        const char *text, *function;
+    } rows[] = {{"cmd = killall -9 nas 2>/dev/null\n", "qvWlanStopServices"},
+                {"wl0, wl0-kthrd(101), wfd0-thrd(102)\n", "qvWlanSetupTPs"},
+                {"cmd = wlctl -i wl0 phy_watchdog 0\n", "qvWlanReset"},
+                {"cmd = brctl delif br1 wl0.1 2>/dev/null\n", "qvWlanIfaceDown"},
+                {"cmd = brctl addif br1 wl0.1\n", "qvWlanSetupBridge"},
+                {"cmd = /bin/nas\n", "qvWlanStartServices"},
+                {"cmd = ifconfig wl0.1 up 2>/dev/null\n", "qvWlanIfaceUp"},
+                {"cmd = /bin/acsd\n", "qvWlanStartAcsd"},
+                {"ifname = wl0.1\n", "qvbrcm_SetupWlan"},
+                {"nvram set lan_ifname = br0\n", "qvWlanLanVarInit"}};
+    for (const auto &row : rows) {
+        const auto found = std::find_if(platform.logs.begin(), platform.logs.end(),
+                                        [&](const LogLine &line) { return line.text == row.text; });
+        ASSERT_NE(platform.logs.end(), found) << row.text;
+        EXPECT_EQ(row.function, found->function) << row.text;
+        EXPECT_EQ(64, found->level) << row.text;
+    }
+}
+
+// Names that no shell may see: nothing of them is run, each is reported, and the other BSSs come up all the same.
+TEST_F(BringUpSequence, HostileNames) {
+    fillRichRadio();
+    setField(bss[0].bridge, "br0; reboot");
+    setField(bss[1].ifName, "wl0.1$(reboot)");
+    setField(bss[1].macFilterMode, "DENY");
+    setField(bss[2].ifName, "-reboot");
+    setField(bss[3].ifName, std::string(64, 'r'));
+    setField(lan.name, "br0 && reboot");
+    EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans));
+    EXPECT_FALSE(ran("reboot"));
+    EXPECT_FALSE(ran("rrrr"));
+    EXPECT_FALSE(ran("/bin/lld2d"));
+    EXPECT_TRUE(ran("killall -9 lld2d"));
+    for (const char *name : {"br0; reboot", "wl0.1$(reboot)", "-reboot", "br0 && reboot", "rrrrrrrr"})
+        EXPECT_TRUE(wasLogged(4, name)) << name;
+    for (const char *command : {"wlconf wl0 start", "ifconfig wl0 up", "ifconfig wl0 down", "/bin/nas"})
+        EXPECT_TRUE(ran(command)) << command;
+    EXPECT_EQ(WLBRCM_STATE_READY, intf->state);
+
+    setField(radio.ifName, "wl0;reboot");
+    setField(bss[0].ifName, "wl0;reboot");
+    setField(bss[0].macText, "0");
+    bss[5].presetRole = WLBRCM_PRESET_ANNOUNCER;
+    setField(bss[5].ifName, "`reboot`");
+    platform.forget();
+    EXPECT_EQ(0, qvbrcm_ReloadWlan(intf));
+    EXPECT_FALSE(ran("reboot"));
+    EXPECT_EQ(Lines{}, platform.did("sleep 3"));
+    EXPECT_TRUE(ran("/bin/nas"));
+}
+
+// Every text field full to its last byte and far too many entries: nothing reads past a field or the record.
+TEST_F(BringUpSequence, UnterminatedRecord) {
+    memset(static_cast<void *>(intf), 'w', sizeof *intf);
+    radio.bssCount = 0xFFFF;
+    EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans));
+    EXPECT_EQ(0, qvbrcm_ReloadWlan(intf));
+    uint8_t changed = 9;
+    EXPECT_EQ(0, qvbrcm_WPSUpdateConfg(intf, &changed));
+    EXPECT_EQ(0, changed);
+    EXPECT_FALSE(ran("www"));
+    for (const auto &[key, value] : platform.nvram)
+        EXPECT_LE(value.size(), 2047U) << key;
+}
+
+TEST_F(BringUpSequence, MissingArguments) {
+    uint8_t changed = 0;
+    EXPECT_EQ(-14, qvbrcm_InitWlan(nullptr, &lans));
+    EXPECT_EQ(-14, qvbrcm_InitWlan(intf, nullptr));
+    EXPECT_EQ(-14, qvbrcm_ReloadWlan(nullptr));
+    EXPECT_EQ(-14, qvbrcm_WPSUpdateConfg(nullptr, &changed));
+    EXPECT_EQ(-14, qvbrcm_WPSUpdateConfg(intf, nullptr));
+    EXPECT_EQ(Lines{}, platform.journal);
+    EXPECT_EQ(0, intf->state);
+}
