@@ -1,0 +1,72 @@
+// The control socket: one JSON request and one JSON answer a connection, each ended by a line feed.
+#pragma once
+
+#include <poll.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace wlhost {
+
+/// A file descriptor that is closed with its owner.
+class Fd {
+  public:
+    explicit Fd(int fd = -1) : fd_(fd) {}
+    ~Fd();
+    Fd(Fd &&other) noexcept : fd_(other.release()) {}
+    Fd &operator=(Fd &&other) noexcept;
+    int get() const { return fd_; }
+    int release();
+
+  private:
+    int fd_;
+};
+
+/// Path by option, else by environment, else the default.
+std::string socketPath(const std::string &option);
+
+/// The host's end. Never blocks: a client that is slow, silent or gone costs nothing but its own connection.
+class ControlServer {
+  public:
+    using Handler = std::function<std::string(const std::string &request)>;
+
+    /// Throws a Failure with status 7 when the socket cannot be had, also when another host serves it.
+    ControlServer(const std::string &path, Handler handler);
+    ~ControlServer();
+    ControlServer(const ControlServer &) = delete;
+    ControlServer &operator=(const ControlServer &) = delete;
+
+    /// Adds what it waits for.
+    void addTo(std::vector<pollfd> &fds) const;
+    /// Accepts, reads, answers; drops connections that are through or too old.
+    void serve();
+    /// Milliseconds until the oldest connection is dropped; -1 without connections.
+    int timeout() const;
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    struct Connection {
+        Fd fd;
+        Clock::time_point deadline;
+        std::string input = {}, output = {};
+        bool answered = false;
+    };
+
+    void accept();
+    /// False when the connection is through.
+    bool advance(Connection &connection);
+    bool receive(Connection &connection);
+    static bool send(Connection &connection);
+
+    std::string path_;
+    Handler handler_;
+    Fd listener_;
+    std::vector<Connection> connections_;
+};
+
+/// A client's end: sends a request and returns the answer. Throws status 7 without a host, 5 when none comes in time.
+std::string callHost(const std::string &path, const std::string &request, int timeoutSeconds);
+
+} // namespace wlhost

@@ -1,0 +1,39 @@
+// The loaded module: what it registered with this host.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <wlbrcm/wlbrcm.h>
+
+namespace wlhost {
+
+struct Module {
+    WlModuleOps *ops = nullptr;
+    std::vector<WlIntf *> radios;
+    WlEvtHandler *events = nullptr;
+    const char *(*phyType)(const char *ifname) = nullptr; ///< null when the library does not export it
+    std::string library;
+
+    WlIntf *find(const std::string &radio) const;
+    /// Names of the radios that exist.
+    std::vector<std::string> names() const;
+};
+
+/// Loads the library and lets it register. The module stays loaded for the life of the process, as its ABI wants.
+/// Throws a Failure with status 7 when there is no such library or it is no module.
+Module &loadModule(const std::string &library);
+
+/// Library by option, else by environment, else by its soname.
+std::string libraryName(const std::string &option);
+
+/// Most detailed level that the log callback shows: WLBRCM_LOG_ERR, WLBRCM_LOG_INFO or WLBRCM_LOG_DEBUG.
+void setLogLevel(int level);
+
+} // namespace wlhost
+
+extern "C" {
+/// For the module: replaces every occurrence of `from` in place. The caller's buffer has room for the growth.
+/// @return number of replacements.
+__attribute__((visibility("default"))) int qvUtilStrReplace(char *text, const char *from, const char *to);
+}

@@ -1,0 +1,32 @@
+// What a command shows: tables for people, one JSON document for programs.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "failure.h"
+
+namespace wlhost {
+
+using nlohmann::json;
+
+struct Column {
+    const char *title;
+    const char *key;
+    bool rightAligned = false;
+};
+
+/// Rows as aligned columns under their titles; unknown values are "-".
+std::string table(const std::vector<Column> &columns, const json &rows);
+/// One value as a person reads it.
+std::string cell(const json &value);
+/// Columns that a text takes on a terminal: code points of its UTF-8.
+size_t displayWidth(const std::string &text);
+
+/// Prints an error: the document on stdout with `asJson`, else lines on stderr.
+void printError(const json &error, bool asJson);
+void printError(const Failure &failure, bool asJson);
+
+} // namespace wlhost

@@ -1,0 +1,16 @@
+// What the host can tell about radios and SSIDs: from the records, and from the module's status operations.
+#pragma once
+
+#include "host.h"
+
+namespace wlhost {
+
+/// One radio as a row; what the module cannot tell is null.
+json radioStatus(Host &host, WlIntf &intf);
+/// Items of the status operation by name; one that the module left alone is null. Throws without that operation.
+json rawItems(Host &host, WlIntf &intf, const std::vector<std::string> &names);
+json ssidStatus(Host &host, const Host::Bss &bss);
+/// "deny", "allow" or "off".
+const char *filterMode(const WlSsidCfg &record);
+
+} // namespace wlhost
