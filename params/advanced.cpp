@@ -44,6 +44,8 @@ bool needsCoexistence(const char *bandAndWidth) {
 
 } // namespace
 
+// A legacy rate counts only beside a fixed MCS index, and that index only with 802.11n. MCS 32 exists at 40 MHz alone
+// and is left to the driver.
 int qvWlanSetRate(WlanParamArg *arg) {
     constexpr int k40MhzOnlyMcs = 32;
     int rate;
@@ -63,14 +65,14 @@ int qvWlanSetRate(WlanParamArg *arg) {
 }
 
 int qvWlanSetMulticastRate(WlanParamArg *arg) {
+    constexpr IntParam kParam{"mrate"};
     int rate;
-    if (!readNumber(arg, {"mrate"}, &rate))
+    if (!readNumber(arg, kParam, &rate))
         return WLBRCM_EINVAL;
-    if (rate == 0)
-        return writeText(WLBRCM_HERE, arg->prefix, "mrate", "-1");
-    return writeInt(WLBRCM_HERE, arg->prefix, "mrate", rate);
+    return rate == 0 ? writeText(WLBRCM_HERE, arg->prefix, kParam.key, "-1") : setInt(WLBRCM_HERE, arg, kParam);
 }
 
+// Every accepted period also has the beacons of the BSSs take turns.
 int qvWlanSetBeaconPeriod(WlanParamArg *arg) {
     const int result = setInt(WLBRCM_HERE, arg, {"bcn", 20, 1024, "20 ~ 1024 (unit is in milli-seconds)\n"});
     return result == WLBRCM_OK ? writeText(WLBRCM_HERE, arg->prefix, "bcn_rotate", "1") : result;
@@ -86,6 +88,7 @@ int qvWlanSetTxPower(WlanParamArg *arg) {
     return radio ? runDriver(WLBRCM_HERE, radio, DriverArgs("pwr_percent %d", percent)) : WLBRCM_EINVAL;
 }
 
+// What is written as gmode comes from the wireless mode; the value decides about protection alone.
 int qvWlanSetBGProtection(WlanParamArg *arg) {
     static constexpr const char *kProtection[] = {"auto", "auto", "off"};
     constexpr WordParam kParam{{"gmode_protection", 0, 2}, kProtection};
@@ -123,6 +126,7 @@ int qvWlanSetRifsAdv(WlanParamArg *arg) {
         {{"rifs_advert", -1, 0, "set the rifs mode advertisement status. value: <-1/0> (Auto/Off)"}, kAutoOffOn});
 }
 
+// Runs after qvWlanSetBGProtection(), whose protection it overrides by the wireless mode, whatever its own value is.
 int qvWlanSetHTProtect(WlanParamArg *arg) {
     int number;
     if (!readNumber(arg, {"nmode_protection", 0, 1}, &number))
@@ -132,26 +136,29 @@ int qvWlanSetHTProtect(WlanParamArg *arg) {
 }
 
 int qvWlanSetApCoex(WlanParamArg *arg) {
+    constexpr IntParam kParam{"obss_coex", 0, 1};
     int number;
-    if (!readNumber(arg, {"obss_coex", 0, 1}, &number) || arg->aux == nullptr)
+    if (!readNumber(arg, kParam, &number) || arg->aux == nullptr)
         return WLBRCM_EINVAL;
-    return writeInt(WLBRCM_HERE, arg->prefix, "obss_coex", needsCoexistence(arg->aux) ? number : 0);
+    return writeInt(WLBRCM_HERE, arg->prefix, kParam.key, needsCoexistence(arg->aux) ? number : 0);
 }
 
 int qvWlanSetStbcTx(WlanParamArg *arg) {
+    constexpr IntParam kParam{"stbc_tx"};
     int number;
-    if (!readNumber(arg, {"stbc_tx"}, &number))
+    if (!readNumber(arg, kParam, &number))
         return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, arg->prefix, "stbc_tx", number == -1 ? "auto" : number == 1 ? "on" : "off");
+    return writeText(WLBRCM_HERE, arg->prefix, kParam.key, number == -1 ? "auto" : number == 1 ? "on" : "off");
 }
 
 int qvWlanSetStbcRx(WlanParamArg *arg) {
+    constexpr IntParam kParam{"stbc_rx"};
     int number;
-    if (!readNumber(arg, {"stbc_rx"}, &number))
+    if (!readNumber(arg, kParam, &number))
         return WLBRCM_EINVAL;
     // The board's answer concerns the chip of the first radio.
     const bool without = qvWlanReadChipInfoStbc() == 0 && arg->index == 0;
-    return writeInt(WLBRCM_HERE, arg->prefix, "stbc_rx", without ? 0 : number);
+    return writeInt(WLBRCM_HERE, arg->prefix, kParam.key, without ? 0 : number);
 }
 
 int qvWlanSetWmm(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"wme", -1, 1}, kAutoOffOn}); }

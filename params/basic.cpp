@@ -53,6 +53,7 @@ QuotedSsid quoteSsid(std::string_view ssid) {
 int qvWlanSetWirelessMode(WlanParamArg *arg) {
     if (arg == nullptr || arg->value == nullptr)
         return WLBRCM_EINVAL;
+    // Also for an unknown mode: neither may outlive the mode that set it.
     brcm_nreqd = 0;
     nonly5G = 0;
     const int number = decimal(arg->value);
@@ -101,10 +102,11 @@ int qvWlanSetCountryCode(WlanParamArg *arg) {
 }
 
 int qvWlanSetGlobalMaxStaNum(WlanParamArg *arg) {
+    constexpr IntParam kParam{"maxassoc"};
     int number;
-    if (!readNumber(arg, {"maxassoc"}, &number))
+    if (!readNumber(arg, kParam, &number))
         return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, arg->prefix, "maxassoc", Text<16>("%d", number).view());
+    return writeText(WLBRCM_HERE, arg->prefix, kParam.key, Text<16>("%d", number).view());
 }
 
 int qvWlanSetPerBssMaxStaNum(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "bss_maxassoc"); }

@@ -69,6 +69,7 @@ int qvWlanSetChannel(WlanParamArg *arg) {
     const char *prefix = arg->prefix;
     writeInt(WLBRCM_HERE, prefix, "nband", wanted.band);
     qvWlanSetupRegulatory(prefix, wanted.band, wanted.regMode, wanted.dfsPreIsm, wanted.dfsPostIsm, wanted.tpcDb);
+    // The radio keeps the capability asked for, also when the mode narrows the channel.
     writeInt(WLBRCM_HERE, prefix, "bw_cap", bandwidthCapability(wanted.bandwidth));
     if (wanted.band == WLBRCM_BAND_2G)
         writeInt(WLBRCM_HERE, prefix, "vht_features", vhtFeatures(wanted.wirelessMode));
@@ -98,6 +99,7 @@ int qvWlanSetupRegulatory(const char *prefix, int /*band*/, int regMode, int dfs
     return writeText(WLBRCM_HERE, prefix, "reg_mode", regMode == k80211h ? "h" : regMode == k80211d ? "d" : "off");
 }
 
+// The channel itself was left to automatic selection by qvWlanSetChannel().
 int qvWlanSetAutoCh(WlanParamArg *) { return writeText(WLBRCM_HERE, Key("acs_mode"), ""); }
 
 int qvWlanSetAutoChPolicy(WlanParamArg *arg) {
@@ -112,6 +114,7 @@ int qvWlanSetAutoChPolicy(WlanParamArg *arg) {
         return WLBRCM_EINVAL;
     const Command command("acs_cli -i %s acs_policy %d &", radio, policy);
     printf("%s: %s\n", __func__, command.text.c_str());
+    // In the background: the daemon may be busy with a scan.
     __qvWlanSystemEx(__func__, __LINE__, command.text.c_str());
     return WLBRCM_OK;
 }

@@ -67,6 +67,7 @@ int qvWlanSetAuthMode(WlanParamArg *arg) {
     return written;
 }
 
+// The old cipher goes first, so that an unknown word never leaves a cipher in force that nobody asked for.
 int qvWlanSetEncrypType(WlanParamArg *arg) {
     if (!hasValue(arg))
         return WLBRCM_EINVAL;

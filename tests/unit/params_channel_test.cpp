@@ -38,6 +38,9 @@ TEST_F(ParamChannel, DescriptorDecidesChannelAndBandwidth) {
         {"5G,20,1,1,1,60,70,3,9", -1, -1, 0, 20,
          "nband=1 dfs_preism=60 dfs_postism=70 tpc_db=3 reg_mode=h bw_cap=1 nmode=-1 vhtmode=-1 | channel=0 "
          "chanspec=0"},
+        {"5G,20,1,0,1", -1, -1, 0, 20,
+         "nband=1 dfs_preism=-1 dfs_postism=-1 tpc_db=0 reg_mode=h bw_cap=1 nmode=-1 vhtmode=-1 | channel=36 "
+         "chanspec=36"},
         {"", -1, -1, 0, 20, "nband=-1 reg_mode=off bw_cap=1 nmode=-1 vhtmode=-1 | channel=36 chanspec=36"},
         {",80,1,1,1", -1, -1, 0, 20, "nband=-1 reg_mode=off bw_cap=1 nmode=-1 vhtmode=-1 | channel=36 chanspec=36"},
         {"60GHz band,40,1", -1, -1, 0, 40,
@@ -120,8 +123,8 @@ TEST_F(ParamChannel, ListAsksInTheCountry) {
          "",
          {"wlctl wlctl -i wl0 country ", "run wlctl -i wl0 chanspecs -b 2 -w 40 > /tmp/wl0chspeclist"}},
         {",80,lower",
-         "#a",
-         {"wlctl wlctl -i wl0 country #a", "run wlctl -i wl0 chanspecs -b 2 -w 20 > /tmp/wl0chspeclist"}},
+         "AZaz09/#._-",
+         {"wlctl wlctl -i wl0 country AZaz09/#._-", "run wlctl -i wl0 chanspecs -b 2 -w 20 > /tmp/wl0chspeclist"}},
         {"5GHz", "DE up", {"run wlctl -i wl0 chanspecs -b 5 -w 20 > /tmp/wl0chspeclist"}},
     };
     for (const auto &row : rows) {

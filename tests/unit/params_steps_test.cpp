@@ -1,6 +1,10 @@
 // The setters with steps of their own: wireless mode, network name, security, rate, protection, coexistence.
 #include "fake_platform.h"
 
+// Before any test or fixture has touched it.
+static const std::vector<int> kInitialState = {brcm_gmode, brcm_nmode, brcm_vhtmode, brcm_nreqd, nonly5G,
+                                               brcm_bw,    mcs_index,  wepkeyid[0],  wepkeyid[3]};
+
 class ParamSteps : public PlatformTest {
   protected:
     // The journal since the last call.
@@ -10,6 +14,10 @@ class ParamSteps : public PlatformTest {
         return lines;
     }
 };
+
+TEST_F(ParamSteps, RadioModeStateStartsAsDocumented) {
+    EXPECT_EQ((std::vector<int>{0, -1, -1, 0, 0, 20, -1, 1, 1}), kInitialState);
+}
 
 TEST_F(ParamSteps, WirelessModesSetTheRadioModeState) {
     constexpr int kKeep = 5;
