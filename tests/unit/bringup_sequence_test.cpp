@@ -42,27 +42,22 @@ class BringUpSequence : public BringUpTest {
         radio.bgProtection = 2;
         radio.rifsAdv = -1;
         radio.wirelessMode = 9;
-        radio.bandwidth = 80;
-        radio.txPower = 80;
+        radio.bandwidth = radio.txPower = 80;
         radio.channel = 36;
         radio.acsScanTimer = 900;
-        radio.acsPolicyIndex = -2;
-        radio.beaconPeriod = 100;
-        radio.dtimPeriod = 3;
-        radio.rtsThreshold = 2347;
-        radio.fragThreshold = 2346;
+        const std::pair<int32_t WlRadioCfg::*, int32_t> numbers[] = {
+            {&WlRadioCfg::acsPolicyIndex, -2},   {&WlRadioCfg::beaconPeriod, 100},
+            {&WlRadioCfg::dtimPeriod, 3},        {&WlRadioCfg::rtsThreshold, 2347},
+            {&WlRadioCfg::fragThreshold, 2346},  {&WlRadioCfg::rate, 54},
+            {&WlRadioCfg::band, WLBRCM_BAND_5G}, {&WlRadioCfg::mcs, 7},
+            {&WlRadioCfg::multicastRate, 11},    {&WlRadioCfg::regMode, 1},
+            {&WlRadioCfg::dfsPreIsm, 60},        {&WlRadioCfg::dfsPostIsm, 61},
+            {&WlRadioCfg::interferenceMode, 4},  {&WlRadioCfg::tpcDb, 3}};
+        for (const auto &[field, number] : numbers)
+            radio.*field = number;
         const int32_t rxChain[] = {1, 10, 20}, whole[] = {0, 5, 6, 7};
         memcpy(radio.rxChainPwrsaveParams, rxChain, sizeof rxChain);
         memcpy(radio.radioPwrsaveParams, whole, sizeof whole);
-        radio.band = WLBRCM_BAND_5G;
-        radio.rate = 54;
-        radio.mcs = 7;
-        radio.multicastRate = 11;
-        radio.regMode = 1;
-        radio.dfsPreIsm = 60;
-        radio.dfsPostIsm = 61;
-        radio.tpcDb = 3;
-        radio.interferenceMode = 4;
         setField(radio.acsSkipList, "52,56");
         setField(radio.wdsMode, "wds");
         setField(radio.wdsMacList, "00:11:22:33:44:55");
