@@ -115,10 +115,17 @@ std::string Driver::authenticatorTrouble(const std::string &ifName) const {
     return "no LAN group lists " + ifName;
 }
 
-void Driver::emit(const Event &event) {
-    // The event daemon passes events on, and only when the configuration asks for them.
+/** The event daemon passes events on, and only when the configuration asks for them. */
+bool Driver::eventsPass() const {
     const char *enabled = nvram_get("mevent_enable");
-    if (enabled && std::string(enabled) == "1" && ports.processes.running("eapd")) {
+    return enabled && std::string(enabled) == "1" && ports.processes.running("eapd");
+}
+
+void Driver::emit(const Event &event) {
+    if (!eventsPass_) {
+        eventsPass_ = eventsPass();
+    }
+    if (*eventsPass_) {
         ports.events.send(eventMessage(event));
     }
 }
@@ -193,6 +200,7 @@ Reply Driver::run(const std::vector<std::string> &words) {
     if (words.empty()) {
         return refuse("empty request\n", 2);
     }
+    eventsPass_.reset();
     catchUp();
     Fault *fault = words[0] == "wlsim" ? nullptr : takeFault(model.faults, words);
     Reply reply = fault && fault->mode == "fail" ? refuse("driver error (injected)") : dispatch(words);

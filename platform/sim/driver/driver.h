@@ -78,7 +78,10 @@ class Driver {
     void finishSwitches(Radio &radio);
     Reply dispatch(const std::vector<std::string> &words);
 
+    bool eventsPass() const;
+
     Model initial_;
+    std::optional<bool> eventsPass_; ///< found out once a command: a flood of events is one command
 };
 
 /** A variable of the configuration store, empty when it is not set. */
