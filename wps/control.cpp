@@ -155,7 +155,8 @@ int parse_wps_env(char *reply) {
     memset(wps_autho_sta_mac, 0, sizeof wps_autho_sta_mac);
     char *token = reply;
     for (int count = 0; token != nullptr && count < kMostTokens; ++count) {
-        char *blank = strchr(token, ' ');
+        // One blank separates; further ones belong to the token, whose key is then unknown.
+        char *blank = strchr(token + strspn(token, " "), ' ');
         if (blank != nullptr)
             *blank = '\0';
         takeToken(token);
