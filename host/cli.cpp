@@ -324,13 +324,13 @@ int commandLine(int argc, char **argv) {
     } catch (const CLI::CallForHelp &help) {
         return app.exit(help);
     } catch (const CLI::ParseError &error) {
-        printError(Failure(kUsage, "", error.what(), "see wlhost --help"), asksForJson(argc, argv));
+        printError(Failure(kUsage, "arguments", error.what(), "see wlhost --help"), asksForJson(argc, argv));
         return kUsage;
     } catch (const Failure &failure) {
         printError(failure, values.json);
         return failure.status;
     } catch (const std::exception &error) {
-        printError(Failure(kFailed, "", error.what()), values.json);
+        printError(Failure(kFailed, "internal", error.what()), values.json);
         return kFailed;
     }
 }

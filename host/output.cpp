@@ -66,9 +66,11 @@ void printError(const json &error, bool asJson) {
         std::printf("%s\n", json{{"error", error}}.dump(2).c_str());
         return;
     }
-    std::string where = error.value("where", json()).is_string() ? error["where"].get<std::string>() + ": " : "";
+    // Errors about a file begin with its name and line, as editors like them.
+    std::string where =
+        error.value("where", json()).is_string() ? "wlhost: " + error["where"].get<std::string>() + ": " : "";
     const char *red = coloured(stderr) ? "\033[31m" : "", *plain = coloured(stderr) ? "\033[0m" : "";
-    std::fprintf(stderr, "%swlhost: %s%s%s\n", red, where.c_str(), error["text"].get<std::string>().c_str(), plain);
+    std::fprintf(stderr, "%s%s%s%s\n", red, where.c_str(), error["text"].get<std::string>().c_str(), plain);
     if (error.value("hint", json()).is_string())
         std::fprintf(stderr, "  %s\n", error["hint"].get<std::string>().c_str());
 }

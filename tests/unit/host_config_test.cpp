@@ -1,0 +1,416 @@
+// The configuration file: what is accepted, what is refused with which words, and where each value goes.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+
+#include "config.h"
+#include "text.h"
+
+namespace wlhost {
+namespace {
+
+const char *const kBase = R"({
+  "lan": {"groups": [{"name": "br0", "ports": ["eth0"]}, {"name": "br1", "ports": ["wl0.3"]}]},
+  "radios": [
+    {"name": "wl0", "country": "DE/3", "channel": 36, "ssids": [
+      {"ssid": "one", "encryption": "psk2", "key": "correct horse", "network": "br0"},
+      {"ssid": "two", "network": "br0"}]},
+    {"name": "wl1", "country": "DE/3", "channel": 6, "ssids": [{"ssid": "three"}]}]})";
+
+std::string problemOf(const std::string &text) {
+    try {
+        Config::from(Document::parse("t", text));
+        return "";
+    } catch (const Failure &failure) {
+        EXPECT_EQ(failure.status, kUsage);
+        return failure.what();
+    }
+}
+
+// The base configuration with the value at a JSON pointer replaced; an empty value removes it.
+std::string patched(const char *pointer, const char *value) {
+    json config = json::parse(kBase);
+    json::json_pointer where(pointer);
+    if (*value)
+        config[where] = json::parse(value);
+    else
+        config[where.parent_pointer()].erase(where.back());
+    return config.dump();
+}
+
+struct Case {
+    const char *pointer, *value, *problem;
+};
+
+#define RADIO "/radios/0/"
+#define SSID "/radios/0/ssids/0/"
+#define AT_RADIO "t:1: radios[0]."
+#define AT_SSID "t:1: radios[0].ssids[0]."
+
+void expectProblems(const std::vector<Case> &cases) {
+    for (const Case &row : cases)
+        EXPECT_EQ(problemOf(patched(row.pointer, row.value)), row.problem) << row.pointer << " = " << row.value;
+}
+
+TEST(HostConfig, TypesAndRanges) {
+    expectProblems({
+        {RADIO "txpower", "0", AT_RADIO "txpower: 0 is out of range; 1 to 100"},
+        {RADIO "txpower", "1", ""},
+        {RADIO "txpower", "100", ""},
+        {RADIO "txpower", "101", AT_RADIO "txpower: 101 is out of range; 1 to 100"},
+        {RADIO "txpower", "18446744073709551615", AT_RADIO "txpower: 18446744073709551615 is out of range; 1 to 100"},
+        {RADIO "beacon_int", "19", AT_RADIO "beacon_int: 19 is out of range; 20 to 1024"},
+        {RADIO "beacon_int", "20", ""},
+        {RADIO "beacon_int", "1024", ""},
+        {RADIO "beacon_int", "1025", AT_RADIO "beacon_int: 1025 is out of range; 20 to 1024"},
+        {RADIO "rts", "0", AT_RADIO "rts: 0 is out of range; 1 to 2347"},
+        {RADIO "rts", "2348", AT_RADIO "rts: 2348 is out of range; 1 to 2347"},
+        {RADIO "frag", "255", AT_RADIO "frag: 255 is out of range; 256 to 2346"},
+        {RADIO "frag", "2347", AT_RADIO "frag: 2347 is out of range; 256 to 2346"},
+        {RADIO "interference", "-1", ""},
+        {RADIO "interference", "-2", AT_RADIO "interference: -2 is out of range; -1 to 4"},
+        {RADIO "rts", "\"1\"", AT_RADIO "rts: \"1\" is not a whole number; 1 to 2347"},
+        {RADIO "rts", "1.5", AT_RADIO "rts: 1.5 is not a whole number; 1 to 2347"},
+        {RADIO "atf", "1", AT_RADIO "atf: 1 is not true or false; true or false"},
+        {RADIO "channel", "true", AT_RADIO "channel: true is not a whole number; 1 to 165, or \"auto\""},
+        {RADIO "channel", "\"auto\"", ""},
+        {RADIO "htmode", "\"HT80\"",
+         AT_RADIO "htmode: \"HT80\" is not known; one of \"HT20\", \"HT40+\", \"HT40-\", \"VHT20\", \"VHT40+\", "
+                  "\"VHT40-\", \"VHT80\""},
+        {RADIO "htmode", "20",
+         AT_RADIO "htmode: 20 is not a word; one of \"HT20\", \"HT40+\", \"HT40-\", \"VHT20\", \"VHT40+\", "
+                  "\"VHT40-\", \"VHT80\""},
+        {RADIO "acs_exclude", "[1, 0]", AT_RADIO "acs_exclude[1]: 0 is no channel number; 1 to 165"},
+        {RADIO "acs_exclude", "[36, 36]", AT_RADIO "acs_exclude[1]: 36 stands twice in the list; 1 to 165"},
+        {RADIO "ssids", "7", AT_RADIO "ssids: 7 is not a list; a list of at most 6"},
+        {RADIO "rxchain_pwrsave", "[]", AT_RADIO "rxchain_pwrsave: [] is not an object"},
+        {"/radios", "{}", "t:1: radios: {} is not a list; a list of at most 16"},
+        {SSID "ieee80211w", "3", AT_SSID "ieee80211w: 3 is out of range; 0 to 2"},
+    });
+    EXPECT_EQ(problemOf("[]"), "t:1: [] is not an object");
+}
+
+TEST(HostConfig, Texts) {
+    const char *const kKey = "; 8 to 63, or 64 hexadecimal digits";
+    auto key = [&](size_t length, char c) {
+        return problemOf(patched(SSID "key", json(std::string(length, c)).dump().c_str()));
+    };
+    EXPECT_EQ(key(7, 'x'), std::string(AT_SSID "key: \"xxxxxxx\" is 7 characters") + kKey);
+    EXPECT_EQ(key(8, 'x'), "");
+    EXPECT_EQ(key(63, 'x'), "");
+    EXPECT_NE(key(64, 'x').find("is 64 characters, but not all hexadecimal digits"), std::string::npos);
+    EXPECT_EQ(key(64, 'f'), "");
+    EXPECT_NE(key(65, 'f').find("is 65 characters"), std::string::npos);
+    const char *const kName = "; 1 to 32 bytes of UTF-8 without NUL";
+    const char *const kStation = "; six hexadecimal pairs of a station, such as 00:10:18:aa:bb:cc";
+    expectProblems({
+        {SSID "ssid", "\"12345678901234567890123456789012\"", ""},
+        {SSID "ssid", "\"123456789012345678901234567890123\"",
+         (std::string(AT_SSID "ssid: \"123456789012345678901234567890123\" is 33 bytes") + kName).c_str()},
+        {SSID "ssid", "\"a\\u0000b\"", (std::string(AT_SSID "ssid: \"a\\u0000b\" holds a NUL") + kName).c_str()},
+        {SSID "ifname", "\"wl0; reboot\"",
+         AT_SSID "ifname: \"wl0; reboot\" is no interface name; 1 to 15 of A-Z a-z 0-9 . _ -, the first not -"},
+        {SSID "maclist", "[\"00:10:18:aa:bb\"]",
+         (std::string(AT_SSID "maclist[0]: \"00:10:18:aa:bb\" is no MAC address") + kStation).c_str()},
+        {SSID "maclist", "[\"01:10:18:aa:bb:cc\"]",
+         (std::string(AT_SSID "maclist[0]: \"01:10:18:aa:bb:cc\" is a group address") + kStation).c_str()},
+        {RADIO "country", "\"de\"",
+         AT_RADIO "country: \"de\" is no country; two capitals and perhaps a slash and a revision, such as DE/3"},
+        {RADIO "country", "\"US\"", ""},
+        {SSID "wps", "{\"device_pin\": \"12345678\"}",
+         AT_SSID "wps.device_pin: \"12345678\" has a wrong checksum digit; 8 digits, the last one the checksum"},
+        {SSID "wps", "{\"device_pin\": \"31415927\"}", ""},
+        {SSID "wps", "{\"uuid\": \"0102\"}",
+         AT_SSID "wps.uuid: \"0102\" is no UUID; 32 hexadecimal digits, with or without the four dashes"},
+    });
+}
+
+TEST(HostConfig, Names) {
+    expectProblems({
+        {RADIO "chanel", "36", AT_RADIO "chanel: unknown name; did you mean \"channel\"?"},
+        {SSID "Key", "1", AT_SSID "Key: unknown name; did you mean \"key\"?"},
+        {"/wifi", "1", "t:1: wifi: unknown name; known here: $schema, lan, radios"},
+        {RADIO "name", "", "t:1: radios[0]: name is missing; 1 to 15 of A-Z a-z 0-9 . _ -, the first not -"},
+        {"/radios/1/name", "\"wl0\"",
+         "t:1: radios[1].name: \"wl0\" is the name at radios[0].name already\n"
+         "t:1: radios[1].ssids[0].ifname: \"wl0\" is the interface at radios[0].ssids[0].ifname already"},
+        {"/radios/0/ssids/1/ifname", "\"wl0.6\"",
+         "t:1: radios[0].ssids[1].ifname: \"wl0.6\" is no interface of wl0; wl0.1 to wl0.5"},
+        {"/radios/0/ssids/1/ifname", "\"wl1.1\"",
+         "t:1: radios[0].ssids[1].ifname: \"wl1.1\" is no interface of wl0; wl0.1 to wl0.5"},
+        {SSID "ifname", "\"wl0.1\"",
+         AT_SSID "ifname: \"wl0.1\" is not the radio's interface; the first SSID is wl0\n"
+                 "t:1: radios[0].ssids[1].ifname: \"wl0.1\" is the interface at radios[0].ssids[0].ifname already"},
+        {SSID "network", "\"br7\"", AT_SSID "network: \"br7\" is no LAN group; br0, br1"},
+        {"/radios/0/ssids/1/ifname", "\"wl0.3\"",
+         "t:1: radios[0].ssids[1].network: \"br0\" differs from br1, which has wl0.3 among its ports"},
+        {"/lan/groups/1/ports/0", "\"eth0\"",
+         "t:1: lan.groups[1].ports: \"eth0\" is the port at lan.groups[0].ports already"},
+    });
+}
+
+TEST(HostConfig, SettingsThatContradictEachOther) {
+    expectProblems({
+        {RADIO "channel", "38",
+         AT_RADIO "channel: 38 is no 5 GHz channel; 36 to 64 and 100 to 144 in steps of 4, 149 to 165 in steps of 4"},
+        {"/radios/1/channel", "15",
+         "t:1: radios[1].channel: 15 is no 5 GHz channel; 36 to 64 and 100 to 144 in steps of 4, 149 to 165 in steps "
+         "of 4"},
+        {RADIO "htmode", "\"HT40+\"", ""},
+        {RADIO "htmode", "\"HT40-\"",
+         AT_RADIO "htmode: \"HT40-\" does not fit channel 36; HT20, HT40+, VHT20, VHT40+, VHT80"},
+        {"/radios/1/htmode", "\"VHT80\"",
+         "t:1: radios[1].htmode: \"VHT80\" does not go with 2.4 GHz; HT20, HT40+, HT40-, VHT20, VHT40+, VHT40-"},
+        {RADIO "hwmode", "\"bgn\"",
+         AT_RADIO "hwmode: \"bgn\" does not go with 5 GHz and HT20; n, a, an, ac, nac, anac"},
+        {RADIO "rate", "54", AT_RADIO "rate: 54 has no effect without mcs; 0, or set mcs"},
+        {SSID "key", "",
+         "t:1: radios[0].ssids[0]: key is missing; encryption psk2 needs 8 to 63 characters, or 64 hexadecimal digits"},
+        {SSID "ssid", "", "t:1: radios[0].ssids[0]: ssid is missing; 1 to 32 bytes of UTF-8 without NUL"},
+        {SSID "ssid_hex", "\"ff\"", "t:1: radios[0].ssids[0]: ssid and ssid_hex are both given; one of them"},
+        {SSID "encryption", "\"wpa2\"",
+         AT_SSID "key: has no use with encryption wpa2; for psk2 and psk-mixed\n"
+                 "t:1: radios[0].ssids[0]: radius is missing; encryption wpa2 needs a server"},
+        {"/radios/0/ssids/1/encryption", "\"wep\"",
+         "t:1: radios[0].ssids[1]: key1 is missing; encryption wep sends with key number 1"},
+        {"/radios/0/ssids/1/ieee80211w", "1",
+         "t:1: radios[0].ssids[1].ieee80211w: 1 does not go with encryption none; at most 0"},
+        {"/radios/0/ssids/1/wps", "{\"enabled\": true}",
+         "t:1: radios[0].ssids[1].wps.enabled: true is refused; WPS runs on the radio's first SSID only"},
+        {"/radios/1/ssids/0/wps", "{\"enabled\": true}", ""},
+        {SSID "maclist", "[\"00:10:18:aa:bb:cc\"]",
+         AT_SSID "maclist: has no use without a filter; set macfilter to deny or allow"},
+        {SSID "preset", "\"on-demand\"",
+         AT_SSID "preset: \"on-demand\" is refused; the first SSID is the radio's own interface"},
+        {RADIO "ssids", "[]", "t:1: radios[0]: ssids is missing; 1 to 6, unless the radio is disabled"},
+        {RADIO "ssids", R"([{"ssid":"a","main":true},{"ssid":"b"},{"ssid":"c","main":true}])",
+         AT_RADIO "ssids[2].main: ssids[0] is marked already; at most one of a radio"},
+        {RADIO "ssids", R"([{"ssid":"a","preset":"announcer"},{"ssid":"b","preset":"announcer"}])",
+         AT_RADIO "ssids[1].preset: ssids[0] is marked already; at most one of a radio"},
+        {RADIO "ssids",
+         R"([{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"}])",
+         AT_RADIO "ssids: has 7 entries; a list of at most 6"},
+    });
+}
+
+// Each control channel with each width: the widths that fit, by the band plans.
+TEST(HostConfig, WidthsFitChannels) {
+    struct {
+        int channel;
+        const char *fits;
+    } cases[] = {{36, "HT40+ VHT80"},
+                 {40, "HT40- VHT80"},
+                 {64, "HT40- VHT80"},
+                 {144, "HT40- VHT80"},
+                 {149, "HT40+ VHT80"},
+                 {161, "HT40- VHT80"},
+                 {165, ""},
+                 {1, "HT40+"},
+                 {4, "HT40+"},
+                 {5, "HT40+ HT40-"},
+                 {9, "HT40+ HT40-"},
+                 {10, "HT40-"},
+                 {13, "HT40-"},
+                 {14, ""}};
+    for (const auto &row : cases)
+        for (const char *mode : {"HT40+", "HT40-", "VHT80"}) {
+            json config = json::parse(kBase);
+            config["radios"][0]["channel"] = row.channel;
+            config["radios"][0]["htmode"] = mode;
+            std::vector<std::string> fits = splitWords(row.fits);
+            EXPECT_EQ(problemOf(config.dump()).empty(), std::count(fits.begin(), fits.end(), mode) == 1)
+                << mode << " on " << row.channel;
+        }
+}
+
+TEST(HostConfig, SyntaxAndLines) {
+    EXPECT_EQ(problemOf("{\n \"radios\": [}"),
+              "t:2:13: syntax error while parsing value - unexpected '}'; expected '[', '{', or a literal");
+    EXPECT_EQ(problemOf("{\"radios\": [{\"name\": 1,\n\"name\": 2}]}"), "t: \"name\" stands twice in one object");
+    EXPECT_EQ(
+        problemOf("// one\n{ /* two\n*/ \"radios\":\n [ {\"name\": \"a]{,\\\"\", \"x\": [1, {}]},\n {\"nam\": 3}] }"),
+        "t:4: radios[0].name: \"a]{,\\\"\" is no interface name; 1 to 15 of A-Z a-z 0-9 . _ -, the first not -\n"
+        "t:4: radios[0]: country is missing; two capitals and perhaps a slash and a revision, such as DE/3\n"
+        "t:4: radios[0].x: unknown name; known here: " +
+            [] {
+                std::vector<std::string> names;
+                for (const Field &field : *fieldAt({"radios"}).children)
+                    names.push_back(field.name);
+                return joined(names);
+            }() +
+            "\nt:5: radios[1]: name is missing; 1 to 15 of A-Z a-z 0-9 . _ -, the first not -\n"
+            "t:5: radios[1]: country is missing; two capitals and perhaps a slash and a revision, such as DE/3\n"
+            "t:5: radios[1].nam: unknown name; did you mean \"name\"?");
+}
+
+WlIntf radioRecord(const char *name, int bandCode, int maxBss) {
+    WlIntf intf{};
+    copyText(intf.intfName, name);
+    intf.bandCode = bandCode;
+    intf.caps.maxBss = maxBss;
+    std::memcpy(intf.macAddr, "\x00\x10\x18\xaa\xbb\xcc", 6);
+    return intf;
+}
+
+RadioRecords bound(const std::string &text, const WlIntf &intf, const char *phy = nullptr) {
+    Config config = Config::from(Document::parse("t", text));
+    Problems problems(config.document);
+    RadioRecords records = bindRadio(config, 0, intf, phy, problems);
+    problems.throwIfAny();
+    return records;
+}
+
+#define NUMBER(member) [](const RadioRecords &r) { return std::to_string(r.member); }
+#define TEXT(member) [](const RadioRecords &r) { return std::string(r.member); }
+
+// Every name of the file and the member that it fills, with a value that differs from the initial one.
+TEST(HostConfig, ValuesReachTheirMembers) {
+    struct {
+        const char *pointer, *value, *expected;
+        std::string (*member)(const RadioRecords &);
+    } cases[] = {
+        {RADIO "disabled", "true", "0", NUMBER(radio.radioOn)},
+        {RADIO "index", "3", "3", NUMBER(radio.radioIndex)},
+        {RADIO "channel", "\"auto\"", "1", NUMBER(radio.autoChannel)},
+        {RADIO "channel", "48", "48", NUMBER(radio.channel)},
+        {RADIO "htmode", "\"VHT80\"", "80", NUMBER(radio.bandwidth)},
+        {RADIO "htmode", "\"HT40+\"", "-1", NUMBER(radio.sideband)},
+        {RADIO "hwmode", "\"nac\"", "8", NUMBER(radio.wirelessMode)},
+        {RADIO "country", "\"US/0\"", "US/0", TEXT(radio.countryCode)},
+        {RADIO "regmode", "\"d\"", "2", NUMBER(radio.regMode)},
+        {RADIO "dfs_preism", "61", "61", NUMBER(radio.dfsPreIsm)},
+        {RADIO "dfs_postism", "62", "62", NUMBER(radio.dfsPostIsm)},
+        {RADIO "tpc_db", "3", "3", NUMBER(radio.tpcDb)},
+        {RADIO "txpower", "42", "42", NUMBER(radio.txPower)},
+        {RADIO "beacon_int", "200", "200", NUMBER(radio.beaconPeriod)},
+        {RADIO "dtim_period", "255", "255", NUMBER(radio.dtimPeriod)},
+        {RADIO "rts", "500", "500", NUMBER(radio.rtsThreshold)},
+        {RADIO "frag", "600", "600", NUMBER(radio.fragThreshold)},
+        {RADIO "mcs", "7", "7", NUMBER(radio.mcs)},
+        {RADIO "mcs", "\"auto\"", "-1", NUMBER(radio.mcs)},
+        {RADIO "mcast_rate", "11", "11", NUMBER(radio.multicastRate)},
+        {RADIO "acs_scan_timer", "77", "77", NUMBER(radio.acsScanTimer)},
+        {RADIO "acs_policy", "2", "2", NUMBER(radio.acsPolicyIndex)},
+        {RADIO "acs_exclude", "[36, 40]", "36,40", TEXT(radio.acsSkipList)},
+        {RADIO "frameburst", "false", "0", NUMBER(radio.frameBurst)},
+        {RADIO "atf", "true", "1", NUMBER(radio.atfEnable)},
+        {RADIO "beamforming", "false", "0", NUMBER(radio.txbfBfe)},
+        {RADIO "su_beamformer", "false", "0", NUMBER(radio.txbfBfr)},
+        {RADIO "su_beamformee", "false", "0", NUMBER(radio.txbfBfe)},
+        {RADIO "mu_beamforming", "true", "1", NUMBER(radio.txbfMu)},
+        {RADIO "coexistence", "false", "0", NUMBER(radio.apCoex)},
+        {RADIO "bg_protection", "\"off\"", "2", NUMBER(radio.bgProtection)},
+        {RADIO "ht_protection", "false", "0", NUMBER(radio.htProtect)},
+        {RADIO "preamble", "\"long\"", "0", NUMBER(radio.txPreamble)},
+        {RADIO "rifs", "\"off\"", "0", NUMBER(radio.rifsAdv)},
+        {RADIO "interference", "4", "4", NUMBER(radio.interferenceMode)},
+        {RADIO "wds_mode", "\"wds\"", "wds", TEXT(radio.wdsMode)},
+        {RADIO "lazywds", "true", "1", NUMBER(radio.lazyWds)},
+        {RADIO "wds_peers", "[\"00-10-18-aa-bb-01\", \"00:10:18:AA:bb:02\"]", "00:10:18:AA:BB:01 00:10:18:AA:BB:02",
+         TEXT(radio.wdsMacList)},
+        {RADIO "rxchain_pwrsave", "{\"enable\": 1, \"quiet_time\": 5, \"pps\": 6}", "6",
+         NUMBER(radio.rxChainPwrsaveParams[2])},
+        {RADIO "radio_pwrsave", "{\"level\": 3}", "3", NUMBER(radio.radioPwrsaveParams[3])},
+        {RADIO "phytype", "\"a\"", "a", TEXT(radio.phyType)},
+        {RADIO "macaddr", "\"02:00:00:00:00:07\"", "7", NUMBER(radio.baseMac[5])},
+        {SSID "disabled", "true", "0", NUMBER(bss[0].enable)},
+        {SSID "path", "\"Device.1\"", "Device.1", TEXT(bss[0].objPath)},
+        {SSID "hidden", "true", "1", NUMBER(bss[0].hideSsid)},
+        {SSID "isolate", "true", "1", NUMBER(bss[0].bssIsolation)},
+        {SSID "wmf", "true", "1", NUMBER(bss[0].multicastFwd)},
+        {SSID "wmm", "false", "0", NUMBER(bss[0].wmm)},
+        {SSID "uapsd", "false", "0", NUMBER(bss[0].wmmApsd)},
+        {SSID "encryption", "\"psk-mixed\"", "tkipaes", TEXT(bss[0].encryption)},
+        {SSID "encryption", "\"psk-mixed\"", "wpapskmix", TEXT(bss[0].authMode)},
+        {SSID "key", "\"battery staple\"", "battery staple", TEXT(bss[0].wpaPsk)},
+        {SSID "key_fallback", "\"battery staple\"", "battery staple", TEXT(bss[0].wpaPskFallback)},
+        {SSID "ieee80211w", "2", "2", NUMBER(bss[0].protectMF)},
+        {SSID "wpa_group_rekey", "9", "9", NUMBER(bss[0].rekeyInterval)},
+        {SSID "eap_reauth_period", "8", "8", NUMBER(bss[0].netReauth)},
+        {SSID "rsn_preauth", "true", "1", NUMBER(bss[0].preauth)},
+        {SSID "maxassoc", "512", "512", NUMBER(bss[0].maxSta)},
+        {SSID "macfilter", "\"allow\"", "ALLOW", TEXT(bss[0].macFilterMode)},
+        {SSID "network", "\"br1\"", "br1", TEXT(bss[0].bridge)},
+        {SSID "limit_up", "10000000", "10000000", NUMBER(bss[0].upstreamRate)},
+        {SSID "limit_down", "4", "4", NUMBER(bss[0].downstreamRate)},
+        {SSID "preset", "\"announcer\"", "2", NUMBER(bss[0].presetRole)},
+        {"/radios/0/ssids/1/main", "true", "0", NUMBER(bss[0].main)},
+        {SSID "wps", "{\"enabled\": true}", "00000000000010008000001018aabbcc", TEXT(bss[0].wpsUuid)},
+        {SSID "wps", "{\"uuid\": \"01234567-89AB-cdef-0123-456789abcdef\"}", "0123456789abcdef0123456789abcdef",
+         TEXT(bss[0].wpsUuid)},
+        {SSID "wps", "{\"configured\": false}", "0", NUMBER(bss[0].wpsConfigured)},
+        {SSID "wps", "{\"version2\": false}", "136", NUMBER(bss[0].wpsConfigMethod)},
+        {SSID "wps", "{\"config_methods\": 65535}", "65535", NUMBER(bss[0].wpsConfigMethod)},
+        {SSID "wps", "{\"push_button\": false}", "0", NUMBER(bss[0].wpsPbcEnable)},
+        {SSID "wps", "{\"station_pin\": false}", "0", NUMBER(bss[0].wpsStaPinEnable)},
+        {SSID "wps", "{\"ap_pin\": true}", "1", NUMBER(bss[0].wpsApPinEnable)},
+        {SSID "wps", "{\"device_pin\": \"31415927\"}", "31415927", TEXT(bss[0].wpsDevicePin)},
+    };
+    WlIntf intf = radioRecord("wl0", WLBRCM_BANDCODE_5G, 6);
+    RadioRecords plain = bound(kBase, intf);
+    for (const auto &row : cases) {
+        EXPECT_EQ(row.member(bound(patched(row.pointer, row.value), intf)), row.expected) << row.pointer;
+    }
+    EXPECT_EQ(plain.radio.radioIndex, 1);
+    EXPECT_EQ(plain.radio.bssCount, 2);
+    EXPECT_EQ(plain.radio.wirelessMode, 6); // a/n for HT20 at 5 GHz
+    EXPECT_STREQ(plain.bss[1].ifName, "wl0.1");
+    EXPECT_TRUE(plain.bss[0].main && plain.bss[0].valid && !plain.bss[1].main && !plain.bss[2].valid);
+    EXPECT_STREQ(bound(kBase, intf, "v").radio.phyType, "v");
+}
+
+TEST(HostConfig, KeysOfWepAndRadius) {
+    json config = json::parse(kBase);
+    config["radios"][0]["ssids"] = json::parse(R"([
+        {"ssid_hex": "ff5c20", "encryption": "wep-shared", "key3": "abcde", "key1": "0102030405", "wep_default_key": 3},
+        {"ssid": "b", "encryption": "wpa2", "radius": {"server": "fe80::1", "port": 1645, "secret": "s e"}}])");
+    RadioRecords records = bound(config.dump(), radioRecord("wl0", WLBRCM_BANDCODE_5G, 6));
+    EXPECT_STREQ(records.bss[0].ssidName, "\xff\\ ");
+    EXPECT_STREQ(records.bss[0].authMode, "shared");
+    EXPECT_STREQ(records.bss[0].wepKeys[2], "abcde");
+    EXPECT_STREQ(records.bss[0].wepKeys[0], "0102030405");
+    EXPECT_EQ(records.bss[0].defaultKeyId, 3);
+    EXPECT_STREQ(records.bss[1].radiusIpaddr, "fe80::1");
+    EXPECT_EQ(records.bss[1].radiusPort, 1645);
+    EXPECT_STREQ(records.bss[1].radiusKey, "s e");
+}
+
+TEST(HostConfig, RadiosThatCannotDoIt) {
+    auto problem = [](const WlIntf &intf) -> std::string {
+        try {
+            bound(kBase, intf);
+            return "";
+        } catch (const Failure &failure) {
+            return failure.what();
+        }
+    };
+    EXPECT_EQ(problem(radioRecord("wl0", WLBRCM_BANDCODE_2G, 4)),
+              "t:4: radios[0].channel: 36 is no 2.4 GHz channel; 1 to 14");
+    EXPECT_EQ(problem(radioRecord("wl0", WLBRCM_BANDCODE_5G, 2)), "");
+    EXPECT_EQ(problem(radioRecord("wl0", WLBRCM_BANDCODE_5G, 1)),
+              "t:4: radios[0].ssids: 2 SSIDs; wl0 carries at most 1\n"
+              "t:6: radios[0].ssids[1].ifname: \"wl0.1\" does not exist; wl0 carries at most 1 SSIDs");
+}
+
+std::filesystem::path examples() {
+    return std::filesystem::path(__FILE__).parent_path().parent_path().parent_path() / "examples";
+}
+
+TEST(HostConfig, SchemaBesideTheExamplesIsTheTables) {
+    json schema = Document::load(examples() / "wlbrcm.schema.json").root;
+    EXPECT_EQ(json::diff(schema, configSchema()), json::array()) << "wlhost schema > examples/wlbrcm.schema.json";
+}
+
+TEST(HostConfig, ExamplesAreSound) {
+    int checked = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(examples()))
+        if (entry.path().filename() != "wlbrcm.schema.json") {
+            EXPECT_NO_THROW(Config::load(entry.path())) << entry.path();
+            ++checked;
+        }
+    EXPECT_GE(checked, 2);
+}
+
+} // namespace
+} // namespace wlhost

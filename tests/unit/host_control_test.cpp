@@ -1,0 +1,187 @@
+// The control socket, and texts at the edge.
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstring>
+#include <thread>
+
+#include "control.h"
+#include "failure.h"
+#include "module.h"
+#include "output.h"
+#include "text.h"
+
+namespace wlhost {
+namespace {
+
+TEST(HostText, ForeignBytesAreEscaped) {
+    struct {
+        const char *bytes, *shown;
+    } cases[] = {
+        {"home", "home"},
+        {"caf\xc3\xa9 \xe2\x98\x95", "caf\xc3\xa9 \xe2\x98\x95"},
+        {"\x1b[2J\n", "\\x1b[2J\\x0a"},
+        {"a\\x41", "a\\x5cx41"},
+        {"\xff\xc3", "\\xff\\xc3"},
+        {"\xc0\xaf", "\\xc0\\xaf"},                   // overlong
+        {"\xed\xa0\x80", "\\xed\\xa0\\x80"},          // surrogate
+        {"\xf4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"}, // beyond Unicode
+        {"\xc2\x9b"
+         "5m",
+         "\\xc2\\x9b"
+         "5m"}, // C1 control
+        {"\xe2\x80\xae"
+         "gpj",
+         "\\xe2\\x80\\xae"
+         "gpj"}, // turns the writing direction
+        {"\xf0\x9f\x8d\x95", "\xf0\x9f\x8d\x95"},
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(escapeBytes(row.bytes), row.shown);
+}
+
+TEST(HostText, NamesAndAddresses) {
+    EXPECT_EQ(formatMac(*parseMac("00-10-18-AA-bb-cC")), "00:10:18:aa:bb:cc");
+    for (const char *bad : {"", "00:10:18:aa:bb", "00:10:18:aa:bb:cg", "00:10-18:aa:bb:cc",
+                            "00:10:18:aa:bb:cc:", "0010.18aa.bbcc...", " 0:10:18:aa:bb:cc"})
+        EXPECT_FALSE(parseMac(bad)) << bad;
+    EXPECT_TRUE(isInterfaceName("wl0.1"));
+    EXPECT_TRUE(isInterfaceName("a23456789012345"));
+    for (const char *bad : {"", "a234567890123456", "-wl0", "wl0;", "wl 0", "wl/0"})
+        EXPECT_FALSE(isInterfaceName(bad)) << bad;
+    EXPECT_EQ(nearestName("chanel", {"country", "channel"}), "channel");
+    EXPECT_EQ(nearestName("xyz", {"key", "band"}), std::nullopt);
+}
+
+TEST(HostText, TablesAlign) {
+    json rows = {{{"a", "caf\xc3\xa9"}, {"b", 5}}, {{"a", nullptr}, {"b", json::array()}}};
+    EXPECT_EQ(table({{"NAME", "a"}, {"N", "b", true}}, rows), "NAME  N\ncaf\xc3\xa9  5\n-     -\n");
+}
+
+TEST(HostText, ReplacesEveryOccurrenceOnce) {
+    char text[64] = "&a&&";
+    EXPECT_EQ(qvUtilStrReplace(text, "&", "&amp;"), 3);
+    EXPECT_STREQ(text, "&amp;a&amp;&amp;");
+    EXPECT_EQ(qvUtilStrReplace(text, "&amp;", ""), 3);
+    EXPECT_STREQ(text, "a");
+    EXPECT_EQ(qvUtilStrReplace(text, "", "x"), 0);
+}
+
+// A server that answers "<request>!" in a thread of its own.
+class HostControl : public testing::Test {
+  protected:
+    HostControl() : folder_("/tmp/wlhost-test.XXXXXX") {
+        EXPECT_NE(mkdtemp(folder_.data()), nullptr);
+        path_ = folder_ + "/socket";
+    }
+    ~HostControl() override {
+        stop();
+        unlink(path_.c_str());
+        rmdir(folder_.c_str());
+    }
+
+    void start() {
+        server_ = std::make_unique<ControlServer>(path_, [](const std::string &request) { return request + "!"; });
+        thread_ = std::thread([this] {
+            while (!stop_) {
+                std::vector<pollfd> fds;
+                server_->addTo(fds);
+                poll(fds.data(), fds.size(), 10);
+                server_->serve();
+            }
+        });
+    }
+    void stop() {
+        stop_ = true;
+        if (thread_.joinable())
+            thread_.join();
+        server_.reset();
+    }
+    Fd rawConnection() {
+        Fd fd(socket(AF_UNIX, SOCK_STREAM, 0));
+        sockaddr_un address{AF_UNIX, {}};
+        path_.copy(address.sun_path, path_.size());
+        EXPECT_EQ(connect(fd.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+        return fd;
+    }
+    int statusOf(const std::string &path, int seconds) {
+        try {
+            callHost(path, "x", seconds);
+            return kDone;
+        } catch (const Failure &failure) {
+            return failure.status;
+        }
+    }
+
+    std::string folder_, path_;
+    std::unique_ptr<ControlServer> server_;
+    std::thread thread_;
+    std::atomic<bool> stop_{false};
+};
+
+TEST_F(HostControl, AnswersItsOwnerOnly) {
+    start();
+    struct stat entry;
+    ASSERT_EQ(stat(path_.c_str(), &entry), 0);
+    EXPECT_EQ(entry.st_mode & 0777, 0600u);
+    EXPECT_EQ(callHost(path_, "hello", 5), "hello!\n");
+    std::string large(60000, 'x');
+    EXPECT_EQ(callHost(path_, large, 5), large + "!\n");
+}
+
+TEST_F(HostControl, OddClientsHurtThemselvesOnly) {
+    start();
+    Fd silent = rawConnection(), half = rawConnection(), gone = rawConnection();
+    EXPECT_EQ(write(half.get(), "{\"command\"", 10), 10);
+    EXPECT_EQ(write(gone.get(), "x\n", 2), 2);
+    gone = Fd();
+    EXPECT_EQ(statusOf(path_, 5), kDone);
+    EXPECT_EQ(write(half.get(), ":1}\n", 4), 4);
+    char answer[32] = "";
+    EXPECT_EQ(read(half.get(), answer, sizeof answer), 15);
+    EXPECT_STREQ(answer, "{\"command\":1}!\n");
+}
+
+TEST_F(HostControl, EndlessRequestIsCutOff) {
+    start();
+    EXPECT_THROW(callHost(path_, std::string(70000, 'x'), 5), Failure);
+    EXPECT_EQ(statusOf(path_, 5), kDone);
+}
+
+TEST_F(HostControl, OneHostAPath) {
+    EXPECT_EQ(statusOf(path_, 1), kEnvironment);
+    start();
+    EXPECT_THROW(ControlServer(path_, nullptr), Failure);
+    EXPECT_EQ(statusOf(path_, 5), kDone) << "the first host lost its socket";
+    stop();
+    EXPECT_NE(access(path_.c_str(), F_OK), 0) << "the socket stayed behind";
+}
+
+TEST_F(HostControl, DeadHostsSocketIsReplacedAndOtherFilesAreNot) {
+    {
+        Fd dead(socket(AF_UNIX, SOCK_STREAM, 0));
+        sockaddr_un address{AF_UNIX, {}};
+        path_.copy(address.sun_path, path_.size());
+        ASSERT_EQ(bind(dead.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    }
+    start();
+    EXPECT_EQ(statusOf(path_, 5), kDone);
+    stop();
+    Fd file(creat(path_.c_str(), 0600));
+    EXPECT_THROW(ControlServer(path_, nullptr), Failure);
+    EXPECT_EQ(access(path_.c_str(), F_OK), 0);
+}
+
+TEST_F(HostControl, SilentHostIsATimeout) {
+    server_ = std::make_unique<ControlServer>(path_, nullptr); // nobody serves it
+    EXPECT_EQ(statusOf(path_, 1), kTimeout);
+}
+
+} // namespace
+} // namespace wlhost
