@@ -263,16 +263,16 @@ Reply neighbourCommand(Driver &driver, const Words &words) {
 
 Reply eventCommand(Driver &driver, const Words &words) {
     Options options = readOptions(words, "", "--mac --reason --status --count");
-    auto number = options.plain.size() == 2 ? parseNumber(options.plain[1]) : std::nullopt;
+    long number = options.plain.size() == 2 ? parseNumber(options.plain[1]).value_or(-1) : -1;
     auto mac = parseMac(options.text("--mac", "02:00:00:00:00:01"));
     auto reason = static_cast<unsigned>(options.number("--reason", 0, 0, INT_MAX));
     auto result = static_cast<unsigned>(options.number("--status", 0, 0, INT_MAX));
     long count = options.number("--count", 1, 1, 10000000);
-    if (!number || *number < 0 || *number > INT_MAX || !mac || !options.error.empty()) {
+    if (number < 0 || number > INT_MAX || !mac || !options.error.empty()) {
         return usage("event IF NUMBER [--mac MAC] [--reason N] [--status N] [--count N]  " + options.error);
     }
     for (long i = 0; i < count; i++) {
-        driver.emit({static_cast<unsigned>(*number), options.plain[0], *mac, reason, result});
+        driver.emit({static_cast<unsigned>(number), options.plain[0], *mac, reason, result});
     }
     return done();
 }
