@@ -285,25 +285,18 @@ TEST_F(WpsSession, OperationsOfOneRadio) {
 }
 
 TEST_F(WpsSession, StopPaths) {
+    const Lines asked = {"sleep 1"}, stopped = {"sleep 1", "sleep 1", "sleep 2"},
+                reset = {"sleep 1", "sleep 1", "sleep 2", "set wps_proc_status=0"},
+                repeated = {"sleep 1", "sleep 1", "sleep 2", "sleep 1", "sleep 1", "set wps_proc_status=0"};
     const struct {
         const char *reply, *status; // status null for unset
-        int stops;
+        size_t stops;
         Lines journal;
     } rows[] = {
-        {"wps_config_command=0", "1", 0, {"sleep 1"}},
-        {"wps_config_command=1", nullptr, 1, {"sleep 1", "sleep 1", "sleep 2", "set wps_proc_status=0"}},
-        {"wps_config_command=1", "0", 1, {"sleep 1", "sleep 1", "sleep 2"}},
-        {"wps_config_command=1", "2", 1, {"sleep 1", "sleep 1", "sleep 2"}},
-        {"wps_config_command=2", "4", 1, {"sleep 1", "sleep 1", "sleep 2"}},
-        {"wps_config_command=1", "busy", 1, {"sleep 1", "sleep 1", "sleep 2"}},
-        {"wps_config_command=1",
-         "1",
-         2,
-         {"sleep 1", "sleep 1", "sleep 2", "sleep 1", "sleep 1", "set wps_proc_status=0"}},
-        {"wps_config_command=1",
-         "3",
-         2,
-         {"sleep 1", "sleep 1", "sleep 2", "sleep 1", "sleep 1", "set wps_proc_status=0"}},
+        {"wps_config_command=0", "1", 0, asked},    {"wps_config_command=1", nullptr, 1, reset},
+        {"wps_config_command=1", "0", 1, stopped},  {"wps_config_command=1", "2", 1, stopped},
+        {"wps_config_command=2", "4", 1, stopped},  {"wps_config_command=1", "busy", 1, stopped},
+        {"wps_config_command=1", "1", 2, repeated}, {"wps_config_command=1", "3", 2, repeated},
     };
     for (const auto &row : rows) {
         platform.forget();
@@ -312,7 +305,7 @@ TEST_F(WpsSession, StopPaths) {
             platform.nvram["wps_proc_status"] = row.status;
         Peer peer(row.reply);
         qvWlanStopWps();
-        Lines expected(static_cast<size_t>(row.stops), kStop);
+        Lines expected(row.stops, kStop);
         expected.insert(expected.begin(), kQuery);
         EXPECT_EQ(expected, peer.received()) << &row - rows;
         EXPECT_EQ(row.journal, platform.journal) << &row - rows;
