@@ -28,3 +28,17 @@ bool wlbrcm::commandFits(Here here, bool fits, const char *command) {
         WLBRCM_LOG_AT(here, LOG_ERR, "command is too long: %s...\n", command);
     return fits;
 }
+
+int wlbrcm::runFormatted(Here here, bool logged, const char *format, ...) {
+    char command[256] = "";
+    size_t used = 0;
+    va_list args;
+    va_start(args, format);
+    const bool fits = appendFormat(command, sizeof command, &used, format, args);
+    va_end(args);
+    if (!commandFits(here, fits, command))
+        return WLBRCM_EFAILED;
+    if (logged)
+        return __qvWlanSystemEx(here.function, here.line, command);
+    return system(command) == 0 ? WLBRCM_OK : WLBRCM_EFAILED;
+}

@@ -48,20 +48,17 @@ using Command = CommandText<256>;
 // A command that did not fit is refused, never run cut.
 bool commandFits(Here here, bool fits, const char *command);
 
+// Formats a command and runs it, logged or not. Only called by the two below, which let no unchecked text through.
+int runFormatted(Here here, bool logged, const char *format, ...);
+
 // Runs a command through __qvWlanSystemEx(). 0 or WLBRCM_EFAILED.
 template <class... Args> int runCommand(Here here, const char *format, const Args &...args) {
-    const Command command(format, args...);
-    if (!commandFits(here, command.text.fits(), command.text.c_str()))
-        return WLBRCM_EFAILED;
-    return __qvWlanSystemEx(here.function, here.line, command.text.c_str());
+    return runFormatted(here, true, format, commandArg(args)...);
 }
 
 // Runs a command with system() and no log line. 0 or WLBRCM_EFAILED.
 template <class... Args> int runUnlogged(Here here, const char *format, const Args &...args) {
-    const Command command(format, args...);
-    if (!commandFits(here, command.text.fits(), command.text.c_str()))
-        return WLBRCM_EFAILED;
-    return system(command.text.c_str()) == 0 ? WLBRCM_OK : WLBRCM_EFAILED;
+    return runFormatted(here, false, format, commandArg(args)...);
 }
 
 // Reads lines of at most Size - 1 characters, newline included; a longer line comes in pieces.

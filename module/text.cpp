@@ -8,7 +8,8 @@ namespace wlbrcm {
 
 bool copyText(char *to, size_t size, std::string_view from) {
     const size_t length = from.size() < size ? from.size() : size - 1;
-    memcpy(to, from.data(), length);
+    if (length > 0) // an unset text has no address
+        memcpy(to, from.data(), length);
     to[length] = '\0';
     return length == from.size();
 }

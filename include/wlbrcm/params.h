@@ -55,8 +55,7 @@ WLBRCM_API int qvWlanSetBssIsolation(WlanParamArg *arg);
 WLBRCM_API int qvWlanSetMulticastFwd(WlanParamArg *arg);
 /** `value` MCS index or -1; stored in mcs_index for qvWlanSetRate(). Writes nothing; `prefix` is not read. */
 WLBRCM_API int qvWlanSetMCS(WlanParamArg *arg);
-/** Copies key hwaddr into the text buffer `result` (at least 18 bytes; given the room of the stored text), empty when
- * unset. */
+/** Copies key hwaddr into the text buffer `result` (at least 18 bytes; longer values are cut), empty when unset. */
 WLBRCM_API int qvWlanGetApMAC(WlanParamArg *arg);
 /** @} */
 

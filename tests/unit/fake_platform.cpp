@@ -461,7 +461,6 @@ long FakePlatform::slept() const {
 }
 
 PlatformTest::PlatformTest() {
-#ifndef WLBRCM_PARTIAL
     act_wl_cnt = 0;
     brcm_gmode = 0;
     brcm_nmode = brcm_vhtmode = mcs_index = -1;
@@ -473,7 +472,6 @@ PlatformTest::PlatformTest() {
     memset(wps_uuid, 0, sizeof wps_uuid);
     memset(wps_autho_sta_mac, 0, sizeof wps_autho_sta_mac);
     enable_fenra_evt = 0;
-#endif
 }
 
 void PlatformTest::TearDown() {
