@@ -217,6 +217,16 @@ TEST_F(SimDriver, VirtualInterfacesFollowTheList) {
     EXPECT_NE(run("wlctl -i wl0.1 isup").status, 0);
 }
 
+TEST_F(SimDriver, NamingABssCreatesItsInterfaceUntilTheListLeavesItOut) {
+    EXPECT_NE(run("wlctl -i wl0.1 macmode 1").status, 0);
+    EXPECT_EQ(run("wlctl -i wl0 ssid -C 1 guest").status, 0);
+    EXPECT_EQ(run("wlctl -i wl0 ssid -C 2 other").status, 0);
+    EXPECT_EQ(run("wlctl -i wl0.1 macmode 1").status, 0);
+    bringUp();
+    EXPECT_TRUE(net.exists("wl0.1"));
+    EXPECT_FALSE(net.exists("wl0.2"));
+}
+
 TEST_F(SimDriver, TwoBssesCannotShareAnAddress) {
     store({"wl0.1_hwaddr=00:10:18:AA:BB:C0"});
     bringUp();

@@ -101,7 +101,7 @@ Reply cmdCsa(Driver &driver, Target target, const Words &arguments) {
     return done();
 }
 
-Reply cmdSsid(Driver &, Target target, const Words &arguments) {
+Reply cmdSsid(Driver &driver, Target target, const Words &arguments) {
     Bss *bss = &target.bss;
     Words rest = arguments;
     std::string trouble = selectBss(target.radio, &bss, &rest);
@@ -113,6 +113,11 @@ Reply cmdSsid(Driver &, Target target, const Words &arguments) {
     }
     if (rest[0].size() > 32) {
         return refuse("SSID longer than 32 bytes");
+    }
+    // Naming a BSS brings it into being: what is set on its interface next must find one.
+    std::string error = driver.createInterface(target.radio, *bss);
+    if (!error.empty()) {
+        return refuse(error);
     }
     bss->ssid = rest[0];
     return done();

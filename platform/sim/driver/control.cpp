@@ -68,7 +68,9 @@ std::string readNetwork(Options &options, JoinRequest *request) {
         request->ssid = bytesFromHex(options.text("--ssid-hex"));
     }
     if (options.has("--band")) {
-        request->band = options.number("--band", 5, 2, 5) == 2 ? Band::ghz2 : Band::ghz5;
+        std::string band = options.text("--band");
+        request->band = band == "2" ? Band::ghz2 : Band::ghz5;
+        options.error = band == "2" || band == "5" ? options.error : "--band takes 2 or 5";
     }
     if (!isSecurityWord(credentials.security)) {
         return "unknown --security " + credentials.security;

@@ -76,6 +76,18 @@ std::string Driver::interfaceNames() const {
     return names.empty() ? "none" : names;
 }
 
+std::string Driver::createInterface(const Radio &radio, Bss &bss) {
+    if (bss.exists) {
+        return "";
+    }
+    Mac mac = radio.mac;
+    mac.bytes[0] = static_cast<uint8_t>(mac.bytes[0] | 2);
+    mac.bytes[5] = static_cast<uint8_t>(mac.bytes[5] + bss.index);
+    std::string error = ports.net.create(bss.ifName, peerName(bss.ifName), mac);
+    bss.exists = error.empty();
+    return error;
+}
+
 bool Driver::onAir(const Radio &radio, const Bss &bss) const {
     return radio.up && bss.exists && bss.up && ports.net.up(bss.ifName);
 }

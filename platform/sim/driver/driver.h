@@ -60,6 +60,9 @@ class Driver {
     Radio *findRadio(const std::string &name);
     std::string interfaceNames() const;
 
+    /** Gives a BSS its interface if it has none yet. @return an error text, empty when done. */
+    std::string createInterface(const Radio &radio, Bss &bss);
+
     /** Announcing, and its interface up. */
     bool onAir(const Radio &radio, const Bss &bss) const;
     void dropStations(Bss &bss, EventNumber event, unsigned reason);

@@ -200,15 +200,10 @@ void matchInterfaces(Driver &driver, Radio &radio, Problems *problems) {
             fresh.index = bss.index;
             fresh.ifName = bss.ifName;
             bss = fresh;
-        } else if (wanted && !bss.exists) {
-            Mac mac = radio.mac;
-            mac.bytes[0] = static_cast<uint8_t>(mac.bytes[0] | 2);
-            mac.bytes[5] = static_cast<uint8_t>(mac.bytes[5] + bss.index);
-            std::string error = driver.ports.net.create(bss.ifName, peerName(bss.ifName), mac);
-            bss.exists = error.empty();
-            if (!error.empty()) {
-                problems->push_back(error);
-            }
+        }
+        std::string error = wanted ? driver.createInterface(radio, bss) : "";
+        if (!error.empty()) {
+            problems->push_back(error);
         }
     }
     for (const std::string &name : listed) {

@@ -8,9 +8,15 @@
 namespace {
 
 /** The one command that the driver cannot answer: whether it is there. */
-int waitForDriver(int seconds) {
+int waitForDriver(const char *text) {
+    char *end = nullptr;
+    long seconds = strtol(text, &end, 10);
+    if (end == text || *end != '\0' || seconds < 0 || seconds > 3600) {
+        fprintf(stderr, "usage: wlsim wait [SECONDS]\n");
+        return 2;
+    }
     constexpr int kStepsPerSecond = 50;
-    for (int step = 0; step <= seconds * kStepsPerSecond; step++) {
+    for (long step = 0; step <= seconds * kStepsPerSecond; step++) {
         if (wlsim::driverAccepts()) {
             return 0;
         }
@@ -26,7 +32,7 @@ int main(int argc, char **argv) {
     std::vector<std::string> words(argv, argv + argc);
     words[0] = TOOL_NAME;
     if (words[0] == "wlsim" && argc > 1 && argc < 4 && words[1] == "wait") {
-        return waitForDriver(argc == 3 ? atoi(argv[2]) : 10);
+        return waitForDriver(argc == 3 ? argv[2] : "10");
     }
     std::string output;
     int status = wlsim::request(words, &output);
