@@ -1,5 +1,6 @@
 # The launcher, seen from outside.
 # runs: outside
+# seconds: 300
 # shellcheck shell=bash disable=SC2154 # $output is set by assert_status
 
 gateway() { "$GATEWAY" "$@"; }
@@ -11,7 +12,7 @@ gone() { ! grep -qsa "[${1:0:1}]${1:1}" /proc/[0-9]*/cmdline; }
 start_marked() {
     env --default-signal=INT "$GATEWAY" "${@:2}" -- sh -c "echo ready; sleep 1000; : $1" >"$scratch/$1" 2>&1 &
     launcher=$!
-    wait_for 20 grep -qx ready "$scratch/$1"
+    wait_for 60 grep -qx ready "$scratch/$1"
 }
 
 scratch=$(mktemp -d)
@@ -55,22 +56,37 @@ test_names_what_is_missing() {
     assert_contains "$output" 'apt-get install util-linux'
 }
 
+# SCENARIO: the radio interfaces that its gateway has, in one line.
+radios() { gateway --scenario "$1" -- ip -o link | grep -oE ' wl[0-9]+' | xargs; }
+
+test_boots_every_scenario() {
+    local scenario
+    for scenario in "${GATEWAY%/*}"/../scenarios/*.json; do
+        assert_status 0 gateway --scenario "$scenario" -- wlsim status
+    done
+    assert_eq 'wl0 wl1' "$(radios default)"
+    assert_eq 'wl0' "$(radios single-radio)"
+    assert_eq '' "$(radios no-radio)"
+    assert_contains "$(gateway --scenario unknown-chip -- wlctl -i wl1 revinfo)" 'deviceid 0x4415'
+}
+
+# What other programs of this machine leave alone while the test runs.
 machine_state() {
-    ip -o link | sed 's/^[0-9]*: //'
-    ls /tmp /var/tmp /run /mnt
+    ls /sys/class/net /mnt "$scratch/empty"
     sed 's/ - .*//; s/^[0-9]* [0-9]* //' /proc/self/mountinfo
     hostname
+    ls -d "/tmp/$1" "/var/$1" "/run/$1" 2>&1
 }
 
 test_changes_nothing_outside() {
-    local before after
-    before=$(machine_state)
-    assert_status 0 gateway -- sh -c \
-        'touch /tmp/x /var/x /run/x && ip link add wl7 type veth peer name air7 && brctl addbr br7 && hostname other && nvram set a=b'
-    after=$(machine_state)
-    assert_eq "$before" "$after" 'the machine'
-    assert_status 1 gateway -- touch /usr/x
-    assert_status 1 gateway -- touch /opt/sim/x
+    local before mark=gateway-test-$$
+    mkdir "$scratch/empty"
+    before=$(machine_state $mark)
+    assert_status 0 env -C "$scratch/empty" TMPDIR="$scratch/empty" "$GATEWAY" -- sh -c "touch /tmp/$mark /var/$mark /run/$mark &&
+        ip link add wl7 type veth peer name air7 && brctl addbr br7 && hostname other && nvram set a=b"
+    assert_eq "$before" "$(machine_state $mark)" 'the machine'
+    assert_status 1 gateway -- touch /usr/$mark
+    assert_status 1 gateway -- touch /opt/sim/$mark
 }
 
 test_has_its_own_processes_and_interfaces() {
@@ -93,7 +109,7 @@ test_two_run_side_by_side() {
     assert_status 1 gateway --run "$scratch/first" -- true
     assert_contains "$output" 'runs in'
     kill "$first" "$launcher"
-    wait_for 10 gone of-two
+    wait_for 20 gone of-two
     assert_status 1 gateway enter --run "$scratch/first" -- true
 }
 
@@ -102,19 +118,19 @@ test_everything_ends_with_the_launcher() {
     for signal in TERM HUP KILL; do
         start_marked "ends-by-$signal"
         kill -"$signal" "$launcher"
-        wait_for 10 gone "ends-by-$signal"
+        wait_for 20 gone "ends-by-$signal"
     done
 }
 
 test_background_processes_end_with_the_command() {
     assert_status 0 gateway -- sh -c '(trap "" HUP TERM; sleep 1000; : left-over-process) & eapd'
-    wait_for 5 gone left-over-process
+    wait_for 20 gone left-over-process
 }
 
 test_interrupt_at_the_terminal_ends_it() {
     start_marked ends-by-interrupt
     kill -INT "$launcher"
-    wait_for 10 gone ends-by-interrupt
+    wait_for 20 gone ends-by-interrupt
 }
 
 test_works_as_an_ordinary_user() {

@@ -28,6 +28,9 @@ pin() { wlsim-wps send "SET wps_method=1 wps_sta_pin=$1 wps_action=3 wps_config_
 running() { case $(wlsim-wps state) in *wps_config_command=1*) ;; *) return 1 ;; esac; }
 idle() { ! running; }
 
+# FILE: an enrollee with this error output has sent its request; the daemon takes requests in their order.
+announced() { grep -q looking "$1"; }
+
 test_state_and_cancel() {
     start_radio
     assert_eq 'wps_config_command=0 wps_action=0 wps_method=1 wps_uuid=0123456789abcdef' "$(wlsim-wps state)"
@@ -53,20 +56,23 @@ test_push_button_hands_over_the_network() {
 
 test_an_enrollee_that_pressed_first_is_taken() {
     start_radio
-    wlsim-wps enrol wl0 --push-button --seconds 10 --join &
-    sleep 0.3
+    rm -f /tmp/first
+    wlsim-wps enrol wl0 --push-button --seconds 10 --join 2>/tmp/first &
+    wait_for 5 announced /tmp/first
     push
     wait $!
     assert_eq 0 $? 'the enrollee'
-    assert_contains "$(wlsim status)" 02:00:5E:00:53:01
+    assert_contains "$(wlctl -i wl0 assoclist)" 02:00:5E:00:53:01
 }
 
 test_two_pressed_buttons_are_an_overlap() {
     start_radio
-    wlsim-wps enrol wl0 --push-button --mac 02:00:5E:00:53:01 --seconds 10 &
+    rm -f /tmp/first /tmp/second
+    wlsim-wps enrol wl0 --push-button --mac 02:00:5E:00:53:01 --seconds 10 2>/tmp/first &
     local first=$!
-    wlsim-wps enrol wl0 --push-button --mac 02:00:5E:00:53:02 --seconds 10 &
-    sleep 0.3
+    wlsim-wps enrol wl0 --push-button --mac 02:00:5E:00:53:02 --seconds 10 2>/tmp/second &
+    wait_for 5 announced /tmp/first
+    wait_for 5 announced /tmp/second
     push
     wait $first
     assert_eq 1 $? 'the first enrollee'
@@ -107,9 +113,8 @@ test_sessions_that_are_not_allowed() {
 test_the_walk_time_ends_a_session() {
     start_radio wlsim_wps_walk_time=1
     push
-    wait_for 5 running
-    wait_for 5 idle
-    assert_eq 4 "$(progress)"
+    wait_for 5 progress_is 4
+    assert_status 0 idle
 }
 
 test_an_unconfigured_network_is_secured() {

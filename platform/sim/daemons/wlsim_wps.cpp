@@ -20,7 +20,7 @@ constexpr const char *kUsage =
     "usage: wlsim-wps state\n"
     "       wlsim-wps send TEXT                     a command as it stands, such as \"SET wps_config_command=2\"\n"
     "       wlsim-wps enrol IF {--push-button | --pin PIN} [--mac MAC] [--seconds N] [--join]\n";
-constexpr const char *kPrograms = "/bin/wlsim";
+constexpr const char *kStationTool = "/bin/wlsim";
 constexpr int kAnswerMargin = 3;
 
 int usage() {
@@ -28,8 +28,9 @@ int usage() {
     return 2;
 }
 
-/** Sends one datagram to the daemon. @return the answer, nothing when none came in time. */
-std::optional<std::string> exchange(const std::string &text, int seconds) {
+/** Sends one datagram to the daemon; the notice tells the user when that is done.
+ * @return the answer, nothing when none came in time. */
+std::optional<std::string> exchange(const std::string &text, int seconds, const char *notice = "") {
     int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -38,6 +39,7 @@ std::optional<std::string> exchange(const std::string &text, int seconds) {
     std::optional<std::string> answer;
     if (fd >= 0 && connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0 &&
         send(fd, text.c_str(), text.size() + 1, 0) > 0) {
+        std::fprintf(stderr, "%s", notice);
         pollfd waiting{fd, POLLIN, 0};
         char buffer[2048];
         ssize_t got = poll(&waiting, 1, seconds * 1000) > 0 ? recv(fd, buffer, sizeof buffer, 0) : -1;
@@ -96,13 +98,10 @@ int join(const Enrolment &enrolment, wlsim::Fields &credentials) {
     std::string key = unhex(credentials["key_hex"]);
     std::string akm = unhex(credentials["akm_hex"]);
     const char *security = akm.empty() ? "open" : akm.find("psk2") == std::string::npos ? "wpapsk" : "wpa2psk";
-    if (akm.empty())
-        execl(kPrograms, "wlsim", "join", enrolment.ifname.c_str(), "--ssid-hex", ssid.c_str(), "--mac",
-              enrolment.mac.c_str(), "--security", security, static_cast<char *>(nullptr));
-    else
-        execl(kPrograms, "wlsim", "join", enrolment.ifname.c_str(), "--ssid-hex", ssid.c_str(), "--mac",
-              enrolment.mac.c_str(), "--security", security, "--passphrase", key.c_str(), static_cast<char *>(nullptr));
-    std::perror(kPrograms);
+    execl(kStationTool, "wlsim", "join", enrolment.ifname.c_str(), "--ssid-hex", ssid.c_str(), "--mac",
+          enrolment.mac.c_str(), "--security", security, akm.empty() ? nullptr : "--passphrase", key.c_str(),
+          static_cast<char *>(nullptr));
+    std::perror(kStationTool);
     return 1;
 }
 
@@ -110,7 +109,7 @@ int enrol(const Enrolment &enrolment) {
     std::string text = "ENROL ifname=" + enrolment.ifname + " mac=" + enrolment.mac +
                        " method=" + (enrolment.pushButton ? "pbc" : "pin pin=" + enrolment.pin) +
                        " seconds=" + std::to_string(enrolment.seconds);
-    auto answer = exchange(text, enrolment.seconds + kAnswerMargin);
+    auto answer = exchange(text, enrolment.seconds + kAnswerMargin, "looking for a registrar\n");
     if (!answer)
         return silent();
     if (answer->compare(0, 3, "OK ") != 0) {
