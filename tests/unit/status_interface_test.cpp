@@ -102,50 +102,36 @@ TEST_F(StatusInterface, CountersAreFoundAnywhereUntilAllAreMet) {
 }
 
 TEST_F(StatusInterface, ChanspecsAreDecoded) {
-    const struct {
-        const char *report;
-        int channel; // 0: refused
-        uint32_t chanspec, bandwidth, sideband;
-        int band;
-    } rows[] = {
-        {"36/80 (0xe02a)\n", 36, 0xe02a, 80, 3, 5},
-        {"(e12a)", 40, 0xe12a, 80, 4, 5},
-        {"(0xe22a)", 44, 0xe22a, 80, 5, 5},
-        {"(0xe32a)", 48, 0xe32a, 80, 6, 5},
-        {"(0xe42a)", 36, 0xe42a, 80, 3, 5},
-        {"(0xe72a)", 36, 0xe72a, 80, 3, 5},
-        {"6 (0x1006)\n", 6, 0x1006, 20, 0, 2},
-        {"(0x1803)", 1, 0x1803, 40, 1, 2},
-        {"(0x1904)", 6, 0x1904, 40, 2, 2},
-        {"(0x1f04)", 6, 0x1f04, 40, 2, 2},
-        {"(0x2806)", 6, 0x2806, 20, 0, 2},
-        {"(0x4006)", 6, 0x4006, 20, 0, 5},
-        {"none\n(0x1006)\n(0x1007)", 6, 0x1006, 20, 0, 2},
-        {"(0x1801)", 0, 0, 0, 0, 0},
-        {"(0xe005)", 0, 0, 0, 0, 0},
-        {"(0xffff)", 255, 0xffff, 20, 0, 5},
-        {"(0x10000)", 0, 0, 0, 0, 0},
-        {"(0x0)\n(0x1006)", 0, 0, 0, 0, 0},
-        {"36/80\n", 0, 0, 0, 0, 0},
-        {"(-5)", 0, 0, 0, 0, 0},
-        {"", 0, 0, 0, 0, 0},
-    };
-    for (const auto &row : rows) {
-        platform.answer("wlctl -i wl0 chanspec", row.report);
+    using Fields = std::vector<uint32_t>; // chanspec, channel, bandwidth, band, sideband; none: refused
+    const std::pair<const char *, Fields> rows[] = {{"36/80 (0xe02a)\n", {0xe02a, 36, 80, 5, 3}},
+                                                    {"(e12a)", {0xe12a, 40, 80, 5, 4}},
+                                                    {"(0xe22a)", {0xe22a, 44, 80, 5, 5}},
+                                                    {"(0xe32a)", {0xe32a, 48, 80, 5, 6}},
+                                                    {"(0xe42a)", {0xe42a, 36, 80, 5, 3}},
+                                                    {"(0xe72a)", {0xe72a, 36, 80, 5, 3}},
+                                                    {"6 (0x1006)\n", {0x1006, 6, 20, 2, 0}},
+                                                    {"(0x1803)", {0x1803, 1, 40, 2, 1}},
+                                                    {"(0x1904)", {0x1904, 6, 40, 2, 2}},
+                                                    {"(0x1f04)", {0x1f04, 6, 40, 2, 2}},
+                                                    {"(0x2806)", {0x2806, 6, 20, 2, 0}},
+                                                    {"(0x4006)", {0x4006, 6, 20, 5, 0}},
+                                                    {"no\n(0x1006)\n(0x1007)", {0x1006, 6, 20, 2, 0}},
+                                                    {"(0xffff)", {0xffff, 255, 20, 5, 0}},
+                                                    {"(0x10000)", {}},
+                                                    {"(0x1801)", {}},
+                                                    {"(0xe005)", {}},
+                                                    {"(0x0)\n(0x1006)", {}},
+                                                    {"36/80\n", {}},
+                                                    {"(-5)", {}},
+                                                    {"", {}}};
+    for (const auto &[report, fields] : rows) {
+        platform.answer("wlctl -i wl0 chanspec", report);
         WlChannelInfo info = {1, 2, 3, 4, {5, 6}, 7};
-        const WlChannelInfo untouched = info;
-        const bool good = row.bandwidth != 0;
-        EXPECT_EQ(good ? 0 : WLBRCM_EFAILED, qvWlanGetCurrentChannelInfo(Arg("wl0", "", "", 0, &info))) << row.report;
-        EXPECT_EQ(good ? row.channel : -1, qvWlanGetCurrentCh(Arg("wl0"))) << row.report;
-        if (!good) {
-            EXPECT_EQ(0, memcmp(&untouched, &info, sizeof info)) << row.report;
-            continue;
-        }
-        EXPECT_EQ(row.chanspec, info.chanspec) << row.report;
-        EXPECT_EQ(row.channel, info.channel) << row.report;
-        EXPECT_EQ(row.bandwidth, info.bandwidth) << row.report;
-        EXPECT_EQ(row.band, info.band) << row.report;
-        EXPECT_EQ(row.sideband, info.sideband) << row.report;
+        const bool good = !fields.empty();
+        EXPECT_EQ(good ? 0 : WLBRCM_EFAILED, qvWlanGetCurrentChannelInfo(Arg("wl0", "", "", 0, &info))) << report;
+        EXPECT_EQ(good ? static_cast<int>(fields[1]) : -1, qvWlanGetCurrentCh(Arg("wl0"))) << report;
+        const Fields read = {info.chanspec, info.channel, info.bandwidth, info.band, info.sideband};
+        EXPECT_EQ(good ? fields : (Fields{1, 2, 3, 4, 7}), read) << report;
     }
     EXPECT_EQ("run wlctl -i wl0 chanspec > /tmp/.cur_channel", platform.journal[0]);
     EXPECT_EQ(0U, platform.logs.size());
@@ -155,22 +141,22 @@ TEST_F(StatusInterface, ChanspecsAreDecoded) {
 
 namespace {
 
-std::string bytes(int first, int count) {
-    std::string text;
+// "Label: 01 02 ..."
+std::string bytes(const char *label, int first, int count) {
+    std::string text = label;
     for (int i = first; i < first + count; ++i)
-        text += (i == first ? "" : " ") + std::string(1, "0123456789abcdef"[i / 16]) + "0123456789abcdef"[i % 16];
+        text += {' ', "01"[i / 16], "0123456789abcdef"[i % 16]};
     return text + "\n";
 }
 
-const std::string kHtCap = "Tag:45 Len:26 - HT Capabilities\n  Head: " + bytes(1, 16) + "  Tail: " + bytes(17, 10);
-const std::string kHtInfo = "Tag:61 Len:22 - HT Information\n  Head: " + bytes(1, 16) + "  Tail: " + bytes(17, 6);
-const std::string kVhtCap = "Tag:191 Len:12 - VHT\n" + bytes(1, 12);
-const std::string kVhtOp = "Tag:192 Len:5 - VHT\n" + bytes(1, 5);
+const std::string kElements = "Tag:45 Len:26 - HT Capabilities\n" + bytes("A:", 1, 16) + bytes("B:", 17, 10) +
+                              "Tag:61 Len:22 - HT Information\n" + bytes("A:", 1, 16) + bytes("B:", 17, 6) +
+                              "Tag:191 Len:12 - VHT\n" + bytes("", 1, 12) + "Tag:192 Len:5 - VHT\n" + bytes("", 1, 5);
 
 } // namespace
 
 TEST_F(StatusInterface, BeaconElementsAreCopied) {
-    platform.answer("wlctl -i wl1.2 beacon_info", "Capabilities: 0x0431\n" + kHtCap + kHtInfo + kVhtCap + kVhtOp);
+    platform.answer("wlctl -i wl1.2 beacon_info", "Capabilities: 0x0431\n" + kElements);
     WlIntfInfo info;
     memset(&info, 0xA0, sizeof info);
     WlIntfInfo expected = info;
@@ -196,15 +182,8 @@ TEST_F(StatusInterface, BeaconElementsAreCopied) {
 }
 
 TEST_F(StatusInterface, BeaconLinesThatDoNotFitLeaveTheirFields) {
-    struct Fields {
-        uint8_t flags;
-        uint32_t capabilities;
-        uint8_t htId, htLen, ht0, ht16, vhtId;
-    };
-    const struct {
-        std::string report;
-        Fields read; // over a record of sevens
-    } rows[] = {
+    // Flags, capability word, HT number, length and first byte of each line, VHT number; over a record of sevens.
+    const std::pair<std::string, std::vector<uint32_t>> rows[] = {
         {"Capabilities: 0x04310000\n", {0, 0x431, 7, 7, 7, 7, 7}},
         {"Capabilities: 0xffff\n", {0, 0xffff, 7, 7, 7, 7, 7}},
         {"Capabilities: 0x10000\n", {0, 1, 7, 7, 7, 7, 7}},
@@ -219,22 +198,16 @@ TEST_F(StatusInterface, BeaconLinesThatDoNotFitLeaveTheirFields) {
         {"Tag:191 \n", {4, 7, 7, 7, 7, 7, 191}},
         {"Tag:192\n", {4, 7, 7, 7, 7, 7, 7}},
     };
-    for (const auto &row : rows) {
-        platform.answer("wlctl -i wl0 beacon_info", row.report);
+    for (const auto &[report, fields] : rows) {
+        platform.answer("wlctl -i wl0 beacon_info", report);
         WlIntfInfo info;
         memset(&info, 7, sizeof info);
         info.ieFlags = 0;
         info.capabilities = 7;
         EXPECT_EQ(0, qvbrcm_GetGenIntfInfo("wl0", 0, &info));
-        const Fields read = {info.ieFlags,  info.capabilities, info.htCapId, info.htCapLen,
-                             info.htCap[0], info.htCap[16],    info.vhtCapId};
-        EXPECT_EQ(row.read.flags, read.flags) << row.report;
-        EXPECT_EQ(row.read.capabilities, read.capabilities) << row.report;
-        EXPECT_EQ(row.read.htId, read.htId) << row.report;
-        EXPECT_EQ(row.read.htLen, read.htLen) << row.report;
-        EXPECT_EQ(row.read.ht0, read.ht0) << row.report;
-        EXPECT_EQ(row.read.ht16, read.ht16) << row.report;
-        EXPECT_EQ(row.read.vhtId, read.vhtId) << row.report;
+        EXPECT_EQ(fields, (std::vector<uint32_t>{info.ieFlags, info.capabilities, info.htCapId, info.htCapLen,
+                                                 info.htCap[0], info.htCap[16], info.vhtCapId}))
+            << report;
     }
 }
 

@@ -6,44 +6,25 @@
 class StatusRates : public PlatformTest {};
 
 TEST_F(StatusRates, HighestRateByPhy) {
-    const auto mcs = [](const char *range) { return std::string("Mode\n Supported HT MCS : ") + range + "\n"; };
-    const auto nss = [](int count) {
-        std::string report = "VHT\n";
-        for (int i = 1; i <= count; ++i)
-            report += "NSS" + std::to_string(i) + " Tx: 0-9\n";
-        return report;
+    const std::string mcs = "Mode\n Supported HT MCS : ";
+    const std::pair<const char *, int> ht[] = {
+        {"0-6", 0},    {"0-7", 150}, {"0-14", 150}, {"0-15", 300}, {"0-22", 300},       {"0-23", 450},
+        {"0-30", 450}, {"0-31", 0},  {"15", 0},     {"0--8", 0},   {"0-2147483647", 0},
     };
-    const struct {
-        const char *phy;
-        std::string report;
-        int mbps;
-    } rows[] = {
-        {"n", mcs("0-7"), 150},
-        {"n", mcs("0-15"), 300},
-        {"n", mcs("0-23"), 450},
-        {"n", mcs("0-6"), 0},
-        {"n", mcs("0-14"), 150},
-        {"n", mcs("0-30"), 450},
-        {"n", mcs("0-31"), 0},
-        {"n", mcs("15"), 0},
-        {"n", mcs("0--8"), 0},
-        {"n", "NSS1\n", 0},
-        {"n", mcs("0-2147483647"), 0},
-        {" n x", mcs("0-7") + mcs("0-15"), 150},
-        {"v", nss(0), 0},
-        {"v", nss(1), 433},
-        {"v", nss(2), 867},
-        {"v", nss(3), 1300},
-        {"v", nss(4), 1733},
-        {"v", nss(5), 0},
-        {"g", mcs("0-15"), 0},
-        {"", mcs("0-15"), 0},
-        {"nv", nss(4), 0},
-        {"n", std::string(90, ' ') + "Supported HT MCS : 0-15", 0}, // cut in pieces of 99
-    };
-    for (const auto &row : rows) {
-        platform.answer("wlctl -i wl0 status", row.report);
-        EXPECT_EQ(row.mbps, qvWlanGetMaxBitRate(Arg("wl0", row.phy))) << row.phy << ": " << row.report;
+    for (const auto &[range, mbps] : ht) {
+        platform.answer("wlctl -i wl0 status", mcs + range);
+        EXPECT_EQ(mbps, qvWlanGetMaxBitRate(Arg("wl0", " n x"))) << range;
+    }
+    platform.answer("wlctl -i wl0 status",
+                    std::string(90, ' ') + (mcs.c_str() + 6) + "0-15"); // the words are cut in pieces
+    EXPECT_EQ(0, qvWlanGetMaxBitRate(Arg("wl0", "n")));
+    std::string nss = "VHT\n";
+    for (const int mbps : {0, 433, 867, 1300, 1733, 0}) {
+        platform.answer("wlctl -i wl0 status", nss);
+        EXPECT_EQ(mbps, qvWlanGetMaxBitRate(Arg("wl0", "v"))) << nss;
+        for (const char *other : {"n", "g", "", "nv"})
+            EXPECT_EQ(0, qvWlanGetMaxBitRate(Arg("wl0", other))) << other;
+        nss += "NSS Tx: 0-9\n";
     }
     EXPECT_EQ("run wlctl -i wl0 status > /tmp/wl0_status", platform.journal[0]);
     EXPECT_EQ("cmd = wlctl -i wl0 status > /tmp/wl0_status\n", platform.logged(WLBRCM_LOG_DEBUG)[0]);

@@ -230,14 +230,11 @@ TEST_F(StatusStations, BandOfAnInterfaceAndHighestRate) {
     EXPECT_EQ("pipe wlctl -i wl0 band", platform.journal[0]);
     EXPECT_EQ(6U, platform.journal.size());
 
-    const std::pair<const char *, int> rates[] = {{nullptr, -1},     {"", -1},
-                                                  {"[ ]", -1},       {" [ 1(b) 2(b) 5.5 6 9 11 ]", 11},
-                                                  {"[ 54 11 ]", 54}, {"5.9", 5},
-                                                  {"0", 0},          {"-7", 7},
-                                                  {"5.5.6 .7", 7},   {"2147483647", INT_MAX},
-                                                  {"1e99", INT_MAX}, {"999999999999999999999999", INT_MAX},
-                                                  {"11", 11},        {"12", 12},
-                                                  {"1 2", 2},        {"1x9", 9}};
+    const std::pair<const char *, int> rates[] = {
+        {nullptr, -1}, {"", -1},   {"[ ]", -1},     {"[ 1(b) 5.5 11 ]", 11}, {"[ 54 11 ]", 54},       {"5.9", 5},
+        {"0", 0},      {"-7", 7},  {"5.5.6 .7", 7}, {"2147483647", INT_MAX}, {"2147483648", INT_MAX}, {"1e99", INT_MAX},
+        {"12", 12},    {"1 2", 2}, {"1x9", 9},
+    };
     for (const auto &[text, highest] : rates)
         EXPECT_EQ(highest, getMaxRateSet(text)) << (text != nullptr ? text : "null");
 }
