@@ -37,6 +37,12 @@ WlScanAp one(const std::string &pieces) {
     return aps.empty() ? WlScanAp{} : aps[0];
 }
 
+// Two lines of one rate each that make a list of this length.
+std::string ratesOfLength(size_t length) {
+    const std::string first(200, '1'), second(length - first.size() - 1, '1');
+    return "Supported Rates: [ " + first + " ]\nSupported Rates: [ " + second + " ]\n";
+}
+
 template <size_t Size> bool ends(const char (&field)[Size]) { return strnlen(field, Size) < Size; }
 
 // What holds for every record, whatever the report was.
@@ -170,9 +176,9 @@ TEST(AccessPoints, Pieces) {
 
 TEST(AccessPoints, StateBelongsToOneRecord) {
     const Aps aps = read("RSSI: -1\nMode: Managed\nSSID\nSSID: \"a\"\nHT Capable\nVHT Capable\nChannel: 5\n"
-                         "Supported Rates: [ 54 ]\nSSID: \"b\"\nSSID: \"c\"\nRSSI: -3\n",
-                         2);
-    ASSERT_EQ(2U, aps.size());
+                         "Supported Rates: [ 54 ]\nSSID: \"b\"\nSSID: \"c\"\nChanspec: 5GHz\nSSID: \"d\"\nRSSI: -3\n",
+                         3);
+    ASSERT_EQ(3U, aps.size());
     EXPECT_EQ(0, aps[0].rssi);
     EXPECT_EQ(0, aps[0].mode);
     EXPECT_EQ(5, aps[0].channel);
@@ -180,7 +186,8 @@ TEST(AccessPoints, StateBelongsToOneRecord) {
     EXPECT_STREQ("b", aps[1].ssid);
     EXPECT_EQ(0, aps[1].channel);
     EXPECT_EQ(1, aps[1].phyModes);
-    EXPECT_EQ(0, aps[1].rssi); // -3 belongs to the surplus one
+    EXPECT_EQ(4, aps[2].phyModes);
+    EXPECT_EQ(0, aps[2].rssi); // -3 belongs to the surplus one
 }
 
 TEST(AccessPoints, LegacyRates) {
@@ -203,13 +210,9 @@ TEST(AccessPoints, LegacyRates) {
         EXPECT_STREQ(row.basic, ap.basicRates) << row.value;
         EXPECT_STREQ(row.supported, ap.supportedRates) << row.value;
     }
-    std::string many;
-    for (int i = 0; i < 200; ++i)
-        many += "Supported Rates: [ 12(b) 9 ]\n";
-    const WlScanAp ap = one(many);
-    EXPECT_EQ(254U, strlen(ap.supportedRates)); // whole rates only: "12,9" of 5 and 4 times 50, then ",12"
-    EXPECT_LE(strlen(ap.basicRates), 255U);
-    EXPECT_TRUE(ends(ap.basicRates));
+    // Two lines add up; a rate that would pass 255 characters is left out whole.
+    EXPECT_EQ(255U, strlen(one(ratesOfLength(255)).supportedRates));
+    EXPECT_EQ(200U, strlen(one(ratesOfLength(256)).supportedRates));
 }
 
 TEST(AccessPoints, McsRatesByWidthAndStreams) {
@@ -257,15 +260,12 @@ TEST(AccessPoints, RateListsEndAt255Characters) {
         EXPECT_EQ(std::string(row.used, '9') + row.added, list) << row.used << " + " << row.rates;
     }
     // Further streams are only looked at below 251 characters; the first one always is.
-    for (const size_t length : {250U, 251U}) {
-        std::string rates = "Supported Rates: [";
-        for (size_t used = 0; used + 4 < length; used += 4)
-            rates += " 100";
-        rates += " " + std::string(length % 4 == 0 ? 4 : length % 4, '1') + " ]\n";
-        const size_t before = strlen(one(rates).supportedRates);
-        EXPECT_EQ(before<251, strlen(one(rates + "NSS2 Tx: 0").supportedRates)> before) << before;
-        EXPECT_LT(before, strlen(one(rates + "NSS1 Tx: 0").supportedRates));
-    }
+    const auto lengthWith = [](size_t length, const char *piece) {
+        return strlen(one(ratesOfLength(length) + piece).supportedRates);
+    };
+    EXPECT_EQ(251U, lengthWith(250, "NSS2 Tx: 0"));
+    EXPECT_EQ(251U, lengthWith(251, "NSS2 Tx: 0"));
+    EXPECT_EQ(252U, lengthWith(251, "NSS1 Tx: 0"));
 }
 
 TEST(AccessPoints, Names) {
