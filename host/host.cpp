@@ -41,6 +41,7 @@ LanRecords::LanRecords(const Config &config) {
             members_.back().push_back({});
             copyText(members_.back().back().ifName, name);
         }
+        asked_.push_back(std::string(fields.name) + " " + fields.hwaddr + " " + joined(lanMembers(config, fields)));
         WlLanGroup group{};
         copyText(group.name, fields.name);
         copyText(group.hwaddr, fields.hwaddr[0] ? fields.hwaddr : systemAddress(fields.name));

@@ -21,12 +21,14 @@ class LanRecords {
 
     const WlLanCfg *get() const { return &lan_; }
     json describe() const;
-    bool sameAs(const LanRecords &other) const { return describe() == other.describe(); }
+    /// Whether the configuration asks for the same; the addresses that the system gave meanwhile do not count.
+    bool sameAs(const LanRecords &other) const { return asked_ == other.asked_; }
 
   private:
     std::vector<std::vector<WlLanMember>> members_;
     std::vector<WlLanGroup> groups_;
     WlLanCfg lan_{};
+    std::vector<std::string> asked_;
 };
 
 class Host {

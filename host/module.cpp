@@ -79,7 +79,7 @@ std::string libraryName(const std::string &option) {
 Module &loadModule(const std::string &library) {
     void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (!handle)
-        throw Failure(kEnvironment, library, dlerror(), "name the module with --library or WLHOST_LIBRARY");
+        throw Failure(kEnvironment, "module", dlerror(), "name the module with --library or WLHOST_LIBRARY");
     auto *init = symbol<decltype(wlModuleInit)>(handle, "wlModuleInit");
     if (!init)
         throw Failure(kEnvironment, library, "has no wlModuleInit", "this library is no module");

@@ -44,6 +44,7 @@ FILE *takeStdout() {
     FILE *stream = own < 0 ? nullptr : fdopen(own, "w");
     if (!stream || dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
         throw Failure(kEnvironment, "stdout", std::strerror(errno));
+    setvbuf(stdout, nullptr, _IOLBF, 0); // in order with the log
     return stream;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -61,9 +62,13 @@ std::string configBinding(const std::string &config) {
 void runInGateway(const RunOptions &options, const std::string &logLevel) {
     std::string config = realPath(options.config), self = realPath("/proc/self/exe");
     std::string shared = shareSocket(options.socket);
+    std::string run = shared + "/run";
+    std::fprintf(stderr, "wlhost: enter this gateway with: %s enter --run %s -- sh\n", launcher().c_str(), run.c_str());
     std::vector<std::string> words = {launcher(),
                                       "--build",
                                       folderOf(folderOf(self)),
+                                      "--run",
+                                      run,
                                       "--bind",
                                       configBinding(config),
                                       "--bind",
