@@ -20,9 +20,7 @@ enum : size_t {
     kIfnameSize = 16
 };
 
-uint16_t bigEndian16(const uint8_t *bytes) {
-    return static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
-}
+uint16_t bigEndian16(const uint8_t *bytes) { return static_cast<uint16_t>(bytes[0] << 8 | bytes[1]); }
 
 uint32_t bigEndian32(const uint8_t *bytes) {
     return static_cast<uint32_t>(bigEndian16(bytes)) << 16 | bigEndian16(bytes + 2);

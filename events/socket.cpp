@@ -66,9 +66,7 @@ void logEvent(Here here, const DriverEvent &event) {
                   event.reason, event.authType, mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
 }
 
-bool joins(int32_t code) {
-    return code == WLBRCM_EVENT_ASSOCIATED || code == WLBRCM_EVENT_REASSOCIATED;
-}
+bool joins(int32_t code) { return code == WLBRCM_EVENT_ASSOCIATED || code == WLBRCM_EVENT_REASSOCIATED; }
 
 // Completes the record of a station that joined with what the driver knows of it.
 void describeStation(Here here, const DriverEvent &event, WlEvent *record) {
