@@ -10,8 +10,10 @@
 #include <net/if.h>
 #include <pthread.h>
 #include <sched.h>
+#include <set>
 #include <sys/ioctl.h>
 #include <sys/select.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,9 +24,7 @@ namespace {
 
 FakePlatform *current = nullptr;
 
-bool startsWith(const std::string &text, const std::string &start) {
-    return text.compare(0, start.size(), start) == 0;
-}
+bool startsWith(const std::string &text, const std::string &start) { return text.compare(0, start.size(), start) == 0; }
 
 std::string format(const char *text, ...) __attribute__((format(printf, 1, 2)));
 std::string format(const char *text, ...) {
@@ -36,13 +36,9 @@ std::string format(const char *text, ...) {
     return buffer;
 }
 
-void record(const std::string &entry) {
-    current->journal.push_back(entry);
-}
+void record(const std::string &entry) { current->journal.push_back(entry); }
 
-bool fails(const std::string &call) {
-    return current != nullptr && current->failing.count(call) != 0;
-}
+bool fails(const std::string &call) { return current != nullptr && current->failing.count(call) != 0; }
 
 void recordLog(int level, const char *module, const char *function, int line, const char *text, ...) {
     EXPECT_STREQ("BRCM", module);
@@ -133,6 +129,7 @@ bool isOurs(const char *path) {
 
 std::map<FILE *, int> pipes; // open pipe -> exit status of its command
 std::map<int, std::string> openDevices;
+std::set<int> openSockets; // the module keeps its event sockets for the life of the process; a test must not
 constexpr int kFirstDevice = 9000;
 
 struct Processes {
@@ -160,6 +157,7 @@ int __real_remove(const char *path);
 int __real_unlink(const char *path);
 int __real_open(const char *path, int flags, ...);
 int __real_close(int fd);
+int __real_socket(int domain, int type, int protocol);
 int __real_ioctl(int fd, unsigned long request, ...);
 DIR *__real_opendir(const char *path);
 dirent *__real_readdir(DIR *dir);
@@ -241,9 +239,7 @@ int __wrap_remove(const char *path) {
     return current->files.erase(path) == 1 ? 0 : -1;
 }
 
-int __wrap_unlink(const char *path) {
-    return isOurs(path) ? __wrap_remove(path) : __real_unlink(path);
-}
+int __wrap_unlink(const char *path) { return isOurs(path) ? __wrap_remove(path) : __real_unlink(path); }
 
 int __wrap_chmod(const char *path, mode_t mode) {
     record(format("chmod %o %s", static_cast<unsigned>(mode), path));
@@ -267,7 +263,15 @@ int __wrap_open(const char *path, int flags, ...) {
     return fd;
 }
 
+int __wrap_socket(int domain, int type, int protocol) {
+    const int fd = __real_socket(domain, type, protocol);
+    if (fd >= 0 && current != nullptr)
+        openSockets.insert(fd);
+    return fd;
+}
+
 int __wrap_close(int fd) {
+    openSockets.erase(fd);
     return openDevices.erase(fd) == 1 ? 0 : __real_close(fd);
 }
 
@@ -388,19 +392,18 @@ FakePlatform::FakePlatform() {
 FakePlatform::~FakePlatform() {
     brcm_print_fn = nullptr;
     current = nullptr;
+    for (const int fd : openSockets)
+        __real_close(fd);
+    openSockets.clear();
 }
 
 void FakePlatform::answer(const std::string &start, const std::string &output, int status) {
     answers_[start] = {output, status};
 }
 
-void FakePlatform::loseOutput(const std::string &start) {
-    answers_[start].lost = true;
-}
+void FakePlatform::loseOutput(const std::string &start) { answers_[start].lost = true; }
 
-void FakePlatform::failPipe(const std::string &start) {
-    answers_[start].noPipe = true;
-}
+void FakePlatform::failPipe(const std::string &start) { answers_[start].noPipe = true; }
 
 const FakePlatform::Answer &FakePlatform::find(const std::string &command) const {
     static const Answer none;
@@ -474,9 +477,7 @@ PlatformTest::PlatformTest() {
     enable_fenra_evt = 0;
 }
 
-void PlatformTest::TearDown() {
-    EXPECT_EQ(Lines{}, platform.leftFiles());
-}
+void PlatformTest::TearDown() { EXPECT_EQ(Lines{}, platform.leftFiles()); }
 
 Arg::Arg(std::string prefix_, std::string value_, std::string aux_, int index, void *result)
     : prefix(std::move(prefix_)),
