@@ -166,7 +166,12 @@ TEST_F(BringUpSequence, ReloadAnnouncesInsteadOfWritingLanVariables) {
     }
 }
 
+// Its fixed 40 MHz channel is not in the driver's list, so it also falls back to automatic selection.
 TEST_F(BringUpSequence, BareRadioThatIsOff) {
+    radio.band = WLBRCM_BAND_2G;
+    radio.bandwidth = 40;
+    radio.sideband = 1;
+    radio.channel = 36;
     EXPECT_EQ(0, qvbrcm_SetupWlan(&radio, bss, &caps));
     const Lines tail = {"set wl0_maxassoc=0", "run /bin/lld2d ", "run /bin/eapd", "run /bin/nas"};
     ASSERT_GT(platform.journal.size(), tail.size());
@@ -174,6 +179,8 @@ TEST_F(BringUpSequence, BareRadioThatIsOff) {
     EXPECT_EQ(Lines{"set wl0_wme=off"}, platform.did("set wl0_wme"));
     for (const char *absent : {"ampdu", "amsdu", "lazywds", "wds", "mode", "rxchain", "radio_pwrsave", "txbf"})
         EXPECT_EQ(Lines{}, platform.did(std::string("set wl0_") + absent)) << absent;
+    EXPECT_EQ(Lines({"set wl0_channel=0", "set wl0_chanspec=0"}), platform.did("set wl0_chan"));
+    EXPECT_EQ(Lines{"unset acs_mode"}, platform.did("unset acs_mode"));
     EXPECT_FALSE(ran("wlconf"));
     EXPECT_EQ(Lines{}, platform.did("priority"));
 }
@@ -186,7 +193,9 @@ TEST_F(BringUpSequence, VariantsOfTheRichRadio) {
     bss[0].main = 0;
     setField(bss[0].macFilterMode, "bogus");
     bss[1].defaultKeyId = 5;
+    lans.count = 0;
     qvbrcm_InitWlan(intf, &lans);
+    EXPECT_EQ("br9", platform.nvram["lan1_ifname"]);
     EXPECT_EQ(Lines{"set wl0_wme=off"}, platform.did("set wl0_wme"));
     EXPECT_EQ(Lines{"set wl0_atf=0"}, platform.did("set wl0_atf"));
     EXPECT_EQ(Lines{"set wl0_txbf_bfr_cap=1"}, platform.did("set wl0_txbf_bfr"));

@@ -294,6 +294,11 @@ TEST_F(BringUpServices, AddressAtRunTime) {
     EXPECT_EQ(Lines{"run ifconfig wl0 hw ether 00:0a:ff:10:01:b2"}, platform.journal);
     EXPECT_TRUE(wasLogged(64, "change wl0 MAC address, macaddr = 00:0a:ff:10:01:b2\n"));
     EXPECT_EQ(0, memcmp(mac, intf->macAddr, sizeof mac));
+    setField(intf->intfName, "wl0;x");
+    intf->macAddr[0] = 0x02;
+    EXPECT_EQ(-5, qvbrcm_SetWlanMacAddr(intf, mac));
+    EXPECT_EQ(0x02, intf->macAddr[0]);
+    EXPECT_EQ(1U, platform.journal.size());
 
     useEntries(2);
     setField(bss[0].macText, "00:10:18:AA:BB:CE");
