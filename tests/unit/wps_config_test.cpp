@@ -96,7 +96,8 @@ TEST_F(WpsConfig, ABareDeviceGetsDefaults) {
                                                                        {"wl0_wps_mode", "disabled"},
                                                                        {"wl0.5_wps_mode", "disabled"}})
         EXPECT_EQ(value, platform.nvram[key]) << key;
-    EXPECT_EQ(0U, platform.nvram.count("wps_modeldes") + platform.nvram.count("wl0_wps_oob"));
+    EXPECT_EQ(Lines{}, platform.did("unset wps_modeldes"));
+    EXPECT_EQ(Lines{}, platform.did("set wl0_wps_oob"));
     EXPECT_EQ(WLBRCM_EINVAL, qvWlanWscInit(nullptr, intf->bss));
     EXPECT_EQ(WLBRCM_EINVAL, qvWlanWscInit(&intf->radio, nullptr));
 }
@@ -137,7 +138,9 @@ TEST_F(WpsConfig, LanGroupsAreOutOfTheBoxWhileOneRadioIs) {
     };
     for (const auto &row : rows) {
         const std::string group = row.group;
-        platform.nvram = {{group + "ifnames", row.ifnames}};
+        // Neither a virtual BSS nor another kind of interface counts.
+        platform.nvram = {
+            {group + "ifnames", row.ifnames}, {"wl0.1_wps_config_state", "0"}, {"xwl0_wps_config_state", "0"}};
         intf->radio.bssCount = 0; // leaves the states alone
         if (row.first != nullptr)
             platform.nvram["wl0_wps_config_state"] = row.first;
