@@ -63,7 +63,7 @@ int nvram_match(const char *key, const char *value) {
 
 std::string_view wlbrcm::nvramText(const char *key) {
     const char *stored = nvram_get(key);
-    return stored != nullptr ? std::string_view(stored) : std::string_view();
+    return stored != nullptr ? stored : "";
 }
 
 int wlbrcm::writeInt(Here here, const Key &key, int value) { return write(here, key, &value, "int"); }

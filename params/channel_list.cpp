@@ -97,7 +97,7 @@ void readListing(FILE *listing, const ListingRequest &request, ChannelListWriter
 bool isCountryText(std::string_view text) {
     for (const char c : text) {
         const bool isLetter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-        if (!isLetter && !(c >= '0' && c <= '9') && memchr("/#._-", c, 5) == nullptr)
+        if (!isLetter && !(c >= '0' && c <= '9') && !contains("/#._-", {&c, 1}))
             return false;
     }
     return true;

@@ -43,7 +43,7 @@ int qvWlanGetScanApResults(WlanParamArg *arg) {
         reader.readLine(line);
     const int count = reader.finish();
     memcpy(arg->aux, &count, sizeof count);
-    memcpy(arg->result, &aps, sizeof aps);
+    *static_cast<WlScanAp **>(arg->result) = aps;
     return WLBRCM_OK;
 }
 

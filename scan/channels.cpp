@@ -60,7 +60,8 @@ bool isComplete(const WlanParamArg *arg) {
            arg->result != nullptr;
 }
 
-int dumpChannels(WlIntf *intf, WlChanScanInfo **channels, int *count) {
+// The argument record keeps `count` behind a text pointer.
+int dumpChannels(WlIntf *intf, WlChanScanInfo **channels, int *count) { // NOLINT(readability-non-const-parameter)
     int band = intf->radio.band;
     WlanParamArg arg = {intf->radio.ifName, reinterpret_cast<char *>(&band), reinterpret_cast<char *>(count), channels,
                         intf->radio.radioIndex - 1};
@@ -132,7 +133,7 @@ int qvWlanDumpCSRes(WlanParamArg *arg) {
     if (channels == nullptr)
         return WLBRCM_EFAILED;
     memcpy(arg->aux, &count, sizeof count);
-    memcpy(arg->result, &channels, sizeof channels);
+    *static_cast<WlChanScanInfo **>(arg->result) = channels;
     return WLBRCM_OK;
 }
 

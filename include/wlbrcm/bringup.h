@@ -37,7 +37,7 @@ WLBRCM_API void qvbrcm_ChannelSwitchAnnounce(WlRadioCfg *radio, WlSsidCfg *bss);
 WLBRCM_API int qvbrcm_WPSUpdateConfg(WlIntf *intf, uint8_t *changed);
 
 /** Operation: sets the address of the radio's interface and `intf->macAddr`; does nothing when it has that address.
- * @return 0; -5 for a null argument. */
+ * @return 0; -5 for a null argument or an `intfName` that is no interface name. */
 WLBRCM_API int qvbrcm_SetWlanMacAddr(WlIntf *intf, const uint8_t mac[6]);
 
 /** Operation: switches a preset SSID on (non-zero) or off, at once and in the radio's vifs list.
@@ -90,7 +90,7 @@ WLBRCM_API int prctl_getPidByName(const char *name);
 WLBRCM_API int qvWlanFinishSetup(WlRadioCfg *radio, WlSsidCfg *bss);
 /** Writes the variables of the channel selection daemon and starts it. `bss` is not used. */
 WLBRCM_API void qvWlanStartAcsd(WlRadioCfg *radio, WlSsidCfg *bss);
-/** Gives the driver threads of a radio round-robin real-time priority 5. @return 0. */
+/** Gives the driver threads of a radio round-robin real-time priority 5. @return 0; -14 for a null name. */
 WLBRCM_API int qvWlanSetPriority(const char *ifname);
 /** Process id of the kernel worker of the CPU that the driver names for an interface, or -1. */
 WLBRCM_API int get_event_pid(const char *ifname);

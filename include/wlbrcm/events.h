@@ -46,7 +46,7 @@ extern WLBRCM_API int fenra_rpe_sock;       /**< forwarding socket; 0 before set
 /** Operation: switches forwarding by the low 8 bits of `enable`. @return 0. */
 WLBRCM_API int qvbrcm_EnableFenraEvt(int enable);
 /** Sends one event message to the steering agent (127.0.0.1:13727). @return 0 after an attempt; -5 for a negative
- * socket. */
+ * socket; -14 for a null message or a negative length. */
 WLBRCM_API int send_bcmevt_to_Fenra_RPE(int sock, const void *message, int length);
 /** Operation: deauthenticates a station. @return 0; -14 for a bad name or address. */
 WLBRCM_API int qvbrcm_DisassociateSTA(const char *ifname, const char *mac);

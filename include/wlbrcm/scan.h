@@ -77,7 +77,7 @@ WLBRCM_API int qvWlanGetScanApResults(WlanParamArg *arg);
 /** The same for a radio record. @return 0; -5 without results; -14 for a null argument. */
 WLBRCM_API int qvbrcm_GetChanScanApRpt(WlIntf *intf, WlScanAp **aps, int *count);
 /** Decodes the driver's "\xNN" escapes in place; a backslash of another kind is doubled, so give a buffer of twice the
- * text's length plus one, 254 bytes at most. @return `text`. */
+ * text's length plus one, 255 bytes at most. @return `text`. */
 WLBRCM_API char *formatSSID(char *text);
 
 #ifdef __cplusplus
