@@ -2,6 +2,7 @@
 #include "fake_platform.h"
 
 #include "module/rates.h"
+#include "status/readers.h"
 
 class StatusRates : public PlatformTest {};
 
@@ -89,6 +90,21 @@ TEST_F(StatusRates, CurrentRateByRateSetAndWidth) {
     platform.answer("wlctl -i wl0 2g_rate", "auto");
     qvWlanRateUpdate(Arg("wl0", "2.4GHz 0", "", 0, text));
     EXPECT_EQ("run wlctl -i wl0 rateset > /tmp/wl0_rate", platform.journal.back());
+}
+
+TEST_F(StatusRates, RatesAreRoundedToTheNearestKbit) {
+    const struct {
+        wlbrcm::RateSet set;
+        uint32_t bandwidth, kbps;
+        bool good;
+    } rows[] = {{{0, 1}, 20, 7222, true}, {{2, 1}, 20, 21667, true}, {{11, 8}, 160, 8666667, true},
+                {{11, 9}, 160, 0, true},  {{0, -1}, 20, 0, true},    {{0, 1}, 30, 0, true},
+                {{12, 1}, 20, 0, false},  {{-1, 1}, 20, 0, false}};
+    for (const auto &row : rows) {
+        uint32_t kbps = 7;
+        EXPECT_EQ(row.good, wlbrcm::phyRate(row.set, row.bandwidth, &kbps));
+        EXPECT_EQ(row.kbps, kbps) << row.set.mcs << " of " << row.set.streams << " at " << row.bandwidth;
+    }
 }
 
 TEST_F(StatusRates, CurrentRateReportsAnImpossibleMcs) {

@@ -80,11 +80,15 @@ TEST_F(StatusStations, OneEntryAndEntriesThatDoNotExist) {
 TEST_F(StatusStations, NoStationGivesNoList) {
     const Lines removal{"run rm -f /tmp/.assoclist_result_*"};
     const struct {
-        const char *report;
+        std::string report;
         bool lost;
         int count;
         bool removed;
-    } rows[] = {{"", false, 0, true}, {"", true, 0, true}, {"no\nstations\n", false, 2, false}};
+    } rows[] = {{"", false, 0, true},
+                {"", true, 0, true},
+                {"no\nstations\n", false, 2, false},
+                {std::string(97, 'x') + "\n", false, 1, false},
+                {std::string(98, 'x') + "\n", false, 2, false}};
     for (const auto &row : rows) {
         platform.forget();
         platform.answer("wlctl -i wl0 assoclist", row.report);
@@ -164,6 +168,7 @@ TEST_F(StatusStations, ReportsDecideModeAndWidth) {
         {"flags 0x3b:\nrateset [ 1(b) 2(b) 5.5 11 ]:\n", "b", 1, 20, 1},
         {"flags 0x3b:\nrateset [ 1(b) 2(b) 12 ]:\n", "b", 2, 20, 1},
         {"flags 0x3b:\n", "b", 1, 20, 1},
+        {"flags 0x3b:\nrateset54:\n", "b", 1, 20, 1}, // the text starts behind a separator
         {"flags 0x13:\nrateset [ 54 ]:\n", "1", 4, 20, 0},
         {"flags 0x13:\nrateset [ 54 ]:\n", "1\n", 2, 20, 0}, // the answer is compared as it is
         {"flags 0x13:\nrateset [ 54 ]\n", "b", 1, 20, 0},    // no key without a colon
@@ -190,7 +195,7 @@ TEST_F(StatusStations, ReportsDecideModeAndWidth) {
 TEST_F(StatusStations, ModesRssiAndCutValues) {
     const auto rate = [this](const std::string &value) { return read("rate of last tx pkt:" + value + "\n").txRate; };
     EXPECT_EQ(6000U, rate(" 6000"));
-    EXPECT_EQ(0U, rate(" - 6000 kbps"));
+    EXPECT_EQ(0U, rate(" -6000 kbps"));
     EXPECT_EQ(0U, rate("kbps 6000"));
     EXPECT_EQ(UINT32_MAX, rate(" 99999999999 kbps"));
 

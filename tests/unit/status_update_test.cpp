@@ -78,6 +78,7 @@ TEST_F(StatusUpdate, EveryItemHasItsValue) {
         EXPECT_EQ(value, text(name)) << name;
     for (const char *name : {"Noise ", " Noise", "noise", "", "CurChannels", "TrafficInfo", "_TrafficInfo"})
         EXPECT_EQ(nullptr, ask(name)) << name;
+    EXPECT_EQ(Lines{}, platform.logged(WLBRCM_LOG_ERR));
     platform.files.erase("/tmp/wl0DataTxRates.txt");
 }
 
