@@ -1,42 +1,13 @@
-// How the bring-up steps read a radio record: the entries in use, names that may be missing, lists of names.
+// Names of a radio record that may be missing, and lists of names.
 #ifndef WLBRCM_BRINGUP_ENTRIES_H
 #define WLBRCM_BRINGUP_ENTRIES_H
 
 #include <optional>
 
-#include <wlbrcm/radio.h>
-
 #include "module/names.h"
-#include "module/text.h"
+#include "module/record.h"
 
 namespace wlbrcm {
-
-// The BSS entries in use, never more than the record has.
-class EntriesInUse {
-  public:
-    EntriesInUse(const WlRadioCfg *radio, WlSsidCfg *bss) : first_(bss), count_(countOf(radio)) {}
-
-    static int countOf(const WlRadioCfg *radio) {
-        constexpr int kMost = WLBRCM_MAX_BSS;
-        return radio->bssCount < kMost ? radio->bssCount : kMost;
-    }
-    WlSsidCfg *begin() const { return first_; }
-    WlSsidCfg *end() const { return first_ + count_; }
-
-  private:
-    WlSsidCfg *first_;
-    int count_;
-};
-
-// A text field of a record as a terminated text, also when the field is not.
-template <size_t Size> class FieldCopy {
-  public:
-    explicit FieldCopy(const char (&field)[Size]) { copyText(text_, fieldText(field)); }
-    const char *c_str() const { return text_; }
-
-  private:
-    char text_[Size + 1];
-};
 
 // The name in a record for use in a command. A missing one is nothing to report; one that is no interface name was
 // logged. Either way the command is left out and the bring-up goes on.

@@ -39,7 +39,9 @@ VifList without(std::string_view list, std::string_view word) {
     const char *end = list.data() + list.size();
     if (after != end)
         ++after;
-    VifList shorter("%.*s%.*s", before, list.data(), static_cast<int>(end - after), after);
+    // Behind the last name stands the blank of the one before, which the store would cut off.
+    const int head = after == end && before > 0 ? before - 1 : before;
+    VifList shorter("%.*s%.*s", head, list.data(), static_cast<int>(end - after), after);
     if (isBlank(shorter.view()))
         shorter.cut(0);
     return shorter;

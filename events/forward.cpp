@@ -2,8 +2,8 @@
 #include <wlbrcm/events.h>
 
 #include "events/decode.h"
-#include "events/loopback.h"
 #include "module/command.h"
+#include "module/loopback.h"
 
 using namespace wlbrcm;
 
@@ -44,6 +44,10 @@ int qvbrcm_DisassociateSTA(const char *ifname, const char *mac) {
     const MacText station(WLBRCM_HERE, mac);
     if (!name || !station)
         return WLBRCM_EINVAL;
+    if (!isRadioInterface(name.c_str())) {
+        WLBRCM_LOG(LOG_ERR, "%s is no interface of a radio.\n", name.c_str());
+        return WLBRCM_EINVAL;
+    }
     runUnlogged(WLBRCM_HERE, "wlctl -i %s deauthenticate %s", name, station);
     return WLBRCM_OK;
 }

@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include "events/decode.h"
-#include "events/loopback.h"
 #include "module/log.h"
+#include "module/loopback.h"
 #include "module/nvram.h"
 
 using namespace wlbrcm;

@@ -25,13 +25,11 @@ int modeOf(const char *command) {
 
 constexpr size_t kLongestList = 1535;
 
-// Addresses with one blank between them and perhaps one behind the last.
+// Addresses separated by blanks.
 bool isMacList(std::string_view text) {
     if (text.size() > kLongestList)
         return false;
-    if (text.size() > 1 && text.back() == ' ')
-        text.remove_suffix(1);
-    Words words(text, ' ', true);
+    Words words(text);
     for (std::string_view word; words.next(&word);) {
         if (!isMacText(word))
             return false;
@@ -116,7 +114,7 @@ int qvWifiStaFilter(const char *ifname, const char *cmd, const char *list) {
     if (ifname == nullptr || cmd == nullptr)
         return WLBRCM_EFAILED;
     int mode = modeOf(cmd);
-    // Refused as a whole: a mode without its list would lock every station out, or let every one in.
+    // Refused as a whole: a mode with a part of its list would lock stations out, or let them in.
     const bool listUsed = mode != WLBRCM_FILTER_OFF && list != nullptr;
     if (!InterfaceName(WLBRCM_HERE, ifname) || (listUsed && !MacListText(WLBRCM_HERE, list)))
         return WLBRCM_EINVAL;

@@ -5,7 +5,7 @@
 
 #include "macfilter/pool.h"
 #include "module/log.h"
-#include "module/text.h"
+#include "module/record.h"
 
 using namespace wlbrcm;
 
@@ -68,13 +68,13 @@ void applyUserFilter(Here here, const WlSsidCfg &bss) {
     MacFilterRequest request = {};
     request.data.b_user_config = 1;
     copyText(request.data.intf_name, fieldText(bss.ifName));
-    request.data.cmd = static_cast<uint32_t>(qvbrcm_MacFilter_get_cmd(bss.macFilterMode));
+    request.data.cmd = static_cast<uint32_t>(qvbrcm_MacFilter_get_cmd(FieldCopy(bss.macFilterMode).c_str()));
     if (request.data.cmd == WLBRCM_FILTER_INVALID) {
         WLBRCM_LOG_AT(here, LOG_ERR, "fail to get cmd\n");
         return;
     }
     if (request.data.cmd != WLBRCM_FILTER_OFF)
-        request.mac_list = qvbrcm_MacFilter_mac_list_by_str(bss.macFilterList);
+        request.mac_list = qvbrcm_MacFilter_mac_list_by_str(FieldCopy(bss.macFilterList).c_str());
     setAndRelease(here, &request);
 }
 
@@ -145,11 +145,11 @@ int qvbrcm_StationFilter(WlIntf *intf, const char *objPath) {
     if (intf == nullptr || objPath == nullptr)
         return WLBRCM_EINVAL;
     WLBRCM_LOG(LOG_DEBUG, "objPath = %s\n", objPath);
-    for (int i = 0; i < intf->radio.bssCount && i < WLBRCM_MAX_BSS; ++i) {
-        const WlSsidCfg &bss = intf->bss[i];
+    for (const WlSsidCfg &bss : EntriesInUse(&intf->radio, intf->bss)) {
         if (fieldText(bss.objPath) != objPath)
             continue;
-        WLBRCM_LOG(LOG_DEBUG, "i = %d, ifname = %s\n", i, bss.ifName);
+        WLBRCM_LOG(LOG_DEBUG, "i = %d, ifname = %s\n", static_cast<int>(&bss - intf->bss),
+                   FieldCopy(bss.ifName).c_str());
         applyUserFilter(WLBRCM_HERE, bss);
     }
     return WLBRCM_OK;

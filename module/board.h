@@ -15,6 +15,8 @@ class BoardDevice {
     BoardDevice &operator=(const BoardDevice &) = delete;
 
     explicit operator bool() const { return descriptor_ >= 0; }
+    // Descriptor 0 is standard input's, which the board's driver library takes for a failure.
+    bool isPositive() const { return descriptor_ > 0; }
     // Returns the ioctl's result.
     int request(unsigned long code, void *block);
 

@@ -13,8 +13,8 @@ extern "C" {
 // Runs a shell command, logged as `function`. 0, WLBRCM_EFAILED, or WLBRCM_EINVAL for a null command.
 int __qvWlanSystemEx(const char *function, int line, const char *command);
 
-// Runs "wlctl -i <ifname> <args>" in-process, logged as `function`. 0, or WLBRCM_EINVAL for a null argument or a line
-// that does not fit 255 characters, which is then not run.
+// Runs "wlctl -i <ifname> <args>" in-process, logged as `function`. Always 0: the driver's answer is not known, and a
+// line that does not fit 255 characters is logged and not run.
 int __qvWlanCmdExec(const char *function, int line, const char *ifname, const char *args);
 
 } // extern "C"

@@ -39,14 +39,14 @@ int write(Here here, const Key &key, void *value, const char *type) {
 
 int __qvWlanSetVarToNvram(const char *function, int line, void *value, const char *key, const char *type) {
     const Here here{function, line};
-    if (value == nullptr || key == nullptr || type == nullptr)
+    const bool isInt = type != nullptr && strcmp(type, "int") == 0;
+    if (!isInt && (type == nullptr || strcmp(type, "string") != 0)) {
+        WLBRCM_LOG_AT(here, LOG_ERR, "type not found.\n");
         return WLBRCM_EINVAL;
-    if (strcmp(type, "int") == 0)
-        return storeInt(here, *static_cast<int *>(value), key);
-    if (strcmp(type, "string") == 0)
-        return storeText(here, static_cast<char *>(value), key);
-    WLBRCM_LOG_AT(here, LOG_ERR, "type not found.\n");
-    return WLBRCM_EINVAL;
+    }
+    if (value == nullptr || key == nullptr)
+        return WLBRCM_EINVAL;
+    return isInt ? storeInt(here, *static_cast<int *>(value), key) : storeText(here, static_cast<char *>(value), key);
 }
 
 int __qvWlanSetVarToNvram2(const char *function, int line, void *value, const char *prefix, const char *suffix,

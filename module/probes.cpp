@@ -195,7 +195,7 @@ void qvWlanGetGPIOverlays(WlRadioCfg *radio) {
     if (radio == nullptr)
         return;
     BoardDevice device(kBoardDevice);
-    if (!device)
+    if (!device.isPositive())
         return;
     int32_t answer = 0;
     BoardRequest request{&answer, nullptr, sizeof answer, 0, 0, -1};

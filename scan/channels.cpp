@@ -150,8 +150,6 @@ int qvbrcm_GetChanScanRpt(WlIntf *intf, WlChanScanInfo **channels, int *channelC
     int count = 0;
     WlChanScanInfo *list = nullptr;
     if (wantsChannels) {
-        *channels = nullptr;
-        *channelCount = 0;
         if (dumpChannels(intf, &list, &count) != WLBRCM_OK) {
             WLBRCM_LOG(LOG_ERR, "Error to dump scan channel result\n");
             return WLBRCM_EINVAL;
@@ -160,6 +158,10 @@ int qvbrcm_GetChanScanRpt(WlIntf *intf, WlChanScanInfo **channels, int *channelC
     if (wantsAps && qvbrcm_GetChanScanApRpt(intf, aps, apCount) != WLBRCM_OK) {
         WLBRCM_LOG(LOG_ERR, "Error to dump scan ap result\n");
         free(list);
+        if (wantsChannels) {
+            *channels = nullptr;
+            *channelCount = 0;
+        }
         return WLBRCM_EINVAL;
     }
     if (wantsChannels) {

@@ -41,8 +41,11 @@ template <auto Member> void readCaps(const Field &field, WlStaInfo * /*sta*/, St
 }
 
 void readRateSetText(const Field &field, WlStaInfo * /*sta*/, StationCaps *caps) {
+    // One separator follows the word: a blank of the key, or the colon in front of the value.
     std::string_view text = field.afterMark;
-    if (!text.empty())
+    if (text.empty())
+        text = field.value;
+    else
         text.remove_prefix(1);
     copyText(caps->rateSet, text);
 }

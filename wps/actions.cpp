@@ -111,9 +111,9 @@ void qvWlanStopWps(void) {
 }
 
 int qvbrcm_WPSHWPushButton(WlIntf **intfs, int count, const char *uuid) {
+    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intfs == nullptr)
         return WLBRCM_EINVAL;
-    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     const WlIntf *choice = nullptr;
     for (int i = 0; i < count; ++i) {
         if (takesHardwareButton(intfs[i]) && (choice == nullptr || intfs[i]->radio.band == WLBRCM_BAND_5G))
@@ -123,23 +123,23 @@ int qvbrcm_WPSHWPushButton(WlIntf **intfs, int count, const char *uuid) {
 }
 
 int qvbrcm_WPSSWPushButton(WlIntf *intf) {
+    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intf == nullptr)
         return WLBRCM_EINVAL;
-    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     return hasWps(*intf) ? qvWlanActionWpsCmd(intf->radio.ifName, kSoftwareButton, nullptr) : WLBRCM_OK;
 }
 
 int qvbrcm_WPSStartStaPin(WlIntf *intf, const char *pin) {
+    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intf == nullptr)
         return WLBRCM_EINVAL;
-    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     return hasWps(*intf) ? qvWlanActionWpsCmd(intf->radio.ifName, kStationPin, pin) : WLBRCM_OK;
 }
 
 int qvbrcm_WPSCancel(WlIntf *intf) {
+    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intf == nullptr)
         return WLBRCM_EINVAL;
-    WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (hasWps(*intf))
         qvWlanStopWps();
     return WLBRCM_OK;

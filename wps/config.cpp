@@ -5,6 +5,7 @@
 
 #include "module/command.h"
 #include "module/nvram.h"
+#include "module/record.h"
 
 // Provided by the host process. A program without it can load the library all the same.
 extern "C" int qvUtilStrReplace(char *text, const char *from, const char *to) __attribute__((weak));
@@ -50,27 +51,31 @@ template <size_t Count> void write(Here here, const Setting (&settings)[Count]) 
 // The radio's main BSS; the daemon serves no others.
 bool isMain(std::string_view ifname) { return !contains(ifname, "."); }
 
-int entriesInUse(const WlRadioCfg &radio) {
-    return radio.bssCount < int{WLBRCM_MAX_BSS} ? radio.bssCount : int{WLBRCM_MAX_BSS};
-}
-
 const char *devicePin(const WlSsidCfg &main) {
     const bool valid = fieldText(main.wpsDevicePin).size() == 8 && qvWlanWscPincheck(main.wpsDevicePin) == 0;
     return valid ? main.wpsDevicePin : WLBRCM_DEFAULT_DEVICE_PIN;
 }
 
-// The names go into an XML description of the device. Each of the 63 characters may become "&amp;".
-void escapeModelName(char (&name)[64]) {
-    char escaped[5 * sizeof name];
+constexpr size_t kModelNameSize = 64;
+
+// The names go into an XML description of the device. Each of the 63 characters may become "&amp;"; what then does not
+// fit is cut in front of an "&amp;", never inside one.
+void escapeModelName(char (&name)[kModelNameSize]) {
+    constexpr char kEscape[] = "&amp;";
+    char escaped[(sizeof kEscape - 1) * kModelNameSize];
     if (strchr(name, '&') == nullptr || qvUtilStrReplace == nullptr)
         return;
     copyText(escaped, name);
-    qvUtilStrReplace(escaped, "&", "&amp;");
-    copyText(name, escaped);
+    qvUtilStrReplace(escaped, "&", kEscape);
+    if (copyText(name, escaped))
+        return;
+    char *last = strrchr(name, '&');
+    if (last != nullptr && strlen(last) < sizeof kEscape - 1)
+        *last = '\0';
 }
 
 void writeModelName(Here here) {
-    char model[64];
+    char model[kModelNameSize];
     copyText(model, nvramText("DEV_MODELNAME"));
     if (model[0] == '\0') {
         write(here, "wps_modelname", "Broadcom");
@@ -78,9 +83,10 @@ void writeModelName(Here here) {
         return;
     }
     escapeModelName(model);
-    write(here, "wps_modelname", model);
-    const Text<64> device("%s KorvaAP", model);
-    write(here, "wps_device_name", device.view());
+    // The write cuts a trailing blank off the text, so that both names agree.
+    __qvWlanSetVarToNvram(here.function, here.line, model, "wps_modelname", "string");
+    const Text<kModelNameSize> device("%s KorvaAP", model);
+    write(here, "wps_device_name", device.fits() ? device.view() : model);
 }
 
 void writeIdentity(Here here) {
@@ -98,8 +104,9 @@ void writeIdentity(Here here) {
 }
 
 void writeBss(Here here, const WlSsidCfg &bss) {
-    if (bss.enable == 0 || !isMain(bss.ifName)) {
-        writeText(here, bss.ifName, "wps_mode", "disabled");
+    const FieldCopy ifname(bss.ifName);
+    if (bss.enable == 0 || !isMain(ifname.c_str())) {
+        writeText(here, ifname.c_str(), "wps_mode", "disabled");
         return;
     }
     const Text<12> methods("0x%x", bss.wpsConfigMethod);
@@ -117,7 +124,7 @@ void writeBss(Here here, const WlSsidCfg &bss) {
         {"wps_uuid", fieldText(bss.wpsUuid)},
     };
     for (const auto &setting : settings)
-        writeText(here, bss.ifName, setting.suffix, setting.value);
+        writeText(here, ifname.c_str(), setting.suffix, setting.value);
 }
 
 bool isUnconfigured(std::string_view ifname) {
@@ -155,9 +162,9 @@ void writeRegistrars(Here here) {
 }
 
 // One daemon serves all radios, so what the other radios wrote counts as well.
-bool isWanted(const WlRadioCfg &radio, const WlSsidCfg *bss) {
-    for (int i = 0; i < entriesInUse(radio); ++i) {
-        if (bss[i].enable != 0 && bss[i].wpsEnable != 0 && isMain(bss[i].ifName))
+bool isWanted(const WlRadioCfg *radio, WlSsidCfg *bss) {
+    for (const WlSsidCfg &entry : EntriesInUse(radio, bss)) {
+        if (entry.enable != 0 && entry.wpsEnable != 0 && isMain(fieldText(entry.ifName)))
             return true;
     }
     return nvram_match("wl0_wps_mode", "enabled") != 0 || nvram_match("wl1_wps_mode", "enabled") != 0;
@@ -176,12 +183,13 @@ int qvWlanWscInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     writeIdentity(here);
     write(here, kSessionDefaults);
     write(here, kDaemonState);
-    for (int i = 0; i < entriesInUse(*radio); ++i)
-        writeBss(here, bss[i]);
+    for (const WlSsidCfg &entry : EntriesInUse(radio, bss))
+        writeBss(here, entry);
     write(here, "wl_wps_config_state", "1");
     write(here, "wl_wps_reg", "enabled");
     writeRegistrars(here);
-    writeInt(here, radio->ifName, "wps_led", fieldText(radio->phyType) == "v" ? kLedOfAcRadio : kLed);
+    writeInt(here, FieldCopy(radio->ifName).c_str(), "wps_led",
+             fieldText(radio->phyType) == "v" ? kLedOfAcRadio : kLed);
     return WLBRCM_OK;
 }
 
@@ -190,7 +198,7 @@ void qvWlanWscRestart(WlRadioCfg *radio, WlSsidCfg *bss) {
         return;
     runCommand(WLBRCM_HERE, "killall -15 wps_monitor 2>/dev/null");
     runCommand(WLBRCM_HERE, "rm /tmp/wps_monitor.pid 2>/dev/null");
-    if (!isWanted(*radio, bss))
+    if (!isWanted(radio, bss))
         return;
     write(WLBRCM_HERE, kDaemonState);
     sleep(1);

@@ -1,14 +1,13 @@
 // The WPS daemon's control protocol: text datagrams on the loopback interface, one socket for each exchange.
 #include <wlbrcm/wps.h>
 
-#include <arpa/inet.h>
 #include <cstdio>
-#include <netinet/in.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include "module/log.h"
+#include "module/loopback.h"
 #include "module/text.h"
 
 using namespace wlbrcm;
@@ -41,11 +40,8 @@ class ControlSocket {
     // Whether all of it went out; nothing tells whether a daemon listens. Not connected, so that a missing daemon stays
     // the silence that callers expect.
     bool send(const char *data, size_t size) {
-        sockaddr_in daemon = {};
-        daemon.sin_family = AF_INET;
-        daemon.sin_port = htons(kDaemonPort);
-        daemon.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        const ssize_t sent = sendto(socket_, data, size, 0, reinterpret_cast<sockaddr *>(&daemon), sizeof daemon);
+        const sockaddr_in daemon = loopback(kDaemonPort);
+        const ssize_t sent = sendto(socket_, data, size, 0, reinterpret_cast<const sockaddr *>(&daemon), sizeof daemon);
         return sent >= 0 && static_cast<size_t>(sent) == size;
     }
 

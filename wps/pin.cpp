@@ -70,7 +70,8 @@ int qvWlanWscPincheck(const char *pin) {
     const size_t length = strlen(pin);
     if (length == kShortPin)
         return 0;
-    return length == kDigits && weightedSum(strtoul(pin, nullptr, 10)) % 10 == 0 ? 0 : -1;
+    // A sign wraps at 32 bits, whatever the processor's long.
+    return length == kDigits && weightedSum(static_cast<uint32_t>(strtoull(pin, nullptr, 10))) % 10 == 0 ? 0 : -1;
 }
 
 int qvWlanWscPinGen(char *out) {

@@ -65,7 +65,8 @@ WLBRCM_API int qvWlanInit(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *caps);
 WLBRCM_API int qvWlanSetASPM(WlRadioCfg *radio, WlCaps *caps);
 /** Place for chip-specific variables; there are none. @return 0. */
 WLBRCM_API int qvWlanChipVarInit(WlRadioCfg *radio, WlSsidCfg *bss);
-/** Per-BSS base variables, BSS addresses (also into `macText`), the radio's vifs and bw_cap. @return 0. */
+/** Per-BSS base variables, BSS addresses (also into `macText`), the radio's vifs and bw_cap. A name that does not fit
+ * into the 255 characters of vifs is left out whole, with a level-4 message. @return 0. */
 WLBRCM_API int qvWlanNvramInit(WlRadioCfg *radio, WlSsidCfg *bss);
 
 /** Stops a radio: places the driver's threads on their CPU, stops watchdog and daemons, takes the radio down and the
@@ -88,7 +89,8 @@ WLBRCM_API int prctl_getPidByName(const char *name);
  * The radio's own interface comes up here as well unless the entry that follows the last one in use exists and is
  * enabled. @return 0. */
 WLBRCM_API int qvWlanFinishSetup(WlRadioCfg *radio, WlSsidCfg *bss);
-/** Writes the variables of the channel selection daemon and starts it. `bss` is not used. */
+/** Writes the variables of the channel selection daemon and starts it. A name that does not fit into the 255 characters
+ * of acs_ifnames is left out whole, with a level-4 message. `bss` is not used. */
 WLBRCM_API void qvWlanStartAcsd(WlRadioCfg *radio, WlSsidCfg *bss);
 /** Gives the driver threads of a radio round-robin real-time priority 5. @return 0; -14 for a null name. */
 WLBRCM_API int qvWlanSetPriority(const char *ifname);

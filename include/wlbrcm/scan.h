@@ -63,7 +63,8 @@ WLBRCM_API int qvbrcm_ChannelScan(WlIntf *intf);
 /** Operation: the channels and access points of the last scan. A pair of outputs that is not complete (a null array or
  * count place) is skipped.
  * @param[out] channels,aps  zero-filled blocks that the caller frees.
- * @return 0; -5 when both pairs are incomplete; -14 when a report could not be made (channel outputs then null, 0). */
+ * @return 0; -5 when both pairs are incomplete; -14 when a report could not be made: outputs are untouched,
+ * but the channel outputs null and 0 when only the access points failed. */
 WLBRCM_API int qvbrcm_GetChanScanRpt(WlIntf *intf, WlChanScanInfo **channels, int *channelCount, WlScanAp **aps,
                                      int *apCount);
 /** Forced scan of `prefix`. @return 0 or -5; -14 for a null argument or bad name. */

@@ -199,6 +199,7 @@ TEST_F(BringUpPreset, VifsList) {
         {"", 0, "wl0.2", ""},
         {most, 1, "wl0.2", most + " wl0.2"},
         {over, 1, "wl0.2", over},
+        {over + "x5678 wl0.2", 0, "wl0.2", over + "x5678"},
     };
     for (const auto &row : rows) {
         platform.nvram.clear();

@@ -22,9 +22,7 @@ int takeOps(WlModuleOps *ops, void *arg) {
     host->ops.reset(ops);
     return 0;
 }
-int refuseOps(WlModuleOps *, void *) {
-    return 1;
-}
+int refuseOps(WlModuleOps *, void *) { return 1; }
 int takeRadio(WlIntf *intf, const char *module) {
     EXPECT_STREQ("BRCM", module);
     if (host->answer == 0)

@@ -268,6 +268,8 @@ TEST_F(PlatformTest, AStationIsDeauthenticatedByCheckedNamesOnly) {
                             {"wl0", "$(reboot)"},
                             {nullptr, "00:11:22:33:44:55"},
                             {"wl0", nullptr},
+                            {"eth0", "00:11:22:33:44:55"},
+                            {"wl0.", "00:11:22:33:44:55"},
                             {"", ""}};
     for (const auto &names : bad) {
         platform.forget();

@@ -197,10 +197,9 @@ TEST_F(MacFilterRequests, DriverFilterIsRefusedAsAWhole) {
     std::string tooLong;
     while (tooLong.size() < 1536)
         tooLong += a + " ";
-    for (const std::string &list : {a + ";", a + "  " + a, " " + a, std::string(" "), a + "  ", a + "\n" + a,
-                                    std::string("`id`"), a + " $(id)", tooLong})
+    for (const std::string &list : {a + ";", a + "\n" + a, std::string("`id`"), a + " $(id)", tooLong})
         EXPECT_EQ(WLBRCM_EINVAL, qvWifiStaFilter("wl0", "ALLOW", list.c_str())) << list;
-    EXPECT_EQ(9U, platform.logged(4).size());
+    EXPECT_EQ(5U, platform.logged(4).size());
     EXPECT_EQ(WLBRCM_EINVAL, qvWifiStaFilter("wl0 ", "DENY", a.c_str()));
     EXPECT_EQ(WLBRCM_EFAILED, qvWifiStaFilter(nullptr, "DENY", a.c_str()));
     EXPECT_EQ(WLBRCM_EFAILED, qvWifiStaFilter("wl0", nullptr, a.c_str()));

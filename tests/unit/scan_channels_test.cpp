@@ -183,23 +183,28 @@ TEST_F(Channels, TheReportFillsThePairsThatAreComplete) {
 }
 
 TEST_F(Channels, AReportThatFailsHandsOutNothing) {
+    auto *untouched = reinterpret_cast<WlChanScanInfo *>(1);
     const struct {
         const char *dump;
         int aps;
         Lines errors;
-    } rows[] = {{"header\n", 1, {"Error to dump scan channel result\n"}},
-                {"header\n36 2 0 0 0\n", 0, {"WDS scan fail on wl0......\n", "Error to dump scan ap result\n"}}};
+        WlChanScanInfo *list; // what stands in the channel outputs afterwards
+        int count;
+    } rows[] = {
+        {"header\n", 1, {"Error to dump scan channel result\n"}, untouched, 55},
+        {"header\n36 2 0 0 0\n", 0, {"WDS scan fail on wl0......\n", "Error to dump scan ap result\n"}, nullptr, 0}};
     for (const auto &row : rows) {
         platform.forget();
         dump(row.dump);
         scanned(row.aps);
-        auto *list = reinterpret_cast<WlChanScanInfo *>(1);
+        auto *list = untouched;
         auto *aps = reinterpret_cast<WlScanAp *>(1);
         int apCount = 77;
+        count = 55;
         EXPECT_EQ(-14, qvbrcm_GetChanScanRpt(intf.get(), &list, &count, &aps, &apCount));
         EXPECT_EQ(row.errors, platform.logged(WLBRCM_LOG_ERR));
-        EXPECT_EQ(nullptr, list);
-        EXPECT_EQ(0, count);
+        EXPECT_EQ(row.list, list);
+        EXPECT_EQ(row.count, count);
         EXPECT_EQ(reinterpret_cast<WlScanAp *>(1), aps);
         EXPECT_EQ(77, apCount);
     }

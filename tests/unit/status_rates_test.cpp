@@ -56,7 +56,7 @@ TEST_F(StatusRates, CurrentRateByRateSetAndWidth) {
         {"2.4GHz 4", "auto\n", "MCS SET : [ 31 33 ]", k20, "385 Mbps"}, // MCS 9, four streams
         {"2.4GHz 4", "auto\n", "MCS SET : [ 9999999999999 ]", k20, "96 Mbps"},
         {"5GHz 8", "auto\n", "MCS VHT\n9x8", k80, "3466 Mbps"},
-        {"5GHz 8", "auto\n", "MCS VHT\n9x9", k80, "0 kbps"},
+        {"5GHz 8", "auto\n", "MCS VHT\n9x9", k80, "3900 Mbps"},
         {"5GHz 8", "auto\n", "MCS VHT\n9x-2", k80, "0 kbps"},
         {"5GHz 8", "auto\n", "MCS VHT\n9x2 ax bx 5xx", k80, "520 Mbps"},
         {"2.4GHz 4", "auto\r\n", two, k40, "0 kbps"},
@@ -97,9 +97,11 @@ TEST_F(StatusRates, RatesAreRoundedToTheNearestKbit) {
         wlbrcm::RateSet set;
         uint32_t bandwidth, kbps;
         bool good;
-    } rows[] = {{{0, 1}, 20, 7222, true}, {{2, 1}, 20, 21667, true}, {{11, 8}, 160, 8666667, true},
-                {{11, 9}, 160, 0, true},  {{0, -1}, 20, 0, true},    {{0, 1}, 30, 0, true},
-                {{12, 1}, 20, 0, false},  {{-1, 1}, 20, 0, false}};
+    } rows[] = {{{0, 1}, 20, 7222, true},      {{2, 1}, 20, 21667, true},
+                {{11, 8}, 160, 8666667, true}, {{11, 400}, 160, 433333333, true},
+                {{11, 401}, 160, 0, true},     {{0, -1}, 20, 0, true},
+                {{0, 1}, 30, 0, true},         {{12, 1}, 20, 0, false},
+                {{-1, 1}, 20, 0, false}};
     for (const auto &row : rows) {
         uint32_t kbps = 7;
         EXPECT_EQ(row.good, wlbrcm::phyRate(row.set, row.bandwidth, &kbps));

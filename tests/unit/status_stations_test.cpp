@@ -168,6 +168,7 @@ TEST_F(StatusStations, ReportsDecideModeAndWidth) {
         {"flags 0x3b:\nrateset [ 1(b) 2(b) 5.5 11 ]:\n", "b", 1, 20, 1},
         {"flags 0x3b:\nrateset [ 1(b) 2(b) 12 ]:\n", "b", 2, 20, 1},
         {"flags 0x3b:\n", "b", 1, 20, 1},
+        {"flags 0x3b:\nrateset: [ 1(b) 2(b) 12 ]\n", "b", 2, 20, 1},
         {"flags 0x3b:\nrateset54:\n", "b", 1, 20, 1}, // the text starts behind a separator
         {"flags 0x13:\nrateset [ 54 ]:\n", "1", 4, 20, 0},
         {"flags 0x13:\nrateset [ 54 ]:\n", "1\n", 2, 20, 0}, // the answer is compared as it is

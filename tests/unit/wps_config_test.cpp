@@ -104,14 +104,15 @@ TEST_F(WpsConfig, ABareDeviceGetsDefaults) {
 
 TEST_F(WpsConfig, NamesAreCutToFit) {
     const std::string x63(63, 'x');
-    std::string escaped;
-    while (escaped.size() < 63)
+    std::string escaped; // twelve whole ones fit
+    while (escaped.size() < 60)
         escaped += "&amp;";
-    escaped.resize(63);
     const struct {
         std::string model, name, device;
     } rows[] = {{x63.substr(8), x63.substr(8), x63.substr(8) + " KorvaAP"},
-                {x63.substr(7), x63.substr(7), x63.substr(7) + " KorvaA"},
+                {x63.substr(7), x63.substr(7), x63.substr(7)},
+                {"ABC ", "ABC", "ABC KorvaAP"},
+                {x63.substr(1) + "&", x63.substr(1), x63.substr(1)},
                 {x63 + "yz", x63, x63},
                 {std::string(63, '&'), escaped, escaped}};
     for (const auto &row : rows) {

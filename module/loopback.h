@@ -1,6 +1,6 @@
 // Ports on the loopback interface.
-#ifndef WLBRCM_EVENTS_LOOPBACK_H
-#define WLBRCM_EVENTS_LOOPBACK_H
+#ifndef WLBRCM_MODULE_LOOPBACK_H
+#define WLBRCM_MODULE_LOOPBACK_H
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
