@@ -3,59 +3,19 @@
 #include <algorithm>
 #include <cstring>
 
-#include "failure.h"
-#include "host.h"
+#include "air.h"
+#include "args.h"
+#include "beacon.h"
+#include "events.h"
+#include "stations.h"
 #include "status.h"
-#include "text.h"
+#include "wps.h"
 
 namespace wlhost {
 
 const char *const kHostVersion = "1.0";
 
 namespace {
-
-std::string textArg(const json &args, const char *name) {
-    auto value = args.find(name);
-    if (value == args.end() || value->is_null())
-        return "";
-    if (!value->is_string())
-        throw Failure(kUsage, name, "is not a text");
-    return value->get<std::string>();
-}
-
-bool flagArg(const json &args, const char *name) {
-    auto value = args.find(name);
-    if (value == args.end() || value->is_null())
-        return false;
-    if (!value->is_boolean())
-        throw Failure(kUsage, name, "is not true or false");
-    return value->get<bool>();
-}
-
-std::vector<std::string> listArg(const json &args, const char *name) {
-    std::vector<std::string> list;
-    for (const json &value : args.value(name, json::array())) {
-        if (!value.is_string())
-            throw Failure(kUsage, name, "holds something that is not a text");
-        list.push_back(value.get<std::string>());
-    }
-    return list;
-}
-
-// Only an address that one station can have; the module would take any number of hexadecimal fields.
-MacBytes macOf(const std::string &text) {
-    auto mac = parseMac(text);
-    if (!mac)
-        throw Failure(kUsage, text, "is no MAC address", "six hexadecimal pairs, such as 00:10:18:aa:bb:cc");
-    if ((*mac)[0] & 1)
-        throw Failure(kUsage, text, "is a group address");
-    return *mac;
-}
-
-std::vector<WlIntf *> radiosArg(Host &host, const json &args) {
-    std::string radio = textArg(args, "radio");
-    return radio.empty() ? host.configuredRadios() : std::vector<WlIntf *>{host.radio(radio)};
-}
 
 json status(Host &host, const json &args) {
     std::vector<std::string> items = listArg(args, "items");
@@ -146,9 +106,8 @@ json unban(Host &host, const json &args) {
 }
 
 json preset(Host &host, const json &args) {
-    std::string ifname = textArg(args, "interface"), state = textArg(args, "state");
-    if (state != "on" && state != "off")
-        throw Failure(kUsage, state, "is not on or off");
+    std::string ifname = textArg(args, "interface");
+    bool on = switchArg(args, "state");
     const WlSsidCfg &record = host.bss(ifname).record();
     std::vector<std::string> presets;
     for (const Host::Bss &bss : host.allBss())
@@ -157,9 +116,9 @@ json preset(Host &host, const json &args) {
     if (record.presetRole != WLBRCM_PRESET_ON_DEMAND)
         throw Failure(kNotFound, ifname, "is no on-demand SSID", "on demand: " + joined(presets));
     auto *enablePreset = host.operation(host.module().ops->enablePresetSsid, "enablePresetSsid");
-    Host::check(enablePreset(ifname.c_str(), state == "on"), ifname, "enablePresetSsid");
-    host.presets[ifname] = state == "on";
-    return {{"interface", ifname}, {"preset", state}};
+    Host::check(enablePreset(ifname.c_str(), on), ifname, "enablePresetSsid");
+    host.presets[ifname] = on;
+    return {{"interface", ifname}, {"preset", on ? "on" : "off"}};
 }
 
 json setMac(Host &host, const json &args) {
@@ -191,8 +150,31 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"status", status}, {"ssids", ssids},   {"reload", reload}, {"filter", filter}, {"ban", ban},
-    {"unban", unban},   {"preset", preset}, {"lan", lan},       {"mac", setMac},    {"version", version},
+    {"status", status},
+    {"ssids", ssids},
+    {"stations", listStations},
+    {"scan", scan},
+    {"survey", survey},
+    {"rates", rates},
+    {"load", load},
+    {"beacon", beacon},
+    {"kick", kick},
+    {"reload", reload},
+    {"filter", filter},
+    {"ban", ban},
+    {"unban", unban},
+    {"preset", preset},
+    {"lan", lan},
+    {"mac", setMac},
+    {"wps push-button", wpsPushButton},
+    {"wps pin", wpsPin},
+    {"wps check-pin", wpsCheckPin},
+    {"wps cancel", wpsCancel},
+    {"wps status", wpsStatus},
+    {"wps apply", wpsApply},
+    {"events", followEvents},
+    {"forward", forward},
+    {"version", version},
 };
 
 json run(Host &host, const json &request) {
@@ -207,6 +189,11 @@ json run(Host &host, const json &request) {
 }
 
 } // namespace
+
+bool subscribes(const std::string &request) {
+    json parsed = json::parse(request, nullptr, false);
+    return parsed.is_object() && parsed.value("command", json()) == "events";
+}
 
 json errorOf(const Failure &failure) {
     auto known = [](const std::string &text) { return text.empty() ? json() : json(text); };

@@ -17,6 +17,9 @@ extern const char *const kHostVersion;
 /// `{"status": 3, "error": {"code", "where", "text", "hint"}}`. Never throws.
 json answer(Host &host, const std::string &request);
 
+/// Whether a request asks for events as they come, behind its answer.
+bool subscribes(const std::string &request);
+
 /// The error document of a failure.
 json errorOf(const struct Failure &failure);
 

@@ -97,18 +97,17 @@ const char *phyOf(const WlRadioCfg &radio) {
     return mode.vht ? "v" : mode.ht ? "n" : radio.band == WLBRCM_BAND_5G ? "a" : "g";
 }
 
-// 2 of "wl0.2", 0 of the radio's own interface.
-int interfaceNumber(const std::string &ifname) {
-    size_t dot = ifname.find('.');
-    return dot == std::string::npos ? 0 : std::atoi(ifname.c_str() + dot + 1);
-}
-
 // A version-1 style UUID whose node is the radio's address, so that it stays the same from start to start.
 std::string uuidOf(const uint8_t mac[6]) {
     return "00000000000010008000" + toHex({reinterpret_cast<const char *>(mac), 6});
 }
 
 } // namespace
+
+int interfaceNumber(const std::string &ifname) {
+    size_t dot = ifname.find('.');
+    return dot == std::string::npos ? 0 : std::atoi(ifname.c_str() + dot + 1);
+}
 
 std::vector<std::string> splitWords(const std::string &text) {
     std::vector<std::string> words;

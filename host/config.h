@@ -41,6 +41,9 @@ RadioRecords bindRadio(const Config &config, size_t index, const WlIntf &intf, c
 /// Members of a LAN group: its ports, then the interfaces of the SSIDs that name it.
 std::vector<std::string> lanMembers(const Config &config, const GroupFields &group);
 
+/// 2 of "wl0.2", 0 of the radio's own interface.
+int interfaceNumber(const std::string &ifname);
+
 std::vector<std::string> splitWords(const std::string &text);
 
 } // namespace wlhost

@@ -19,6 +19,8 @@ constexpr size_t kLargestRequest = 64 * 1024;
 constexpr size_t kLargestAnswer = 64 * 1024 * 1024;
 constexpr size_t kMostConnections = 32;
 constexpr std::chrono::seconds kPatience{10};
+// What a subscriber may leave unread beyond the kernel's buffer.
+constexpr size_t kLargestBacklog = 256 * 1024;
 
 sockaddr_un addressOf(const std::string &path) {
     sockaddr_un address{};
@@ -53,7 +55,8 @@ void removeStale(const std::string &path, const sockaddr_un &address) {
 
 bool wouldBlock() { return errno == EAGAIN || errno == EINTR; }
 
-void waitFor(int fd, short events, std::chrono::steady_clock::time_point deadline, const std::string &path) {
+// False when nothing came until the deadline.
+bool waitFor(int fd, short events, std::chrono::steady_clock::time_point deadline) {
     using namespace std::chrono;
     pollfd entry{fd, events, 0};
     int rc;
@@ -61,8 +64,11 @@ void waitFor(int fd, short events, std::chrono::steady_clock::time_point deadlin
         auto left = duration_cast<milliseconds>(deadline - steady_clock::now()).count();
         rc = poll(&entry, 1, static_cast<int>(std::max<long>(left, 0)));
     } while (rc < 0 && errno == EINTR);
-    if (rc <= 0)
-        throw Failure(kTimeout, path, "the host does not answer", "it may be busy; wait longer with --timeout");
+    return rc > 0;
+}
+
+[[noreturn]] void giveUp(const std::string &path) {
+    throw Failure(kTimeout, path, "the host does not answer", "it may be busy; wait longer with --timeout");
 }
 
 } // namespace
@@ -105,18 +111,24 @@ ControlServer::ControlServer(const std::string &path, Handler handler)
 
 ControlServer::~ControlServer() { unlink(path_.c_str()); }
 
+// A subscriber is also watched for its end.
+short ControlServer::interestOf(const Connection &connection) {
+    bool reads = !connection.answered || connection.subscribed;
+    return static_cast<short>((reads ? POLLIN : 0) | (connection.output.empty() ? 0 : POLLOUT));
+}
+
 void ControlServer::addTo(std::vector<pollfd> &fds) const {
     fds.push_back({listener_.get(), POLLIN, 0});
     for (const Connection &connection : connections_)
-        fds.push_back({connection.fd.get(), static_cast<short>(connection.answered ? POLLOUT : POLLIN), 0});
+        fds.push_back({connection.fd.get(), interestOf(connection), 0});
 }
 
 int ControlServer::timeout() const {
     using namespace std::chrono;
-    if (connections_.empty())
-        return -1;
     auto first = std::min_element(connections_.begin(), connections_.end(),
                                   [](const auto &a, const auto &b) { return a.deadline < b.deadline; });
+    if (first == connections_.end() || first->deadline == Clock::time_point::max())
+        return -1;
     return static_cast<int>(std::max<long>(duration_cast<milliseconds>(first->deadline - Clock::now()).count() + 1, 0));
 }
 
@@ -138,7 +150,18 @@ void ControlServer::accept() {
 bool ControlServer::advance(Connection &connection) {
     if (!connection.answered && !receive(connection))
         return false;
+    if (connection.subscribed && !isOpen(connection))
+        return false;
     return !connection.answered || send(connection);
+}
+
+bool ControlServer::isOpen(const Connection &connection) {
+    char ignored[512];
+    ssize_t length;
+    do
+        length = recv(connection.fd.get(), ignored, sizeof ignored, 0);
+    while (length > 0);
+    return length < 0 && wouldBlock();
 }
 
 bool ControlServer::receive(Connection &connection) {
@@ -149,10 +172,12 @@ bool ControlServer::receive(Connection &connection) {
         if (connection.input.size() > kLargestRequest)
             return false;
         if (size_t end = connection.input.find('\n'); end != std::string::npos) {
-            connection.output = handler_(connection.input.substr(0, end)) + "\n";
+            Reply reply = handler_(connection.input.substr(0, end));
+            connection.output = reply.line + "\n";
             connection.answered = true;
+            connection.subscribed = reply.subscribed;
             // Operations take their time; the answer still gets its chance.
-            connection.deadline = Clock::now() + kPatience;
+            connection.deadline = reply.subscribed ? Clock::time_point::max() : Clock::now() + kPatience;
             return true;
         }
     }
@@ -166,40 +191,72 @@ bool ControlServer::send(Connection &connection) {
             return wouldBlock();
         connection.output.erase(0, static_cast<size_t>(sent));
     }
-    return false;
+    return connection.subscribed;
 }
 
-std::string callHost(const std::string &path, const std::string &request, int timeoutSeconds) {
+bool ControlServer::hasSubscribers() const {
+    return std::any_of(connections_.begin(), connections_.end(), [](const auto &one) { return one.subscribed; });
+}
+
+void ControlServer::publish(const std::string &line) {
+    auto tooSlow = [&](Connection &connection) {
+        if (!connection.subscribed)
+            return false;
+        connection.output += line + "\n";
+        return !send(connection) || connection.output.size() > kLargestBacklog;
+    };
+    connections_.erase(std::remove_if(connections_.begin(), connections_.end(), tooSlow), connections_.end());
+}
+
+ControlClient::ControlClient(const std::string &path, const std::string &request, int timeoutSeconds)
+    : path_(path), fd_(newSocket(0)) {
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
-    sockaddr_un address = addressOf(path);
-    Fd fd = newSocket(0);
-    if (!connected(fd.get(), address))
+    if (!connected(fd_.get(), addressOf(path)))
         throw Failure(kEnvironment, path, std::string("no host: ") + std::strerror(errno),
                       "start one with: wlhost run CONFIG");
     std::string line = request + "\n";
     for (size_t at = 0; at < line.size();) {
-        waitFor(fd.get(), POLLOUT, deadline, path);
-        ssize_t sent = ::send(fd.get(), line.data() + at, line.size() - at, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (!waitFor(fd_.get(), POLLOUT, deadline))
+            giveUp(path);
+        ssize_t sent = ::send(fd_.get(), line.data() + at, line.size() - at, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent < 0 && !wouldBlock())
             throw Failure(kFailed, path, "the host closed the connection");
         at += sent > 0 ? static_cast<size_t>(sent) : 0;
     }
-    std::string answer;
-    char buffer[4096];
-    for (;;) {
-        waitFor(fd.get(), POLLIN, deadline, path);
-        ssize_t length = recv(fd.get(), buffer, sizeof buffer, MSG_DONTWAIT);
-        if (length < 0 && wouldBlock())
+}
+
+std::string ControlClient::nextLine(int timeoutSeconds, const std::function<void(int)> &tick) {
+    auto next = std::chrono::steady_clock::now();
+    size_t searched = 0;
+    for (int waited = 0;;) {
+        if (size_t end = input_.find('\n', searched); end != std::string::npos) {
+            std::string line = input_.substr(0, end);
+            input_.erase(0, end + 1);
+            return line;
+        }
+        searched = input_.size();
+        if (searched > kLargestAnswer)
+            throw Failure(kFailed, path_, "the answer is too long");
+        if (!waitFor(fd_.get(), POLLIN, next)) {
+            if (timeoutSeconds >= 0 && waited >= timeoutSeconds)
+                giveUp(path_);
+            if (tick)
+                tick(waited);
+            ++waited;
+            next += std::chrono::seconds(1);
             continue;
-        if (length <= 0)
-            break;
-        answer.append(buffer, static_cast<size_t>(length));
-        if (answer.size() > kLargestAnswer)
-            throw Failure(kFailed, path, "the answer is too long");
+        }
+        char buffer[16384];
+        ssize_t length = recv(fd_.get(), buffer, sizeof buffer, MSG_DONTWAIT);
+        if (length == 0 || (length < 0 && !wouldBlock()))
+            throw Failure(kFailed, path_, "the host closed the connection");
+        input_.append(buffer, length > 0 ? static_cast<size_t>(length) : 0);
     }
-    if (answer.empty() || answer.back() != '\n')
-        throw Failure(kFailed, path, "the host closed the connection");
-    return answer;
+}
+
+std::string callHost(const std::string &path, const std::string &request, int timeoutSeconds,
+                     const std::function<void(int)> &tick) {
+    return ControlClient(path, request, timeoutSeconds).nextLine(timeoutSeconds, tick);
 }
 
 } // namespace wlhost

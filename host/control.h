@@ -1,4 +1,5 @@
-// The control socket: one JSON request and one JSON answer a connection, each ended by a line feed.
+// The control socket: one JSON request and one JSON answer a connection, each ended by a line feed. A subscriber's
+// connection stays open behind its answer, for one more line an event.
 #pragma once
 
 #include <poll.h>
@@ -30,7 +31,12 @@ std::string socketPath(const std::string &option);
 /// The host's end. Never blocks: a client that is slow, silent or gone costs nothing but its own connection.
 class ControlServer {
   public:
-    using Handler = std::function<std::string(const std::string &request)>;
+    struct Reply {
+        std::string line;
+        bool subscribed; ///< the connection stays open for what is published
+        Reply(std::string line_, bool subscribed_ = false) : line(std::move(line_)), subscribed(subscribed_) {}
+    };
+    using Handler = std::function<Reply(const std::string &request)>;
 
     /// Throws a Failure with status 7 when the socket cannot be had, also when another host serves it.
     ControlServer(const std::string &path, Handler handler);
@@ -42,6 +48,9 @@ class ControlServer {
     void addTo(std::vector<pollfd> &fds) const;
     /// Accepts, reads, answers; drops connections that are through or too old.
     void serve();
+    bool hasSubscribers() const;
+    /// Queues a line for every subscriber. One that reads too slowly is dropped.
+    void publish(const std::string &line);
     /// Milliseconds until the oldest connection is dropped; -1 without connections.
     int timeout() const;
 
@@ -51,13 +60,15 @@ class ControlServer {
         Fd fd;
         Clock::time_point deadline;
         std::string input = {}, output = {};
-        bool answered = false;
+        bool answered = false, subscribed = false;
     };
 
     void accept();
     /// False when the connection is through.
     bool advance(Connection &connection);
     bool receive(Connection &connection);
+    static short interestOf(const Connection &connection);
+    static bool isOpen(const Connection &connection);
     static bool send(Connection &connection);
 
     std::string path_;
@@ -66,7 +77,23 @@ class ControlServer {
     std::vector<Connection> connections_;
 };
 
-/// A client's end: sends a request and returns the answer. Throws status 7 without a host, 5 when none comes in time.
-std::string callHost(const std::string &path, const std::string &request, int timeoutSeconds);
+/// A client's end: one request, and the lines that come back. Throws status 7 without a host.
+class ControlClient {
+  public:
+    ControlClient(const std::string &path, const std::string &request, int timeoutSeconds);
+
+    /// The next line, without its line feed. Throws status 5 when none comes in time.
+    /// @param timeoutSeconds  negative to wait for ever.
+    /// @param tick  called once a second while it waits, with the seconds waited; may be empty.
+    std::string nextLine(int timeoutSeconds, const std::function<void(int)> &tick = {});
+
+  private:
+    std::string path_, input_;
+    Fd fd_;
+};
+
+/// Sends a request and returns the answer.
+std::string callHost(const std::string &path, const std::string &request, int timeoutSeconds,
+                     const std::function<void(int)> &tick = {});
 
 } // namespace wlhost

@@ -208,8 +208,15 @@ void Host::noteApplied(WlIntf *intf) {
     if (known == applied_.end())
         return;
     for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i) {
-        copyText(known->second.bss[i].macFilterMode, intf->bss[i].macFilterMode);
-        std::memcpy(known->second.bss[i].macFilterList, intf->bss[i].macFilterList, sizeof intf->bss[i].macFilterList);
+        WlSsidCfg &kept = known->second.bss[i];
+        const WlSsidCfg &now = intf->bss[i];
+        std::memcpy(kept.macFilterMode, now.macFilterMode, sizeof now.macFilterMode);
+        std::memcpy(kept.macFilterList, now.macFilterList, sizeof now.macFilterList);
+        std::memcpy(kept.ssidName, now.ssidName, sizeof now.ssidName);
+        std::memcpy(kept.authMode, now.authMode, sizeof now.authMode);
+        std::memcpy(kept.encryption, now.encryption, sizeof now.encryption);
+        std::memcpy(kept.wpaPsk, now.wpaPsk, sizeof now.wpaPsk);
+        kept.wpsConfigured = now.wpsConfigured;
     }
 }
 

@@ -1,6 +1,7 @@
 // The host's state: the configuration in force, the radios it brought up, and what was changed at run time.
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <optional>
@@ -31,12 +32,21 @@ class LanRecords {
     std::vector<std::string> asked_;
 };
 
+/// The WPS session that this host started last. The daemon runs one at a time for all radios.
+struct WpsSession {
+    std::string radio;
+    const char *method;
+    std::chrono::steady_clock::time_point started;
+    bool ran = false;       ///< the daemon said that it runs
+    bool cancelled = false; ///< by a command
+};
+
 class Host {
   public:
     /// Checks the configuration against the radios that exist; throws a Failure when they cannot do it.
     Host(Module &module, Config config);
 
-    Module &module() { return module_; }
+    Module &module() const { return module_; }
     const std::string &configFile() const { return config_.document.file; }
 
     /// First configuration of every configured radio. @return what became of each.
@@ -63,6 +73,8 @@ class Host {
         WlIntf *intf;
         size_t index;
         WlSsidCfg &record() const { return intf->bss[index]; }
+        /// N of wlX.N, 0 for the radio's own interface: what the module calls the BSS index.
+        int number() const { return interfaceNumber(record().ifName); }
     };
     /// A radio that is configured. Throws status 3, naming those that are.
     WlIntf *radio(const std::string &name);
@@ -70,12 +82,14 @@ class Host {
     Bss bss(const std::string &ifname);
     std::vector<Bss> allBss();
 
-    /// Keeps what a run-time change made of a record, so that a reload of the same file sees it as a change.
+    /// Keeps what the MAC filter or a WPS registration made of a record at run time, so that a reload of the same file
+    /// sees it as a change.
     void noteApplied(WlIntf *intf);
 
     std::map<std::string, std::set<std::string>> bans; ///< addresses denied at run time, by interface
     std::map<std::string, bool> presets;               ///< on-demand SSIDs that were switched, by interface
-    uint64_t eventCount = 0;
+    std::optional<WpsSession> wps;
+    uint64_t eventCount = 0; ///< events so far: the sequence number of the last one
 
   private:
     struct Planned {

@@ -85,6 +85,7 @@ Module &loadModule(const std::string &library) {
         throw Failure(kEnvironment, library, "has no wlModuleInit", "this library is no module");
     theModule.library = library;
     theModule.phyType = symbol<decltype(qvWlanGetPhyType)>(handle, "qvWlanGetPhyType");
+    theModule.checkPin = symbol<decltype(qvWlanWscPincheck)>(handle, "qvWlanWscPincheck");
     static WlModuleHostOps hostOps = {registerModule, registerIntf, registerEvents, printLog};
     if (int rc = init(&hostOps, &theModule); rc != 0 || !theModule.ops)
         throw Failure(kFailed, library, "wlModuleInit returned " + std::to_string(rc),

@@ -1,6 +1,8 @@
 // The loaded module: what it registered with this host.
 #pragma once
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -8,11 +10,37 @@
 
 namespace wlhost {
 
+struct Free {
+    void operator()(void *block) const { std::free(block); }
+};
+/// A block that the module handed out.
+template <typename Record> using Block = std::unique_ptr<Record, Free>;
+
+/// An array that the module hands out, with its count.
+template <typename Record> class List {
+  public:
+    List() = default;
+    ~List() { std::free(records_); }
+    List(const List &) = delete;
+    List &operator=(const List &) = delete;
+
+    Record **place() { return &records_; }
+    int *countPlace() { return &count_; }
+    const Record *begin() const { return records_; }
+    const Record *end() const { return records_ + size(); }
+    size_t size() const { return records_ && count_ > 0 ? static_cast<size_t>(count_) : 0; }
+
+  private:
+    Record *records_ = nullptr;
+    int count_ = 0; // meaningful only with records
+};
+
 struct Module {
     WlModuleOps *ops = nullptr;
     std::vector<WlIntf *> radios;
     WlEvtHandler *events = nullptr;
     const char *(*phyType)(const char *ifname) = nullptr; ///< null when the library does not export it
+    int (*checkPin)(const char *pin) = nullptr;           ///< null when the library does not export it
     std::string library;
 
     WlIntf *find(const std::string &radio) const;

@@ -43,7 +43,7 @@ std::string table(const std::vector<Column> &columns, const json &rows) {
     for (const json &row : rows) {
         lines.emplace_back();
         for (const Column &column : columns)
-            lines.back().push_back(cell(row.value(column.key, json())));
+            lines.back().push_back((column.format ? column.format : cell)(row.value(column.key, json())));
     }
     std::string text;
     for (const auto &line : lines) {
@@ -59,6 +59,20 @@ std::string table(const std::vector<Column> &columns, const json &rows) {
         text += shown + "\n";
     }
     return text;
+}
+
+void Progress::tell(int seconds, const std::string &text) {
+    bool terminal = isatty(STDERR_FILENO);
+    if (terminal)
+        std::fprintf(stderr, "\r%s\033[K", text.c_str());
+    else if (seconds % 10 == 0)
+        std::fprintf(stderr, "%s\n", text.c_str());
+    shown_ = terminal;
+}
+
+Progress::~Progress() {
+    if (shown_)
+        std::fprintf(stderr, "\r\033[K");
 }
 
 void printError(const json &error, bool asJson) {

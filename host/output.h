@@ -16,6 +16,7 @@ struct Column {
     const char *title;
     const char *key;
     bool rightAligned = false;
+    std::string (*format)(const json &value) = nullptr; ///< instead of cell()
 };
 
 /// Rows as aligned columns under their titles; unknown values are "-".
@@ -24,6 +25,19 @@ std::string table(const std::vector<Column> &columns, const json &rows);
 std::string cell(const json &value);
 /// Columns that a text takes on a terminal: code points of its UTF-8.
 size_t displayWidth(const std::string &text);
+
+/// What is under way, on stderr: one line that changes on a terminal, else a line every ten seconds.
+class Progress {
+  public:
+    Progress() = default;
+    ~Progress();
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+    void tell(int seconds, const std::string &text);
+
+  private:
+    bool shown_ = false;
+};
 
 /// Prints an error: the document on stdout with `asJson`, else lines on stderr.
 void printError(const json &error, bool asJson);

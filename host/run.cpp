@@ -11,6 +11,7 @@
 
 #include "commands.h"
 #include "control.h"
+#include "events.h"
 #include "host.h"
 #include "output.h"
 
@@ -48,12 +49,26 @@ FILE *takeStdout() {
     return stream;
 }
 
-void receiveEvent(Host &host) {
+bool isReadable(int fd) {
+    pollfd entry{fd, POLLIN, 0};
+    return poll(&entry, 1, 0) > 0;
+}
+
+// A burst at a time: events queue in a socket buffer that does not hold many, and commands must get their turn.
+void receiveEvents(Host &host, ControlServer &server) {
+    constexpr int kBurst = 64;
     WlEvtHandler *handler = host.module().events;
-    WlEvent *event = nullptr;
-    if (handler->receive(static_cast<int>(handler->sock), &event) == 0 && event)
+    int sock = static_cast<int>(handler->sock);
+    for (int i = 0; i < kBurst && isReadable(sock); ++i) {
+        WlEvent *event = nullptr;
+        int rc = handler->receive(sock, &event);
+        Block<WlEvent> block(event);
+        if (rc != 0 || !event)
+            continue;
         ++host.eventCount;
-    std::free(event);
+        if (server.hasSubscribers())
+            server.publish(eventRow(*event, host.eventCount).dump());
+    }
 }
 
 void reloadOnSignal(Host &host) {
@@ -86,7 +101,7 @@ void serve(Host &host, ControlServer &server) {
         if (!takeSignals(host))
             return;
         if (fds[1].revents != 0)
-            receiveEvent(host);
+            receiveEvents(host, server);
         server.serve();
     }
 }
@@ -107,7 +122,10 @@ int runHost(const RunOptions &options) {
     FILE *out = takeStdout();
     catchSignals();
     std::unique_ptr<Host> host;
-    ControlServer server(options.socket, [&](const std::string &request) { return answer(*host, request).dump(); });
+    ControlServer server(options.socket, [&](const std::string &request) {
+        json reply = answer(*host, request);
+        return ControlServer::Reply(reply.dump(), reply["status"] == kDone && subscribes(request));
+    });
     host = std::make_unique<Host>(loadModule(libraryName(options.library)), std::move(config));
     report(out, host->bringUp(), options);
     if (!options.once)

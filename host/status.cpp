@@ -1,19 +1,12 @@
 #include "status.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "failure.h"
 #include "text.h"
 
 namespace wlhost {
 namespace {
-
-struct Free {
-    void operator()(void *block) const { std::free(block); }
-};
-using Block = std::unique_ptr<void, Free>;
 
 constexpr const char *kNumberItems[] = {"MaxBitRate",  "CurChannel", "WPSStatus", "CurBandwidth",
                                         "CurChanspec", "SideBand",   "Noise"};
@@ -50,15 +43,12 @@ json readItems(const WlModuleOps &ops, WlIntf &intf, const std::vector<std::stri
     int rc = ops.statusUpdate(&intf, items.data(), static_cast<int>(items.size()));
     json values = json::object();
     for (size_t i = 0; i < items.size(); ++i) {
-        Block block(items[i].value);
+        Block<void> block(items[i].value);
         values[names[i]] = valueOf(names[i], block.get());
     }
     Host::check(rc, intf.intfName, "statusUpdate");
     return values;
 }
-
-// Failed reads of these two give 0, which no radio has.
-json unlessZero(const json &value) { return value == 0 ? json() : value; }
 
 json stateOf(const WlIntf &intf, const json &items) {
     if (!intf.radio.radioOn)
@@ -74,11 +64,9 @@ json stateOf(const WlIntf &intf, const json &items) {
 json stationCount(const WlModuleOps &ops, WlIntf &intf) {
     if (!ops.getAssocDevList)
         return nullptr;
-    WlStaInfo *list = nullptr;
-    int count = 0;
-    int rc = ops.getAssocDevList(&intf, -1, &list, &count);
-    Block block(list);
-    return rc != 0 ? json() : list ? json(count) : json(0);
+    List<WlStaInfo> list;
+    int rc = ops.getAssocDevList(&intf, -1, list.place(), list.countPlace());
+    return rc != 0 ? json() : json(list.size());
 }
 
 json enabledSsids(const WlIntf &intf) {
@@ -103,6 +91,8 @@ const char *wpsState(const WlSsidCfg &record) {
     return !record.wpsEnable ? "off" : record.wpsConfigured ? "configured" : "unconfigured";
 }
 
+} // namespace
+
 std::string securityName(const WlSsidCfg &record) {
     for (const SecurityKind &kind : kSecurityKinds)
         if (std::strcmp(kind.authMode, record.authMode) == 0 && std::strcmp(kind.encryption, record.encryption) == 0)
@@ -110,11 +100,13 @@ std::string securityName(const WlSsidCfg &record) {
     return std::string(record.authMode) + "/" + record.encryption;
 }
 
-} // namespace
+json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names) {
+    host.operation(host.module().ops->statusUpdate, "statusUpdate");
+    return readItems(*host.module().ops, intf, names);
+}
 
 json rawItems(Host &host, WlIntf &intf, const std::vector<std::string> &names) {
-    host.operation(host.module().ops->statusUpdate, "statusUpdate");
-    return {{"radio", intf.intfName}, {"items", readItems(*host.module().ops, intf, names)}};
+    return {{"radio", intf.intfName}, {"items", statusItems(host, intf, names)}};
 }
 
 json radioStatus(Host &host, WlIntf &intf) {
