@@ -1,0 +1,100 @@
+# The host's commands as programs see them: exit status, one JSON document, errors that tell.
+# shellcheck shell=bash disable=SC2154 # $output is set by assert_status
+. /src/tests/system/host.sh
+
+test_without_a_host() {
+    assert_status 7 wlhost status
+    assert_status 0 wlhost version
+    assert_status 7 wlhost run --library libnothing.so /src/examples/minimal.json
+    assert_contains "$output" libnothing.so
+    assert_status 7 wlhost --json status
+    assert_eq environment "$(wlhost --json status 2>/dev/null | jq -r .error.code)"
+}
+
+test_configurations_that_are_refused() {
+    local change where
+    while IFS='|' read -r change where; do
+        vary "$change"
+        assert_status 2 wlhost run $variant
+        assert_contains "$output" "$where" "$change"
+    done <<'END'
+.radios[0].ssids[2].kye = 1|radios[0].ssids[2]
+.radios[0].channel = 15|radios[0].channel
+.radios[1].ssids[0].key = "short"|radios[1].ssids[0].key
+.radios[0].ssids[1].network = "br0; reboot"|radios[0].ssids[1].network
+.radios[1].ssids[0].ssid = "123456789012345678901234567890123"|radios[1].ssids[0].ssid
+.radios[1].name = "wl7"|radios[1].name
+.radios[0].ssids[1].maclist = ["02:00:00:00:00"]|radios[0].ssids[1].maclist
+.radios[0].country = 7|radios[0].country
+END
+    echo '{ "radios": [' >$variant
+    assert_status 2 wlhost run $variant
+    assert_status 2 wlhost run /no/such/file
+    assert_eq down "$(driver '.radios[0].stage')" 'the radio'
+}
+
+start_host_once() { pidof wlhost >/dev/null || start_host /src/examples/home.json; }
+
+# COMMAND...: exactly one document on stdout, nothing else.
+one_document() { assert_eq 1 "$(wlhost --json "$@" 2>/dev/null | jq -c . | wc -l)" "documents of wlhost $*"; }
+
+test_results() {
+    local command
+    start_host_once
+    for command in status ssids version 'filter wl0' doctor 'status wl0 --items Channel' schema 'check /src/examples/home.json'; do
+        # shellcheck disable=SC2086 # a command's words
+        one_document $command
+    done
+    assert_eq '36 80 -92 3' "$(wlhost --json status wl0 | jq -r '.[0] | [.channel, .width_mhz, .noise_dbm, .ssids] | join(" ")')"
+    assert_eq 'wl0 home br0' "$(wlhost --json ssids | jq -r '.[0] | [.interface, .ssid, .bridge] | join(" ")')"
+    assert_eq 600 "$(stat -c %a /tmp/wlhost.sock)" 'mode of the control socket'
+}
+
+test_errors() {
+    local status words
+    start_host_once
+    while read -r status words; do
+        # shellcheck disable=SC2086 # a command's words
+        assert_status "$status" wlhost $words
+        # shellcheck disable=SC2086
+        one_document $words
+        # shellcheck disable=SC2086
+        assert_eq string "$(wlhost --json $words 2>/dev/null | jq -r '.error.text | type')" "text of wlhost $words"
+    done <<'END'
+3 status wl7
+3 filter wl0.9
+3 preset wl0 on
+3 reload wl7
+3 unban wl0 02:00:00:00:00:01
+2 stat
+2 filter wl0 den
+2 filter wl0 deny 02:00:00:00:00:xx
+2 ban wl0 01:00:5e:00:00:01
+2 mac wl0 zz
+2 lan /no/such/file
+2 status wl0 wl1
+END
+    assert_status 3 wlhost status wl7
+    assert_contains "$output" 'wl0, wl1'
+    assert_eq '' "$(wlhost status wl7 2>/dev/null)" 'stdout of an error'
+}
+
+test_a_second_host_is_refused() {
+    start_host_once
+    assert_status 7 wlhost run /src/examples/home.json
+    assert_contains "$output" 'served by another host'
+    assert_status 0 wlhost status
+}
+
+test_the_address_of_a_radio() {
+    start_host_once
+    assert_status 0 wlhost mac wl0 02:10:18:00:00:99
+    assert_eq 02:10:18:00:00:99 "$(cat /sys/class/net/wl0/address)"
+}
+
+test_the_host_ends_cleanly() {
+    start_host_once
+    stop_host
+    assert_status 1 test -e /tmp/wlhost.sock
+    joins wl0 'correct horse battery'
+}
