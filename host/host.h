@@ -37,6 +37,7 @@ struct WpsSession {
     std::string radio;
     const char *method;
     std::chrono::steady_clock::time_point started;
+    json before;            ///< progress code that the daemon had left from earlier ones
     bool ran = false;       ///< the daemon said that it runs
     bool cancelled = false; ///< by a command
 };

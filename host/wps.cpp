@@ -29,12 +29,12 @@ bool isRunning(const json &progress) {
 json resultOf(const Host &host, const json &progress) {
     if (!progress.is_number() || isRunning(progress))
         return nullptr;
+    // A code that was there before says nothing of this session.
+    if (host.wps && !host.wps->ran && !host.wps->cancelled && progress == host.wps->before)
+        return "not-taken";
     if (const char *result = kResults[progress.get<int>()])
         return result;
-    if (!host.wps)
-        return nullptr;
-    // Back at 0: stopped, unless the daemon never began.
-    return host.wps->cancelled || host.wps->ran ? "cancelled" : "not-taken";
+    return host.wps ? json("cancelled") : json();
 }
 
 json sessionState(Host &host) {
@@ -82,7 +82,8 @@ WlIntf *choose(Host &host, const std::string &radio) {
 }
 
 // One session at a time, and no new one over a result that is not taken: it could not be told from its successor's.
-void demandIdle(Host &host) {
+// @return what the daemon says meanwhile
+json demandIdle(Host &host) {
     json progress = progressOf(host);
     std::string radio = host.wps ? host.wps->radio : "RADIO";
     if (isRunning(progress))
@@ -90,12 +91,12 @@ void demandIdle(Host &host) {
     if (progress == kSucceeded)
         throw Failure(kFailed, "wps", "the last session's result has not been taken",
                       "take it with: wlhost wps apply " + radio);
+    return progress;
 }
 
 template <typename Start>
 json startSession(Host &host, WlIntf &intf, const char *method, const char *slot, Start start) {
-    demandIdle(host);
-    WpsSession session{intf.intfName, method, Clock::now()};
+    WpsSession session{intf.intfName, method, Clock::now(), demandIdle(host)};
     Host::check(start(), intf.intfName, slot);
     host.wps = session;
     return sessionState(host);
