@@ -53,11 +53,8 @@ int vhtStreams(const uint8_t *element) {
     constexpr uint32_t kNone = 3;
     uint32_t map = littleEndian(element + 4, 2);
     int streams = 0;
-    for (; map != 0 || streams == 0; map >>= 2) {
-        if ((map & 3) == kNone || streams == 8)
-            break;
+    while (streams < 8 && (map >> 2 * streams & 3) != kNone)
         ++streams;
-    }
     return streams;
 }
 

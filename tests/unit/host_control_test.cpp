@@ -87,9 +87,15 @@ class HostControl : public testing::Test {
     }
 
     void start() {
-        server_ = std::make_unique<ControlServer>(path_, [](const std::string &request) { return request + "!"; });
+        server_ = std::make_unique<ControlServer>(
+            path_, [](const std::string &request) { return ControlServer::Reply(request + "!", request == "follow"); });
         thread_ = std::thread([this] {
             while (!stop_) {
+                if (published_.exchange(0) == 1)
+                    server_->publish("news");
+                else if (flood_)
+                    server_->publish(std::string(20000, 'x'));
+                subscribers_ = server_->hasSubscribers();
                 std::vector<pollfd> fds;
                 server_->addTo(fds);
                 poll(fds.data(), fds.size(), 10);
@@ -122,7 +128,8 @@ class HostControl : public testing::Test {
     std::string folder_, path_;
     std::unique_ptr<ControlServer> server_;
     std::thread thread_;
-    std::atomic<bool> stop_{false};
+    std::atomic<bool> stop_{false}, flood_{false}, subscribers_{false};
+    std::atomic<int> published_{0};
 };
 
 TEST_F(HostControl, AnswersItsOwnerOnly) {
@@ -176,6 +183,35 @@ TEST_F(HostControl, DeadHostsSocketIsReplacedAndOtherFilesAreNot) {
     Fd file(creat(path_.c_str(), 0600));
     EXPECT_THROW(ControlServer(path_, nullptr), Failure);
     EXPECT_EQ(access(path_.c_str(), F_OK), 0);
+}
+
+TEST_F(HostControl, SubscribersGetWhatIsPublished) {
+    start();
+    ControlClient follower(path_, "follow", 5), other(path_, "follow", 5);
+    EXPECT_EQ(follower.nextLine(5), "follow!");
+    EXPECT_EQ(other.nextLine(5), "follow!");
+    for (int i = 0; i < 3; ++i) {
+        published_ = 1;
+        EXPECT_EQ(follower.nextLine(5), "news");
+        EXPECT_EQ(other.nextLine(5), "news");
+    }
+    EXPECT_THROW(follower.nextLine(1), Failure) << "nothing was published";
+    EXPECT_EQ(callHost(path_, "hello", 5), "hello!") << "a plain answer among subscribers";
+}
+
+TEST_F(HostControl, SubscriberThatDoesNotReadIsDropped) {
+    start();
+    Fd deaf = rawConnection();
+    EXPECT_EQ(write(deaf.get(), "follow\n", 7), 7);
+    for (int i = 0; i < 500 && !subscribers_; ++i)
+        usleep(10000);
+    ASSERT_TRUE(subscribers_);
+    flood_ = true;
+    for (int i = 0; i < 500 && subscribers_; ++i) {
+        EXPECT_EQ(statusOf(path_, 5), kDone) << "the others wait for it";
+        usleep(10000);
+    }
+    EXPECT_FALSE(subscribers_);
 }
 
 TEST_F(HostControl, SilentHostIsATimeout) {

@@ -1,0 +1,243 @@
+// Stations, scans, rates and beacons as the host tells them.
+#include "host_fixture.h"
+
+#include <climits>
+
+#include "air.h"
+#include "beacon.h"
+#include "events.h"
+#include "show.h"
+
+namespace wlhost {
+namespace {
+
+// What the module answers.
+std::vector<WlStaInfo> associated;
+std::vector<WlScanAp> neighbours;
+std::vector<WlChanScanInfo> dumped;
+int reportResult, freeAir;
+const char *ratesDone;
+
+template <typename Record> void handOut(const std::vector<Record> &records, Record **list, int *count) {
+    *list = records.empty() ? nullptr : static_cast<Record *>(copied(records.data(), records.size() * sizeof(Record)));
+    *count = records.empty() ? INT_MAX : static_cast<int>(records.size()); // meaningful only with records
+}
+int stationsOf(WlIntf *intf, int bss, WlStaInfo **list, int *count) {
+    handOut(bss == 0 ? associated : std::vector<WlStaInfo>{}, list, count);
+    return called("stations", intf->intfName, std::to_string(bss));
+}
+int disassociate(const char *ifname, const char *mac) { return called("kick", ifname, mac); }
+int scanNow(WlIntf *intf) { return called("scan", intf->intfName); }
+int scanReport(WlIntf *, WlChanScanInfo **channels, int *channelCount, WlScanAp **aps, int *apCount) {
+    if (reportResult != 0)
+        return reportResult;
+    handOut(dumped, channels, channelCount);
+    handOut(neighbours, aps, apCount);
+    return 0;
+}
+int loadOf(const char *ifname, int bss, int *free) {
+    if (freeAir != INT_MIN)
+        *free = freeAir;
+    return called("load", ifname, std::to_string(bss));
+}
+int beaconOf(const char *ifname, int bss, WlIntfInfo *info) {
+    info->capabilities = bss == 0 ? 0x0411 : 0;
+    return called("beacon", ifname, std::to_string(bss));
+}
+int rateItems(WlIntf *, WlStatusItem *items, int count) {
+    for (int i = 0; i < count; ++i)
+        if (std::string(items[i].name) == "DataTransmitRates" && ratesDone)
+            items[i].value = strdup(ratesDone);
+        else if (std::string(items[i].name) == "CurRate")
+            items[i].value = strdup("866 Mbps");
+    return 0;
+}
+
+WlStaInfo station(const char *mac, int rssi) {
+    WlStaInfo record{};
+    copyText(record.ifName, "wl0");
+    copyText(record.macAddr, mac);
+    record.rssi = rssi, record.noise = -90, record.snr = rssi + 90, record.phyMode = 16;
+    record.rxBytes = 5000000000;
+    return record;
+}
+
+class HostAir : public HostCommands {
+  protected:
+    HostAir() {
+        associated = {station("02:00:00:00:00:0A", -70), station("02:00:00:00:00:0B", 0),
+                      station("02:00:00:00:00:0C", -40)};
+        neighbours.assign(1, {}), dumped.assign(2, {});
+        reportResult = 0, freeAir = 85, ratesDone = "Done";
+        ops_.getAssocDevList = stationsOf, ops_.disassociateSta = disassociate, ops_.channelScan = scanNow;
+        ops_.getChanScanRpt = scanReport, ops_.getFatIntfInfo = loadOf, ops_.getGenIntfInfo = beaconOf;
+        ops_.statusUpdate = rateItems;
+        calls.clear();
+    }
+    ~HostAir() override { std::filesystem::remove("/tmp/wl0DataTxRates.txt"); }
+};
+
+TEST_F(HostAir, Stations) {
+    json rows = result("stations", {{"interface", "wl0"}, {"sort", "signal"}});
+    ASSERT_EQ(rows.size(), 3u);
+    EXPECT_EQ(rows[0]["mac"], "02:00:00:00:00:0c");
+    EXPECT_EQ(rows[0]["signal_dbm"], -40);
+    EXPECT_EQ(rows[0]["snr_db"], 50);
+    EXPECT_EQ(rows[0]["mode"], "ac");
+    EXPECT_EQ(rows[0]["rx_bytes"], 5000000000);
+    EXPECT_TRUE(rows[0]["width_mhz"].is_null() && rows[0]["rx_rate_kbps"].is_null());
+    EXPECT_TRUE(rows[2]["signal_dbm"].is_null() && rows[2]["snr_db"].is_null()) << "0 is what an unheard station has";
+    EXPECT_EQ(result("stations", {{"interface", "wl0.1"}}), json::array());
+    EXPECT_EQ(result("stations").size(), 6u);
+    EXPECT_EQ(calls, (Calls{"stations wl0 0", "stations wl0 1", "stations wl0 0", "stations wl0 1", "stations wl1 0"}));
+    EXPECT_EQ(ask("stations", {{"interface", "wl3"}})["status"], kNotFound);
+    EXPECT_EQ(ask("stations", {{"sort", "sig"}})["status"], kUsage);
+    operationResult = -5;
+    EXPECT_EQ(ask("stations")["status"], kFailed) << "a failure is no empty list";
+}
+
+TEST_F(HostAir, KickOfStationsThatAreThere) {
+    EXPECT_EQ(result("kick", {{"interface", "wl0"}, {"station", "02-00-00-00-00-0a"}})["kicked"], "02:00:00:00:00:0a");
+    EXPECT_EQ(calls.back(), "kick wl0 02:00:00:00:00:0A");
+    calls.clear();
+    json absent = ask("kick", {{"interface", "wl0"}, {"station", "02:00:00:00:00:0d"}});
+    EXPECT_EQ(absent["status"], kNotFound);
+    EXPECT_EQ(absent["error"]["hint"], "associated: 02:00:00:00:00:0a, 02:00:00:00:00:0b, 02:00:00:00:00:0c");
+    EXPECT_EQ(ask("kick", {{"interface", "wl0.1"}, {"station", "02:00:00:00:00:0a"}})["error"]["hint"],
+              "associated: none");
+    EXPECT_EQ(ask("kick", {{"interface", "wl0"}, {"station", "02:00"}})["status"], kUsage);
+    EXPECT_EQ(calls, (Calls{"stations wl0 0", "stations wl0 1"}));
+}
+
+TEST_F(HostAir, ScanKeepsBytesAndTellsUnknownFromZero) {
+    WlScanAp &ap = neighbours[0];
+    copyText(ap.ssid, "caf\xe9 \x1b[2J");
+    copyText(ap.bssid, "02:00:5E:00:10:01");
+    ap.band = WLBRCM_BAND_5G, ap.rssi = -61, ap.security = 3, ap.akm = 2, ap.ciphers = 3, ap.phyModes = 0x1c;
+    copyText(ap.supportedRates, "6,5.5,,x,9y,0,-1,1733.2,1e9");
+    json row = result("scan", {{"radio", "wl0"}})[0];
+    EXPECT_EQ(row["ssid"], "caf\\xe9 \\x1b[2J");
+    EXPECT_EQ(row["ssid_hex"], "636166e9201b5b324a");
+    EXPECT_EQ(row["bssid"], "02:00:5e:00:10:01");
+    EXPECT_EQ(row["security"], "psk-mixed");
+    EXPECT_EQ(row["ciphers"], (json{"tkip", "ccmp"}));
+    EXPECT_EQ(row["modes"], (json{"a", "n", "ac"}));
+    EXPECT_EQ(row["supported_rates_mbps"].dump(), "[6,5.5,1733.2]");
+    EXPECT_TRUE(row["noise_dbm"].is_null() && row["channel"].is_null() && row["ad_hoc"].is_null());
+    result("scan", {{"cached", true}});
+    EXPECT_EQ(calls, (Calls{"scan wl0"})) << "a cached scan asks for none";
+
+    struct {
+        uint16_t bits, akm;
+        const char *name;
+    } securities[] = {{0, 0, "open/wep"}, {1, 2, "psk"},  {2, 2, "psk2"},
+                      {1, 1, "wpa"},      {2, 1, "wpa2"}, {3, 0, "wpa-mixed"}};
+    for (const auto &known : securities) {
+        ap.security = known.bits, ap.akm = known.akm;
+        EXPECT_EQ(result("scan", {{"cached", true}})[0]["security"], known.name);
+    }
+}
+
+TEST_F(HostAir, FailedScansAreErrors) {
+    reportResult = -14;
+    for (const char *command : {"scan", "survey"})
+        EXPECT_EQ(ask(command)["error"]["text"], "there is no scan report; getChanScanRpt returned -14");
+    operationResult = -5;
+    calls.clear();
+    EXPECT_EQ(ask("scan")["error"]["text"], "channelScan returned -5");
+    EXPECT_EQ(calls, (Calls{"scan wl0"}));
+    EXPECT_EQ(ask("survey", {{"radio", "wl2"}})["error"]["hint"], "configured: wl0, wl1");
+}
+
+TEST_F(HostAir, SurveyCountsChannels) {
+    dumped[0].channel = 36, dumped[0].band = 5, dumped[0].bssNum = 80, dumped[0].valid = 1;
+    dumped.push_back(dumped[0]);
+    dumped[2].channel = 40, dumped[2].bssNum = 1;
+    json rows = result("survey", {{"radio", "wl0"}});
+    ASSERT_EQ(rows.size(), 2u) << "the record in the middle is empty";
+    EXPECT_EQ(rows[0]["bss_count"], 80);
+    rows[1]["current"] = true;
+    EXPECT_EQ(showSurvey(rows), "RADIO  BAND  CHAN   BSS\n"
+                                "wl0    5GHz    36    80  ########################################\n"
+                                "wl0    5GHz    40*    1  #\n");
+}
+
+TEST_F(HostAir, RatesComeFromTheirFile) {
+    std::ofstream("/tmp/wl0DataTxRates.txt") << "6,12,24:BasR\n:SupR\n5:Oth\nnonsense\n";
+    json row = result("rates", {{"radio", "wl0"}})[0];
+    EXPECT_EQ(row["basic_rates_mbps"], (json{6, 12, 24}));
+    EXPECT_EQ(row["supported_rates_mbps"], json::array());
+    EXPECT_EQ(row["current_rate_kbps"], 866000);
+    EXPECT_TRUE(row["max_rate_mbps"].is_null());
+    for (const char *answer : {"Fail", static_cast<const char *>(nullptr)}) {
+        ratesDone = answer;
+        EXPECT_EQ(ask("rates", {{"radio", "wl0"}})["status"], kFailed);
+    }
+    ratesDone = "Done";
+    std::filesystem::remove("/tmp/wl0DataTxRates.txt");
+    EXPECT_EQ(ask("rates", {{"radio", "wl0"}})["error"]["text"], "cannot be read");
+}
+
+TEST_F(HostAir, LoadAndBeaconNameTheBss) {
+    EXPECT_EQ(result("load", {{"interface", "wl0.1"}})[0]["busy_percent"], 15);
+    EXPECT_EQ(result("load").size(), 2u);
+    EXPECT_EQ(calls, (Calls{"load wl0 1", "load wl0 0", "load wl1 0"}));
+    freeAir = INT_MIN;
+    EXPECT_TRUE(result("load")[0]["free_percent"].is_null());
+    EXPECT_EQ(ask("load", {{"interface", "wl0"}})["status"], kFailed);
+    EXPECT_EQ(result("beacon", {{"interface", "wl0"}})[0]["capabilities"], (json{"ess", "privacy", "short-slot"}));
+    EXPECT_EQ(ask("beacon", {{"interface", "wl0.1"}})["error"]["text"], "the driver gave no beacon");
+    EXPECT_TRUE(result("beacon")[1]["capabilities"].is_null());
+}
+
+TEST(HostBeacon, ElementsAreDecoded) {
+    WlIntfInfo info{};
+    json empty = beaconRow("wl0", info);
+    EXPECT_TRUE(empty["ht"].is_null() && empty["vht"].is_null() && empty["capabilities"].is_null());
+    info.ieFlags = 0x6;
+    const uint8_t ht[] = {0xef, 0x09, 0x17, 0xff, 0xff, 0xff, 0x00}, vht[] = {0xb2, 0x01, 0x88, 0x0f, 0xea, 0xff};
+    std::memcpy(info.htCap, ht, sizeof ht);
+    std::memcpy(info.vhtCap, vht, sizeof vht);
+    info.htInfoId = 61, info.htInfo[0] = 36, info.htInfo[1] = 3;
+    json row = beaconRow("wl0", info);
+    EXPECT_EQ(row["ht"]["capabilities"],
+              (json{"ldpc", "40mhz", "short-gi-20", "short-gi-40", "tx-stbc", "amsdu-7935"}));
+    EXPECT_EQ(row["ht"]["streams"], 3);
+    EXPECT_EQ(row["ht"]["rx_stbc_streams"], 1);
+    EXPECT_EQ(row["ht"]["secondary_channel"], "below");
+    EXPECT_EQ(row["ht"]["sm_power_save"], "disabled");
+    EXPECT_EQ(row["vht"]["capabilities"], (json{"rx-ldpc", "short-gi-80", "tx-stbc", "mu-beamformer"}));
+    EXPECT_EQ(row["vht"]["streams"], 3);
+    EXPECT_EQ(row["vht"]["max_mpdu_bytes"], 11454);
+    EXPECT_TRUE(row["vht"]["width_mhz"].is_null()) << "there is no VHT Operation element";
+    info.vhtOpId = 192, info.vhtOp[0] = 1, info.vhtOp[1] = 42;
+    EXPECT_EQ(beaconRow("wl0", info)["vht"]["center_channel"], 42);
+    info.vhtCap[4] = info.vhtCap[5] = 0; // all eight streams
+    EXPECT_EQ(beaconRow("wl0", info)["vht"]["streams"], 8);
+}
+
+TEST(HostEvents, RowsSayWhoAndWhatIsKnown) {
+    WlEvent event{};
+    copyText(event.radioName, "wl0"), copyText(event.ifName, "wl0.1");
+    event.event = WLBRCM_EVENT_ASSOCIATED;
+    WlStaInfo joined = station("02:00:00:00:00:0A", -50);
+    std::memcpy(event.sta, &joined, sizeof joined);
+    json row = eventRow(event, 7);
+    EXPECT_EQ(row["event"], "associated");
+    EXPECT_EQ(row["interface"], "wl0.1") << "the event's, not the station record's";
+    EXPECT_EQ(row["signal_dbm"], -50);
+    EXPECT_EQ(row["sequence"], 7);
+    event.event = WLBRCM_EVENT_PRUNED;
+    row = eventRow(event, 8);
+    EXPECT_EQ(row["mac"], "02:00:00:00:00:0a");
+    EXPECT_FALSE(row.contains("rx_bytes"));
+    EXPECT_EQ(showEvent(row), "8 " + row["time"].get<std::string>() + " wl0.1 02:00:00:00:00:0a pruned");
+    copyText(event.ifName, "\x1b[2J");
+    event.event = 99;
+    row = eventRow(event, 9);
+    EXPECT_TRUE(row["event"].is_null());
+    EXPECT_EQ(row["interface"], "\\x1b[2J");
+}
+
+} // namespace
+} // namespace wlhost

@@ -1,0 +1,150 @@
+// WPS sessions of the host, and the switch of the event forwarding.
+#include "host_fixture.h"
+
+#include "wps.h"
+
+namespace wlhost {
+namespace {
+
+int32_t progress;
+
+int progressItem(WlIntf *, WlStatusItem *items, int count) {
+    for (int i = 0; i < count; ++i)
+        if (std::string(items[i].name) == "WPSStatus")
+            items[i].value = copied(&progress, sizeof progress);
+    return 0;
+}
+int taken(int code) {
+    progress = code;
+    return operationResult;
+}
+int pressButton(WlIntf *intf) { return called("button", intf->intfName) == 0 ? taken(1) : operationResult; }
+int pressHardware(WlIntf **, int count, const char *uuid) {
+    called("hardware", std::to_string(count), uuid[0] ? "uuid" : "no uuid");
+    return taken(1);
+}
+int startPin(WlIntf *intf, const char *pin) { return called("pin", intf->intfName, pin); } // a daemon that is away
+int cancelSession(WlIntf *intf) {
+    called("cancel", intf->intfName);
+    return taken(0);
+}
+int updateConfig(WlIntf *intf, uint8_t *changed) {
+    copyText(intf->bss[0].ssidName, "agreed");
+    copyText(intf->bss[0].wpaPsk, "new key 1");
+    *changed = 1;
+    called("update", intf->intfName);
+    return taken(0);
+}
+int checkPin(const char *pin) { return std::string(pin) == "12345670" || std::strlen(pin) == 4 ? 0 : -1; }
+int switchForwarding(int enable) { return called("forward", std::to_string(enable)); }
+
+class HostWps : public HostCommands {
+  protected:
+    HostWps() {
+        progress = 0;
+        for (WlIntf *intf : {&intfs_[0], &intfs_[1]}) {
+            intf->caps.wpsCapable = 1;
+            intf->bss[0].wpsEnable = intf->bss[0].wpsPbcEnable = intf->bss[0].wpsStaPinEnable = 1;
+            copyText(intf->bss[0].wpsUuid, "0123456789abcdef");
+        }
+        ops_.statusUpdate = progressItem, ops_.wpsSwPushButton = pressButton, ops_.wpsHwPushButton = pressHardware;
+        ops_.wpsStartStaPin = startPin, ops_.wpsCancel = cancelSession, ops_.wpsUpdateConfg = updateConfig;
+        ops_.enableFenraEvt = switchForwarding;
+        module_.checkPin = checkPin;
+        calls.clear();
+    }
+};
+
+TEST_F(HostWps, SessionFromStartToResult) {
+    EXPECT_EQ(result("wps status")["state"], "idle");
+    json session = result("wps push-button", {{"radio", "wl1"}});
+    EXPECT_EQ(session["state"], "running");
+    EXPECT_EQ(session["radio"], "wl1");
+    EXPECT_GE(session["seconds_left"], 118);
+    EXPECT_LE(session["seconds_left"], 120);
+    EXPECT_TRUE(session["result"].is_null());
+    EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", "12345670"}})["error"]["hint"],
+              "end it with: wlhost wps cancel wl1");
+    progress = 7; // a step of the exchange
+    EXPECT_EQ(result("wps status")["state"], "running");
+    struct {
+        int code;
+        const char *result;
+    } ends[] = {{2, "done"}, {3, "failed"}, {4, "timed-out"}, {0, "cancelled"}};
+    for (const auto &end : ends) {
+        progress = end.code;
+        session = result("wps status");
+        EXPECT_EQ(session["result"], end.result);
+        EXPECT_EQ(session["state"], "idle");
+        EXPECT_TRUE(session["seconds_left"].is_null());
+    }
+    EXPECT_EQ(calls, (Calls{"button wl1"}));
+}
+
+TEST_F(HostWps, OldResultsAreNotTakenForNewOnes) {
+    for (int old : {0, 3, 4}) {
+        progress = old;
+        json session = result("wps pin", {{"radio", "wl0"}, {"pin", "12345670"}});
+        EXPECT_EQ(session["result"], "not-taken") << old;
+        progress = 3 - old / 3; // the answer came late after all, as another code
+        EXPECT_NE(result("wps status")["result"], "not-taken") << old;
+    }
+    progress = 2;
+    EXPECT_EQ(ask("wps push-button", {{"radio", "wl0"}})["error"]["hint"], "take it with: wlhost wps apply wl0");
+    EXPECT_EQ(calls.size(), 3u);
+}
+
+TEST_F(HostWps, ButtonsChooseTheirRadio) {
+    EXPECT_EQ(result("wps push-button", {{"hardware", true}})["radio"], "wl0") << "5 GHz goes first";
+    EXPECT_EQ(result("wps cancel", {{"radio", "wl0"}})["result"], "cancelled");
+    intfs_[0].bss[0].wpsPbcEnable = 0;
+    EXPECT_EQ(result("wps push-button")["radio"], "wl1");
+    EXPECT_EQ(calls, (Calls{"hardware 2 uuid", "cancel wl0", "button wl1"}));
+    EXPECT_EQ(ask("wps push-button", {{"radio", "wl0"}})["error"]["text"], "WPS is configured without push button");
+    intfs_[1].bss[0].wpsEnable = 0;
+    EXPECT_EQ(ask("wps push-button")["status"], kFailed);
+    for (const char *command : {"wps push-button", "wps cancel", "wps apply"})
+        EXPECT_EQ(ask(command, {{"radio", "wl1"}})["error"]["text"], "WPS is off") << command;
+    EXPECT_EQ(ask("wps push-button", {{"radio", "wl0"}, {"hardware", true}})["status"], kUsage);
+    EXPECT_EQ(ask("wps cancel", {{"radio", "wl7"}})["status"], kNotFound);
+    EXPECT_EQ(calls.size(), 3u);
+}
+
+TEST_F(HostWps, PinsAreCheckedFirst) {
+    EXPECT_EQ(result("wps check-pin", {{"pin", "12345670"}})["valid"], true);
+    EXPECT_EQ(result("wps check-pin", {{"pin", "1234"}})["valid"], true);
+    EXPECT_EQ(ask("wps check-pin", {{"pin", "12345678"}})["status"], kFailed);
+    for (const char *pin : {"", "123", "12345", "a=b ", "1234567a", "123456700"}) {
+        EXPECT_EQ(ask("wps check-pin", {{"pin", pin}})["status"], kUsage) << pin;
+        EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", pin}})["status"], kUsage) << pin;
+    }
+    EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", "12345678"}})["status"], kUsage);
+    EXPECT_EQ(calls, Calls{});
+    module_.checkPin = nullptr;
+    EXPECT_EQ(ask("wps check-pin", {{"pin", "12345670"}})["error"]["text"],
+              "the module does not offer qvWlanWscPincheck");
+}
+
+TEST_F(HostWps, AppliedNetworkLastsUntilTheFileIsReloaded) {
+    json applied = result("wps apply", {{"radio", "wl0"}});
+    EXPECT_EQ(applied["ssid"], "agreed");
+    EXPECT_EQ(applied["changed"], true);
+    EXPECT_EQ(applied["key"], "new key 1");
+    EXPECT_EQ(result("ssids")[0]["ssid"], "agreed");
+    EXPECT_EQ(result("reload")["radios"][0]["action"], "reloaded") << "the file's network is another one";
+    EXPECT_EQ(result("ssids")[0]["ssid"], "\\xffA");
+}
+
+TEST_F(HostWps, Forwarding) {
+    EXPECT_EQ(result("forward", {{"state", "on"}})["forward"], "on");
+    result("forward", {{"state", "off"}});
+    EXPECT_EQ(calls, (Calls{"forward 1", "forward 0"}));
+    EXPECT_EQ(ask("forward", {{"state", "1"}})["status"], kUsage);
+    EXPECT_EQ(ask("events")["error"]["text"], "the module registered no event handler");
+    EXPECT_TRUE(subscribes(R"({"command": "events"})"));
+    for (const char *other : {"", "[]", R"({"command": "event"})", R"({"events": 1})"})
+        EXPECT_FALSE(subscribes(other)) << other;
+}
+
+} // namespace
+} // namespace wlhost
