@@ -10,9 +10,7 @@ using namespace wlbrcm;
 namespace {
 
 // Addresses are given out in blocks of four, so that those of one radio differ in the low bits of the last byte only.
-int addressBlock(int bssCount) {
-    return (bssCount + 3) / 4 * 4;
-}
+int addressBlock(int bssCount) { return (bssCount + 3) / 4 * 4; }
 
 void deriveAddress(const uint8_t (&base)[6], int i, int bssCount, char (&text)[18]) {
     constexpr unsigned kLocallyAdministered = 0x02;
@@ -81,9 +79,7 @@ int qvWlanSetASPM(WlRadioCfg *radio, WlCaps *caps) {
     return command.text.fits() ? WLBRCM_OK : WLBRCM_EINVAL;
 }
 
-int qvWlanChipVarInit(WlRadioCfg *, WlSsidCfg *) {
-    return WLBRCM_OK;
-}
+int qvWlanChipVarInit(WlRadioCfg *, WlSsidCfg *) { return WLBRCM_OK; }
 
 int qvWlanNvramInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     const int count = EntriesInUse::countOf(radio);

@@ -9,9 +9,7 @@ using namespace wlbrcm;
 
 namespace {
 
-const char *bandText(int band) {
-    return band == WLBRCM_BAND_5G ? "5G" : band == WLBRCM_BAND_2G ? "2.4G" : "";
-}
+const char *bandText(int band) { return band == WLBRCM_BAND_5G ? "5G" : band == WLBRCM_BAND_2G ? "2.4G" : ""; }
 
 Text<128> channelDescriptor(const WlRadioCfg *radio) {
     return Text<128>("%s,%hhu,%hhd,%d,%d,%d,%d,%d,%hhd", bandText(radio->band), radio->bandwidth, radio->sideband,

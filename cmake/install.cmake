@@ -2,6 +2,8 @@
 include(CMakePackageConfigHelpers)
 install(TARGETS wlbrcm wlbrcm_headers EXPORT wlbrcmTargets)
 install(DIRECTORY include/wlbrcm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# Relative, so that a staging folder can be moved.
+file(RELATIVE_PATH WLBRCM_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/wlbrcm.pc.in ${CMAKE_CURRENT_BINARY_DIR}/wlbrcm.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/wlbrcm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(EXPORT wlbrcmTargets NAMESPACE wlbrcm:: FILE wlbrcmConfig.cmake

@@ -29,12 +29,8 @@ inline constexpr const char *kOffOn[] = {"off", "on"};
 inline constexpr const char *kAutoOffOn[] = {"auto", "off", "on"};
 
 // The arguments that a setter reads are there.
-inline bool hasPrefix(const WlanParamArg *arg) {
-    return arg != nullptr && arg->prefix != nullptr;
-}
-inline bool hasValue(const WlanParamArg *arg) {
-    return hasPrefix(arg) && arg->value != nullptr;
-}
+inline bool hasPrefix(const WlanParamArg *arg) { return arg != nullptr && arg->prefix != nullptr; }
+inline bool hasValue(const WlanParamArg *arg) { return hasPrefix(arg) && arg->value != nullptr; }
 
 // The value as a number of the parameter's range. False, with the usage printed, when there is no such number.
 bool readNumber(const WlanParamArg *arg, const IntParam &param, int *number);

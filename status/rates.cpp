@@ -16,7 +16,7 @@ struct McsRate {
 constexpr McsRate kMcsRates[] = {{1, 1, 2}, {2, 1, 2}, {2, 3, 4}, {4, 1, 2}, {4, 3, 4},  {6, 2, 3},
                                  {6, 3, 4}, {6, 5, 6}, {8, 3, 4}, {8, 5, 6}, {10, 3, 4}, {10, 5, 6}};
 constexpr unsigned kMcsCount = sizeof kMcsRates / sizeof kMcsRates[0];
-constexpr int kHighestMcs = 9; // that a rate set is believed to name
+constexpr int kHighestMcs = 9;    // that a rate set is believed to name
 constexpr int kMostStreams = 400; // keeps the rate within 32 bits
 
 struct Subcarriers {
