@@ -203,7 +203,7 @@ void ControlServer::publish(const std::string &line) {
         if (!connection.subscribed)
             return false;
         connection.output += line + "\n";
-        return !send(connection) || connection.output.size() > kLargestBacklog;
+        return connection.output.size() > kLargestBacklog;
     };
     connections_.erase(std::remove_if(connections_.begin(), connections_.end(), tooSlow), connections_.end());
 }

@@ -49,7 +49,7 @@ class ControlServer {
     /// Accepts, reads, answers; drops connections that are through or too old.
     void serve();
     bool hasSubscribers() const;
-    /// Queues a line for every subscriber. One that reads too slowly is dropped.
+    /// Queues a line for every subscriber; serve() sends. A subscriber that reads too slowly is dropped.
     void publish(const std::string &line);
     /// Milliseconds until the oldest connection is dropped; -1 without connections.
     int timeout() const;

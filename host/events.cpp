@@ -1,7 +1,10 @@
 #include "events.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 
 #include "args.h"
 #include "stations.h"
@@ -33,21 +36,18 @@ std::string utcNow() {
 } // namespace
 
 json eventRow(const WlEvent &event, uint64_t sequence) {
+    const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                    [&](const EventKind &one) { return one.code == event.event; });
+    bool known = kind != std::end(kKinds);
     WlStaInfo station;
     std::memcpy(&station, event.sta, sizeof station);
-    json row = stationRow(station);
-    json name = nullptr;
-    for (const EventKind &kind : kKinds)
-        if (kind.code == event.event) {
-            name = kind.name;
-            if (!kind.describes)
-                row = {{"mac", row["mac"]}};
-        }
-    row.update({{"sequence", sequence},
-                {"time", utcNow()},
-                {"event", name},
-                {"radio", escapeBytes(event.radioName)},
-                {"interface", escapeBytes(event.ifName)}});
+    json row = known && !kind->describes ? json::object() : stationRow(station);
+    row["mac"] = stationMac(station);
+    row["sequence"] = sequence;
+    row["time"] = utcNow();
+    row["event"] = known ? json(kind->name) : json();
+    row["radio"] = escapeBytes(event.radioName);
+    row["interface"] = escapeBytes(event.ifName);
     return row;
 }
 

@@ -41,11 +41,15 @@ bool stronger(const json &a, const json &b) {
 
 } // namespace
 
-json stationRow(const WlStaInfo &station) {
+json stationMac(const WlStaInfo &station) {
     auto mac = parseMac(station.macAddr);
+    return mac ? json(formatMac(*mac)) : json();
+}
+
+json stationRow(const WlStaInfo &station) {
     const char *mode = modeName(station.phyMode);
     bool heard = station.rssi != 0;
-    return {{"mac", mac ? json(formatMac(*mac)) : json()},
+    return {{"mac", stationMac(station)},
             {"interface", escapeBytes(station.ifName)},
             {"mode", mode ? json(mode) : json()},
             {"width_mhz", unlessZero(station.bandwidth)},

@@ -8,6 +8,8 @@ namespace wlhost {
 /// One station as a row; what the driver did not tell is null.
 json stationRow(const WlStaInfo &station);
 
+json stationMac(const WlStaInfo &station);
+
 json listStations(Host &host, const json &args);
 json kick(Host &host, const json &args);
 
