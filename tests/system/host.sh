@@ -3,11 +3,11 @@
 
 export WLHOST_LIBRARY=libwlbrcm.so.1
 work=/var/tmp/test
-mkdir -p $work
+mkdir -p "$work"
 
 # CONFIG [OPTION...]: a host that outlives the case which starts it.
 start_host() {
-    (exec wlhost run "$@" >$work/host.log 2>&1 &)
+    (exec wlhost run "$@" >"$work"/host.log 2>&1 &)
     wait_for 60 wlhost ssids
 }
 
@@ -19,7 +19,7 @@ no_host() { ! pidof wlhost; }
 
 # FILTER: examples/home.json after this jq filter, in $variant.
 variant=$work/variant.json
-vary() { sed 's|//.*||' /src/examples/home.json | jq "$1" >$variant; }
+vary() { sed 's|//.*||' /src/examples/home.json | jq "$1" >"$variant"; }
 
 # FILTER: what the driver really does.
 driver() { wlsim status --json | jq -r "$1"; }
@@ -39,3 +39,6 @@ refused() {
     assert_status 1 wlsim join "${@:2}"
     assert_contains "$output" "$1" "joining $2"
 }
+
+# Their names in one line.
+files_in_tmp() { find /tmp -mindepth 1 -maxdepth 1 | sed 's|^/tmp/||' | sort | paste -sd' '; }

@@ -1,14 +1,15 @@
 # A host that hands over texts which a shell would run: the module's own checks stand alone.
 # shellcheck shell=bash disable=SC2154 # $output is set by assert_status
+# shellcheck source=tests/system/host.sh
 . /src/tests/system/host.sh
-gcc -std=c11 -Wall -Wextra -Werror -I /src/include /src/tests/system/hostile_host.c -o $work/hostile_host -ldl
+gcc -std=c11 -Wall -Wextra -Werror -I /src/include /src/tests/system/hostile_host.c -o "$work"/hostile_host -ldl
 
 # CASE: nothing of its texts runs, and the sane network of the same configuration admits a station.
 survives() {
-    mkdir -p $work/here && cd $work/here || exit
-    assert_status 0 timeout 60 $work/hostile_host "$1"
+    mkdir -p "$work"/here && cd "$work"/here || exit
+    assert_status 0 timeout 60 "$work"/hostile_host "$1"
     assert_contains "$output" 'result 0'
-    assert_eq '' "$(ls -A $work/here; ls -A / /tmp /var/run | grep -i owned)" 'what was run'
+    assert_eq '' "$(find "$work"/here / /tmp /var/run -maxdepth 1 -name '*owned*')" 'what was run'
     log=$output
 }
 

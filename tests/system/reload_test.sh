@@ -1,13 +1,14 @@
 # Changing a configuration that is in force.
 # seconds: 180
 # shellcheck shell=bash disable=SC2154 # $output is set by assert_status
+# shellcheck source=tests/system/host.sh
 . /src/tests/system/host.sh
 start_host /src/examples/home.json
 
 # FILTER: home.json with this change, and without the announcement and WPS, which cost pauses.
 reload_with() {
     vary "del(.radios[].ssids[0].preset, .radios[].ssids[].wps) | .radios[0].channel = 40 | $1"
-    assert_status 0 wlhost reload --config $variant
+    assert_status 0 wlhost reload --config "$variant"
 }
 on_channel_with_its_station() { [ "$(radio wl0 '[.chanspec, (.bss[0].stations | length)] | join(" ")')" = '44/80 1' ]; }
 switch_count() { radio wl0 '.switches | length'; }
@@ -18,7 +19,7 @@ test_stations_follow_an_announced_channel_switch() {
     joins wl0 'correct horse battery'
     vary '.radios[0].channel = 44'
     local start=${EPOCHREALTIME/[.,]/}
-    wlhost reload --config $variant >/dev/null &
+    wlhost reload --config "$variant" >/dev/null &
     local client=$!
     wait_for 20 on_channel_with_its_station
     assert_eq $'44/80 0 20' "$(radio wl0 '.switches[-1] | [.chanspec, .mode, .count] | join(" ")')"
@@ -72,9 +73,9 @@ test_a_radio_switched_off_and_on() {
 }
 
 test_reload_by_signal_and_of_one_radio() {
-    cp $variant $work/file.json
-    assert_status 0 wlhost reload --config $work/file.json
-    jq '.radios[1].channel = 11' $work/file.json >$variant && cp $variant $work/file.json
+    cp "$variant" "$work"/file.json
+    assert_status 0 wlhost reload --config "$work"/file.json
+    jq '.radios[1].channel = 11' "$work"/file.json >"$variant" && cp "$variant" "$work"/file.json
     killall -HUP wlhost
     wait_for 20 test "$(wlhost --json version | jq -r .module)" = BRCM
     assert_eq 11 "$(radio wl1 .chanspec)"

@@ -1,8 +1,9 @@
 # Networks of every kind on one gateway, and the stations that each admits.
 # shellcheck shell=bash disable=SC2154 # $output is set by assert_status
+# shellcheck source=tests/system/host.sh
 . /src/tests/system/host.sh
 
-cat >$work/kinds.json <<'END'
+cat >"$work"/kinds.json <<'END'
 {
     "lan": { "groups": [{ "name": "br0", "ports": ["eth0"] }] },
     "radios": [
@@ -30,7 +31,7 @@ cat >$work/kinds.json <<'END'
     ]
 }
 END
-start_host $work/kinds.json
+start_host "$work"/kinds.json
 
 test_open_and_wep() {
     assert_status 0 wlsim join wl0.1

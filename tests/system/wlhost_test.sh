@@ -1,5 +1,6 @@
 # The host's commands as programs see them: exit status, one JSON document, errors that tell.
 # shellcheck shell=bash disable=SC2154 # $output is set by assert_status
+# shellcheck source=tests/system/host.sh
 . /src/tests/system/host.sh
 
 test_without_a_host() {
@@ -15,7 +16,7 @@ test_configurations_that_are_refused() {
     local change where
     while IFS='|' read -r change where; do
         vary "$change"
-        assert_status 2 wlhost run $variant
+        assert_status 2 wlhost run "$variant"
         assert_contains "$output" "$where" "$change"
     done <<'END'
 .radios[0].ssids[2].kye = 1|radios[0].ssids[2]
@@ -27,8 +28,8 @@ test_configurations_that_are_refused() {
 .radios[0].ssids[1].maclist = ["02:00:00:00:00"]|radios[0].ssids[1].maclist
 .radios[0].country = 7|radios[0].country
 END
-    echo '{ "radios": [' >$variant
-    assert_status 2 wlhost run $variant
+    echo '{ "radios": [' >"$variant"
+    assert_status 2 wlhost run "$variant"
     assert_status 2 wlhost run /no/such/file
     assert_eq down "$(driver '.radios[0].stage')" 'the radio'
 }

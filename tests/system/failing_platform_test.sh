@@ -1,0 +1,108 @@
+# A platform whose tools fail, answer nonsense or are missing: operations return, leave nothing behind, and the next one works.
+# seconds: 240
+# shellcheck shell=bash disable=SC2154 # $output is set by assert_status
+# shellcheck source=tests/system/host.sh
+. /src/tests/system/host.sh
+export WLHOST_SOCKET=/var/run/wlhost.sock
+vary 'del(.radios[].ssids[0].preset, .radios[].ssids[].wps)'
+start_host "$variant"
+
+# The two files that are kept; a station's event may have the host read something this very moment.
+only_caches() { [ "$(files_in_tmp)" = 'wl0_cap wl1_cap' ]; }
+
+no_files() { [ -z "$(files_in_tmp)" ]; }
+
+# RADIO...: reloads and shows that the host still answers and no result file stays in /tmp.
+returns() {
+    timeout 60 wlhost reload "$@" >/dev/null 2>&1
+    assert_eq yes "$([ $? -lt 124 ] && echo yes)" "reload $* returns"
+    timeout 20 wlhost --json status >/dev/null 2>&1
+    assert_eq yes "$([ $? -lt 124 ] && echo yes)" 'status returns'
+    assert_status 0 wlhost version
+    wait_for 5 "${kept:-only_caches}"
+}
+
+works_again() {
+    assert_status 0 wlsim fail --clear
+    assert_status 0 wlhost reload "$1"
+    joins "$1" 'correct horse battery'
+    assert_status 0 wlsim leave --all
+}
+
+test_tools_that_fail() {
+    wlsim fail 'wlconf * up' forever
+    returns wl0
+    refused 'BSS is down' wl0 --passphrase 'correct horse battery'
+    wlsim fail --clear >/dev/null
+    wlsim fail 'wlctl*' forever
+    wlsim fail 'wl *' forever
+    returns wl0
+    works_again wl0
+}
+
+test_tools_that_answer_nonsense() {
+    local mode
+    for mode in garbage empty cut; do
+        wlsim fail 'wlctl*' forever --mode $mode
+        returns wl1
+        wlsim fail --clear >/dev/null
+    done
+    works_again wl1
+}
+
+test_a_slow_driver() {
+    wlsim fail 'wlctl*' forever --mode slow --ms 30
+    returns wl1
+    works_again wl1
+}
+
+# PROGRAM...: takes them out of the gateway's own /bin.
+without() {
+    local program
+    mkdir -p "$work"/bin
+    for program in "$@"; do mv "/bin/$program" "$work"/bin; done
+}
+put_back() { mv "$work"/bin/* /bin; }
+
+test_daemons_that_are_missing() {
+    without acsd lld2d wps_monitor
+    returns wl1
+    joins wl1 'correct horse battery'
+    put_back
+    without nas
+    returns wl1
+    refused 'authenticator not running' wl1 --passphrase 'correct horse battery'
+    put_back
+    works_again wl1
+}
+
+test_tools_that_are_missing() {
+    without brctl tc ebtables acs_cli dhdctl wl
+    returns wl1
+    put_back
+    without wlconf wlctl
+    returns wl1
+    put_back
+    works_again wl1
+    assert_eq br0 "$(bss wl1 .bridge)"
+}
+
+test_an_nvram_that_takes_nothing() {
+    local store=/var/sim/nvram
+    cp "$store" "$work"/store
+    mount --bind /var/sim /var/sim && mount -o remount,bind,ro /var/sim
+    returns wl1
+    umount /var/sim
+    assert_eq '' "$(cmp "$store" "$work"/store 2>&1)" 'the store'
+    works_again wl1
+}
+
+# Nothing can be read back, yet the radio is configured: only reports need files.
+test_a_tmp_that_takes_no_files() {
+    mount -t tmpfs -o ro none /tmp
+    local kept=no_files
+    returns wl1
+    joins wl1 'correct horse battery'
+    umount /tmp
+    works_again wl1
+}
