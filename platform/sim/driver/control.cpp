@@ -338,7 +338,7 @@ Reply runControl(Driver &driver, const Words &words) {
             return command.run(driver, Words(words.begin() + 2, words.end()));
         }
     }
-    return usage("wait|status|join|leave|set|neighbour|event|fail|reboot ...");
+    return usage("wait|status|join|leave|set|neighbour|event|flood|agent|wps|fail|reboot ...");
 }
 
 } // namespace wlsim
