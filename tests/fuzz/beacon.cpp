@@ -14,6 +14,18 @@ WlIntfInfo read(const std::string &report, uint8_t fill) {
     return info;
 }
 
+// An element's fields are written only when the report names it.
+struct Element {
+    const char *mark;
+    size_t begin, end;
+};
+constexpr Element kElements[] = {
+    {"HT Capabilities", offsetof(WlIntfInfo, htCapId), offsetof(WlIntfInfo, htInfoId)},
+    {"HT Information", offsetof(WlIntfInfo, htInfoId), offsetof(WlIntfInfo, vhtCapId)},
+    {"Tag:191", offsetof(WlIntfInfo, vhtCapId), offsetof(WlIntfInfo, vhtOpId)},
+    {"Tag:192", offsetof(WlIntfInfo, vhtOpId), offsetof(WlIntfInfo, hostTail)},
+};
+
 bool isHosts(size_t at) {
     return at < offsetof(WlIntfInfo, ieFlags) || at >= offsetof(WlIntfInfo, hostTail) ||
            (at > offsetof(WlIntfInfo, ieFlags) && at < offsetof(WlIntfInfo, capabilities)) ||
@@ -34,6 +46,11 @@ FUZZ_TARGET(beacon) {
             HOLDS((bytes[at] & ~kFlags) == kOne && (bytes[at] & kFlags) == (otherBytes[at] & kFlags));
         else
             HOLDS(kept || (!isHosts(at) && bytes[at] == otherBytes[at]));
+    }
+    for (const Element &element : kElements) {
+        const bool named = input.find(element.mark) != std::string::npos;
+        for (size_t at = element.begin; !named && at < element.end; ++at)
+            HOLDS(bytes[at] == kOne);
     }
     HOLDS(one.capabilities <= UINT16_MAX || one.capabilities == kOne * 0x01010101U);
 }

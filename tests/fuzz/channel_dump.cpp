@@ -26,6 +26,10 @@ std::vector<WlChanScanInfo> dump(const std::string &report, int band) {
 } // namespace
 
 FUZZ_TARGET(channel_dump) {
+    WlChanScanInfo first;
+    long long number;
+    if (wlbrcm::readChannelLine(input, WLBRCM_BAND_5G, &first))
+        HOLDS(sscanf(input.c_str(), "%lld", &number) == 1 && first.channel == number);
     for (const int band : {0, int{WLBRCM_BAND_5G}, int{WLBRCM_BAND_2G}}) {
         bool rest = false;
         for (const WlChanScanInfo &channel : dump(input, band)) {

@@ -1,5 +1,7 @@
 #include "target.h"
 
+#include "status/readers.h"
+
 namespace {
 
 bool read(const std::string &report, WlChannelInfo *info) {
@@ -16,6 +18,11 @@ bool read(const std::string &report, WlChannelInfo *info) {
 } // namespace
 
 FUZZ_TARGET(chanspec) {
+    uint32_t number = 0;
+    WlChannelInfo decoded = {};
+    if (wlbrcm::readChanspec(input, &number) && wlbrcm::decodeChanspec(number, &decoded))
+        HOLDS(decoded.chanspec == number);
+
     WlChannelInfo info, untouched;
     memset(&info, 0x5a, sizeof info);
     untouched = info;
