@@ -29,7 +29,7 @@ bool isRunning(const json &progress) {
 json resultOf(const Host &host, const json &progress) {
     if (!progress.is_number() || isRunning(progress))
         return nullptr;
-    // A code that was there before says nothing of this session.
+    // A code that was there before says nothing of the new session.
     if (host.wps && !host.wps->ran && !host.wps->cancelled && progress == host.wps->before)
         return "not-taken";
     if (const char *result = kResults[progress.get<int>()])

@@ -19,7 +19,7 @@ struct WlStatusItem {
 
 /** Decoded current channel of an interface. */
 typedef struct WlChannelInfo {
-    uint16_t chanspec;  /**< the driver's channel specification */
+    uint16_t chanspec;  /**< the driver's 16-bit channel word */
     uint16_t channel;   /**< control channel number */
     uint32_t bandwidth; /**< MHz: 20, 40, 80 */
     uint16_t band;      /**< 2 = 2.4 GHz, 5 = 5 GHz */

@@ -10,7 +10,7 @@ namespace wlsim {
 
 enum class Band { ghz2 = 2, ghz5 = 5 };
 
-/** One channel specification. `value` is the driver's 16 bits: band, width, sideband, centre channel. */
+/** One chanspec. `value` is the driver's 16 bits: band, width, sideband, centre channel. */
 struct Chanspec {
     Band band = Band::ghz5;
     int control = 0;
