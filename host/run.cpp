@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -54,12 +55,14 @@ bool isReadable(int fd) {
     return poll(&entry, 1, 0) > 0;
 }
 
-// A burst at a time: events queue in a socket buffer that does not hold many, and commands must get their turn.
+// A burst at a time: events queue in a socket buffer that does not hold many, and commands must get their turn. An
+// association costs several driver commands, so the burst is bounded in time as well.
 void receiveEvents(Host &host, ControlServer &server) {
     constexpr int kBurst = 64;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
     WlEvtHandler *handler = host.module().events;
     int sock = static_cast<int>(handler->sock);
-    for (int i = 0; i < kBurst && isReadable(sock); ++i) {
+    for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i) {
         WlEvent *event = nullptr;
         int rc = handler->receive(sock, &event);
         Block<WlEvent> block(event);
