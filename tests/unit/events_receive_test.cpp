@@ -2,7 +2,6 @@
 #include "fake_platform.h"
 
 #include <memory>
-#include <random>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -203,25 +202,6 @@ TEST_F(EventReceive, OnlyTakenEventsAllocate) {
     EXPECT_EQ(nullptr, none);
     EXPECT_EQ(Lines{"Alloc memory (292 bytes) fail.\n"}, platform.logged(WLBRCM_LOG_ERR));
     EXPECT_EQ(Lines{}, platform.journal);
-}
-
-TEST_F(EventReceive, RandomDatagramsGiveTerminatedTexts) {
-    std::mt19937 random(44032);
-    for (int i = 0; i < 2000; ++i) {
-        std::string datagram = eventMessage(random() % 24, "wl0", random() % 2);
-        for (int change = 0; change < 8; ++change)
-            datagram[24 + random() % (datagram.size() - 24)] = static_cast<char>(random());
-        datagram[31] = static_cast<char>(random() % 24);
-        datagram.resize(1 + random() % datagram.size());
-        if (receive(datagram, &none) != 0)
-            continue;
-        text(none->radioName);
-        EXPECT_EQ(text(none->radioName), text(none->ifName).substr(0, text(none->radioName).size()));
-        EXPECT_LT(strnlen(station(*none).macAddr, 20), 20U);
-        EXPECT_TRUE(none->event == 1 || none->event == 2 || none->event == 3 || none->event == 6);
-    }
-    for (const std::string &command : platform.did("run "))
-        EXPECT_EQ(std::string::npos, command.substr(0, command.find('|')).find_first_of(";&`$\n")) << command;
 }
 
 TEST(EventNames, FollowTheTable) {
