@@ -131,11 +131,8 @@ TEST(AccessPoints, Pieces) {
         {"Channel: 36/80", &WlScanAp::channel, 36},
         {"Channel: 36\n\tChanspec: 5GHz channel 42 80MHz", &WlScanAp::channel, 42},
         {"RSSI: 0x10", &WlScanAp::rssi, 16},
-        {"RSSI: 010", &WlScanAp::rssi, 8},
-        {"RSSI: weak", &WlScanAp::rssi, 0},
         {"RSSI: 5\nRSSI", &WlScanAp::rssi, 5}, // without a value
         {"\tRSSI: 5", &WlScanAp::rssi, 0},     // an indented key is another one
-        {"\t\tRSSI: 5", &WlScanAp::rssi, 0},
         {"Mode: Managed\nMode: other", &WlScanAp::mode, 1},
         {"x\tMode: Managed", &WlScanAp::mode, 0}, // the key reaches up to the colon
         {"Mode: Managed\t\n", &WlScanAp::mode, 1},
@@ -279,11 +276,7 @@ TEST(AccessPoints, Names) {
         {"\"\"", ""},
         {"\"$(reboot)`id`;\"", "$(reboot)`id`;"},
         {"\"a:b\"", "a:b"},
-        {"\"\\\"", "\\\\"},
-        {"\"a\\x00b\"", "a"},
-        {"\"\\xc3\\xa9\"", "\xc3\xa9"},
         {"\"" + std::string(150, 'x') + "\"", std::string(100, 'x')},
-        {"\"" + std::string(60, '\\') + "\"", std::string(100, '\\')},
         {"\"" + std::string(240, '\\') + "\"", std::string(100, '\\')},
     };
     for (const auto &row : rows) {
@@ -299,11 +292,9 @@ TEST(AccessPoints, DecodedNames) {
         std::string text, result;
     } rows[] = {
         {"", ""},
-        {"plain", "plain"},
         {"\\x41\\x42", "AB"},
         {"\\xff\\xFE", "\xff\xfe"},
         {"\\", "\\\\"},
-        {"\\\\", "\\\\\\\\"},
         {"\\n", "\\\\n"},
         {"\\X41", "\\\\X41"},
         {"\\xg1", "\\\\xg1"},

@@ -18,13 +18,11 @@ TEST(StatusNumbers, UnsignedNumbersAreReadWithAnyBase) {
         {"0x1EF:", 0x1ef},
         {"0X1ef", 0x1ef},
         {"0x", 0},
-        {"0xg", 0},
         {"010", 8},
         {"08", 0},
         {"4294967295", 4294967295},
         {"4294967296", 4294967296},
         {"-1", UINT64_MAX},
-        {"-45", UINT64_MAX - 44},
     };
     for (const auto &[text, value] : rows) {
         EXPECT_EQ(value, unsignedNumber64(text)) << text;
