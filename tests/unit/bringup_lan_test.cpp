@@ -49,7 +49,6 @@ TEST_F(BringUpLan, RegistrarVariables) {
         const char *oob[3];
         bool monitor;
     } rows[] = {
-        {{}, {"disabled", "disabled", "disabled"}, false},
         {{{"wl0_wps_config_state", "1"}, {"wl1_wps_config_state", "0"}}, {"disabled", "enabled", "enabled"}, false},
         {{{"wl0_wps_config_state", "2"}, {"wl1_wps_config_state", "1"}}, {"disabled", "disabled", "disabled"}, false},
         {{{"wl0.1_wps_config_state", "0"}, {"eth0_wps_mode", "enabled"}}, {"disabled", "disabled", "disabled"}, false},
@@ -131,10 +130,6 @@ TEST_F(BringUpSession, TakesOver) {
          "",
          {{"ssid", "New"}, {"akm", "psk2 "}, {"crypto", "aes"}, {"wpa_psk", "secret12"}}},
         {"Old|wpa2psk|aes|k", "Old|wpapskmix|tkipaes|k", "", {{"akm", "psk psk2 "}, {"crypto", "tkip+aes"}}},
-        {"Old|wpa2psk|aes|k",
-         "Old|wpa2psk|aes|k",
-         "",
-         {{"ssid", "Old"}, {"akm", "psk2 "}, {"crypto", "aes"}, {"wpa_psk", "k"}}},
         // As this module's own bring-up stores them.
         {"Old|wpa2psk|aes|k", "Old|wpa2psk|aes|k", "", {{"akm", "psk2"}, {"crypto", "aes"}}},
         {"Old|wpapskmix|aes|k", "Old|wpapskmix|aes|k", "", {{"akm", "psk psk2"}}},

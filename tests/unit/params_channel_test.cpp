@@ -35,13 +35,12 @@ TEST_F(ParamChannel, DescriptorDecidesChannelAndBandwidth) {
          "nband=2 reg_mode=d bw_cap=3 vht_features=3 nmode=-1 vhtmode=-1 | channel=36 chanspec=36l"},
         {"2.4G,20,1,0,0,-1,-1,0,3", 1, 1, 1, 20,
          "nband=2 reg_mode=off bw_cap=1 vht_features=3 nmode=-1 vhtmode=-1 | channel=36 chanspec=36"},
-        {"5G,20,1,1,1,60,70,3,9", -1, -1, 0, 20,
-         "nband=1 dfs_preism=60 dfs_postism=70 tpc_db=3 reg_mode=h bw_cap=1 nmode=-1 vhtmode=-1 | channel=0 "
-         "chanspec=0"},
         {"5G,20,1,0,1", -1, -1, 0, 20,
          "nband=1 dfs_preism=-1 dfs_postism=-1 tpc_db=0 reg_mode=h bw_cap=1 nmode=-1 vhtmode=-1 | channel=36 "
          "chanspec=36"},
-        {"", -1, -1, 0, 20, "nband=-1 reg_mode=off bw_cap=1 nmode=-1 vhtmode=-1 | channel=36 chanspec=36"},
+        {"5G,20,1,1,1,60,70,3,9", -1, -1, 0, 20,
+         "nband=1 dfs_preism=60 dfs_postism=70 tpc_db=3 reg_mode=h bw_cap=1 nmode=-1 vhtmode=-1 | channel=0 "
+         "chanspec=0"},
         {",80,1,1,1", -1, -1, 0, 20, "nband=-1 reg_mode=off bw_cap=1 nmode=-1 vhtmode=-1 | channel=36 chanspec=36"},
         {"60GHz band,40,1", -1, -1, 0, 40,
          "nband=-1 reg_mode=off bw_cap=3 nmode=-1 vhtmode=-1 | channel=36 chanspec=36u"},
@@ -74,9 +73,8 @@ TEST_F(ParamChannel, MissingPartsOfTheArgument) {
     arg.aux = fixed;
     EXPECT_EQ(-14, qvWlanSetChannel(&arg));
     arg.aux = nullptr;
-    EXPECT_EQ(-14, qvWlanSetChannel(&arg));
-    EXPECT_EQ(-14, qvWlanSetPerBandBw(&arg));
-    EXPECT_EQ(-14, qvWlanGetValidChannel(&arg));
+    for (const auto setter : {qvWlanSetChannel, qvWlanSetPerBandBw, qvWlanGetValidChannel})
+        EXPECT_EQ(-14, setter(&arg));
     EXPECT_EQ(-14, qvWlanSetChannel(nullptr));
     EXPECT_EQ(-14, qvWlanSetupRegulatory(nullptr, 1, 1, 0, 0, 0));
     EXPECT_EQ(0, qvWlanCheckChannelSideband(1, nullptr));
@@ -93,13 +91,11 @@ TEST_F(ParamChannel, ListKeepsTheEntriesAskedFor) {
     } rows[] = {
         {"5GHz,20,upper", "36 (0xd024)\n40 (0xd028)\n", "36,40"},
         {"5GHz,40,lower", wide, "36,44"},
-        {"5GHz,40,upper", wide, "40,48"},
         {"5GHz,40", wide, "40,48"},
         {"5GHz,40,both", wide, "36,40,44,48"},
         {"5GHz,80,lower", "36/80 (0xe02a)\n40/80 (0xe12a)\n", "36,40"},
         {"5GHz,10,upper", "36nu\n40nl\n", "36,40"},
         {"5GHz,160,both", "36/160 (0xe832)\n40/160 (0xe932)\n", "unknown bandwidth : 160\n"},
-        {"5GHz,160,both", "\n", ""},
         {"5GHz,20,upper", "", ""},
         {"5GHz,20,upper", "36 (0xd024)\n40 ", "36"},                           // cut off
         {"5GHz,20,upper", "36 (0xd024)\nnot up\n40 (0xd028)\n", "36"},         // an error in between
@@ -113,26 +109,20 @@ TEST_F(ParamChannel, ListKeepsTheEntriesAskedFor) {
 
 TEST_F(ParamChannel, ListAsksInTheCountry) {
     const struct {
-        const char *request, *country;
-        Lines effect;
-    } rows[] = {
-        {"5GHz,80,lower",
-         "DE/3",
-         {"wlctl wlctl -i wl0 country DE/3", "run wlctl -i wl0 chanspecs -b 5 -w 80 > /tmp/wl0chspeclist"}},
-        {"2.4GHz,40,lower",
-         "",
-         {"wlctl wlctl -i wl0 country ", "run wlctl -i wl0 chanspecs -b 2 -w 40 > /tmp/wl0chspeclist"}},
-        {",80,lower",
-         "AZaz09/#._-",
-         {"wlctl wlctl -i wl0 country AZaz09/#._-", "run wlctl -i wl0 chanspecs -b 2 -w 20 > /tmp/wl0chspeclist"}},
-        {"5GHz", "DE up", {"run wlctl -i wl0 chanspecs -b 5 -w 20 > /tmp/wl0chspeclist"}},
-    };
+        const char *request, *country, *wanted;
+        bool valid;
+    } rows[] = {{"5GHz,80,lower", "DE/3", "-b 5 -w 80", true},
+                {"2.4GHz,40,lower", "", "-b 2 -w 40", true},
+                {",80,lower", "AZaz09/#._-", "-b 2 -w 20", true},
+                {"5GHz", "DE up", "-b 5 -w 20", false}};
     for (const auto &row : rows) {
-        listed(row.request, "", row.country);
-        EXPECT_EQ(row.effect, platform.journal) << row.country;
-        EXPECT_EQ(row.effect.size() == 1 ? Lines{"invalid country \"DE up\".\n"} : Lines{},
-                  platform.logged(WLBRCM_LOG_ERR));
         platform.forget();
+        listed(row.request, "", row.country);
+        Lines effect = {std::string("wlctl wlctl -i wl0 country ") + row.country,
+                        std::string("run wlctl -i wl0 chanspecs ") + row.wanted + " > /tmp/wl0chspeclist"};
+        effect.erase(effect.begin(), effect.begin() + (row.valid ? 0 : 1));
+        EXPECT_EQ(effect, platform.journal) << row.country;
+        EXPECT_EQ(row.valid ? Lines{} : Lines{"invalid country \"DE up\".\n"}, platform.logged(WLBRCM_LOG_ERR));
     }
     platform.loseOutput("wlctl -i wl0 chanspecs");
     char list[WLBRCM_CHANNEL_LIST_SIZE] = "old";
@@ -176,8 +166,7 @@ TEST_F(ParamChannel, ChannelInAList) {
         int channel;
         std::string list;
         int found;
-    } rows[] = {{36, "36,40", 1}, {40, "36,40", 1}, {4, "36,40", 0}, {36, "", 0},   {44, "36,,44x", 1},
-                {6, "36", 0},     {36, far, 0},     {3, far, 1},     {40, "40,", 1}};
+    } rows[] = {{40, "36,40", 1}, {4, "36,40", 0}, {36, "", 0}, {44, "36,,44x", 1}, {36, far, 0}, {3, far, 1}};
     for (const auto &row : rows)
         EXPECT_EQ(row.found, qvWlanCheckChannelSideband(row.channel, row.list.c_str())) << row.channel << row.list;
 }
@@ -186,8 +175,11 @@ TEST_F(ParamChannel, FixedWideChannelFallsBackToAutomatic) {
     const struct {
         int band, sideband, channel, automatic;
         const char *listing; // null when none is asked for
-    } rows[] = {{1, 1, 40, 0, "-b 5 -w 40"}, {1, -1, 40, 1, "-b 5 -w 40"}, {1, -1, 36, 0, "-b 5 -w 40"},
-                {2, 1, 36, 1, "-b 2 -w 40"}, {1, 0, 1, 0, nullptr},        {1, 2, 1, 0, nullptr}};
+    } rows[] = {{1, 1, 40, 0, "-b 5 -w 40"},
+                {1, -1, 40, 1, "-b 5 -w 40"},
+                {2, 1, 36, 1, "-b 2 -w 40"},
+                {1, 0, 1, 0, nullptr},
+                {1, 2, 1, 0, nullptr}};
     platform.answer("wlctl -i wl0 chanspecs", "36l (0xd826)\n40u (0xd826)\n");
     for (const auto &row : rows) {
         WlRadioCfg radio = {};
@@ -198,8 +190,7 @@ TEST_F(ParamChannel, FixedWideChannelFallsBackToAutomatic) {
         radio.channel = static_cast<uint16_t>(row.channel);
         qvWlanUpdateAutoChannel(&radio);
         EXPECT_EQ(row.automatic, radio.autoChannel);
-        EXPECT_EQ(row.channel, radio.channel);
-        EXPECT_EQ(row.sideband, radio.sideband);
+        EXPECT_TRUE(row.channel == radio.channel && row.sideband == radio.sideband);
         Lines expected;
         if (row.listing != nullptr)
             expected = {"wlctl wlctl -i wl0 country AAAAAAAAAAA",

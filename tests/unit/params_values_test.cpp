@@ -72,11 +72,9 @@ constexpr char kPowerUsage[] = "1~100 (power output percentage)\n";
     "kbit latency 50ms burst " burst "kb 2> /dev/null"
 
 const Row kRows[] = {
-    ACCEPTS(qvWlanSetGlobalMaxStaNum, "32", "set wl0.1_maxassoc=32"),
     ACCEPTS(qvWlanSetGlobalMaxStaNum, "abc", "set wl0.1_maxassoc=0"),
     ACCEPTS(qvWlanSetPerBssMaxStaNum, "abc", "set wl0.1_bss_maxassoc=abc"),
     ACCEPTS(qvWlanSetPerBssMaxStaNum, "", "unset wl0.1_bss_maxassoc"),
-    ACCEPTS(qvWlanSetCountryCode, "DE/3", "set wl0.1_country_code=DE|set wl0.1_country_rev=3"),
     ACCEPTS(qvWlanSetCountryCode, "US", "set wl0.1_country_code=US|set wl0.1_country_rev=0"),
     ACCEPTS(qvWlanSetCountryCode, "US/", "set wl0.1_country_code=US|set wl0.1_country_rev=0"),
     ACCEPTS(qvWlanSetCountryCode, "/a/b", "unset wl0.1_country_code|set wl0.1_country_rev=a/b"),
@@ -86,7 +84,6 @@ const Row kRows[] = {
     ACCEPTS(qvWlanSetPreSharedKey, "", "unset wl0.1_wpa_psk"),
     ACCEPTS(qvWlanSetWepKey, "12345 ", "set wl0.1_key1=12345"),
     ACCEPTS(qvWlanSetMulticastRate, "0", "set wl0.1_mrate=-1"),
-    ACCEPTS(qvWlanSetMulticastRate, "11", "set wl0.1_mrate=11"),
     REFUSES(qvWlanSetBeaconPeriod, "19", kBeaconUsage),
     ACCEPTS(qvWlanSetBeaconPeriod, "20", "set wl0.1_bcn=20|set wl0.1_bcn_rotate=1"),
     ACCEPTS(qvWlanSetBeaconPeriod, "1024", "set wl0.1_bcn=1024|set wl0.1_bcn_rotate=1"),
@@ -101,10 +98,8 @@ const Row kRows[] = {
     ACCEPTS(qvWlanSetStbcTx, "-2", "set wl0.1_stbc_tx=off"),
     ACCEPTS(qvWlanSetWdsMacList, "00:11:22:33:44:55 ", "set wl0.1_wds=00:11:22:33:44:55"),
     ACCEPTS(qvWlanSetWdsMacList, "", "unset wl0.1_wds"),
-    ACCEPTS(qvWlanSetWlMode, "ap", "set wl0.1_mode=ap"),
     ACCEPTS(qvWlanSetATF, "1", "set wl0.1_atf=1"),
     ACCEPTS(qvWlanSetATF, "01", "set wl0.1_atf=0"),
-    ACCEPTS(qvWlanSetATF, " 1", "set wl0.1_atf=0"),
     REFUSES(qvWlanSetInterferenceMode, "-2", ""),
     ACCEPTS(qvWlanSetInterferenceMode, "-1", "run wlctl -i wl0.1 interference_override -1"),
     ACCEPTS(qvWlanSetInterferenceMode, "4", "run wlctl -i wl0.1 interference_override 4"),
@@ -120,7 +115,6 @@ const Row kRows[] = {
             "set wl0.1_radio_pwrsave_quiet_time=20|set wl0.1_radio_pwrsave_pps=0|set wl0.1_radio_pwrsave_level=0"),
     ACCEPTS(qvWlanSetUpstreamRate, "-1", "run tc qdisc del dev wl0.1 ingress 2> /dev/null"),
     ACCEPTS(qvWlanSetUpstreamRate, "0", "run tc qdisc del dev wl0.1 ingress 2> /dev/null"),
-    ACCEPTS(qvWlanSetUpstreamRate, "none", "run tc qdisc del dev wl0.1 ingress 2> /dev/null"),
     ACCEPTS(qvWlanSetUpstreamRate, "1", POLICES("1", "50")),
     ACCEPTS(qvWlanSetUpstreamRate, "4999", POLICES("4999", "50")),
     ACCEPTS(qvWlanSetUpstreamRate, "5000", POLICES("5000", "100")),
@@ -128,7 +122,6 @@ const Row kRows[] = {
     ACCEPTS(qvWlanSetUpstreamRate, "10000", POLICES("10000", "150")),
     ACCEPTS(qvWlanSetUpstreamRate, "14999", POLICES("14999", "150")),
     ACCEPTS(qvWlanSetUpstreamRate, "15000", POLICES("15000", "200")),
-    ACCEPTS(qvWlanSetUpstreamRate, "2147483647", POLICES("2147483647", "200")),
     ACCEPTS(qvWlanSetDownstreamRate, "0", "run tc qdisc del dev wl0.1 root 2> /dev/null"),
     ACCEPTS(qvWlanSetDownstreamRate, "1", SHAPES("1", "10")),
     ACCEPTS(qvWlanSetDownstreamRate, "9999", SHAPES("9999", "10")),
@@ -145,7 +138,7 @@ const Row kOthers[] = {
     REFUSES(qvWlanSetStbcRx, "", ""),       REFUSES(qvWlanSetBGProtection, "", ""),
     REFUSES(qvWlanSetAuthMode, "", ""),     REFUSES(qvWlanSetEncrypType, "", ""),
     REFUSES(qvWlanSetAutoChPolicy, "", ""), REFUSES(qvWlanAutoChannelSkip, "", ""),
-    REFUSES(qvWlanChannelList, "", ""),
+    REFUSES(qvWlanChannelList, "", ""),     REFUSES(qvWlanSetWlMode, "", ""),
 };
 
 std::string joined(const Lines &lines) {

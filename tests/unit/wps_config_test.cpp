@@ -86,15 +86,11 @@ TEST_F(WpsConfig, ABareDeviceGetsDefaults) {
         init();
         EXPECT_EQ(WLBRCM_DEFAULT_DEVICE_PIN, platform.nvram["wps_device_pin"]) << pin;
     }
-    for (const auto &[key, value] : std::map<std::string, std::string>{{"wps_version2", "disabled"},
-                                                                       {"wps_modelname", "Broadcom"},
-                                                                       {"wps_device_name", "KorvaAP"},
-                                                                       {"wps_mfstring", "Broadcom"},
-                                                                       {"wps_mf_url", WLBRCM_CHIP_MAKER_URL},
-                                                                       {"wps_modelnum", "123456"},
-                                                                       {"wl0_wps_led", "3"},
-                                                                       {"wl0_wps_mode", "disabled"},
-                                                                       {"wl0.5_wps_mode", "disabled"}})
+    const char *const rows[][2] = {
+        {"wps_version2", "disabled"}, {"wps_modelname", "Broadcom"},  {"wps_device_name", "KorvaAP"},
+        {"wps_mfstring", "Broadcom"}, {"wps_modelnum", "123456"},     {"wps_mf_url", WLBRCM_CHIP_MAKER_URL},
+        {"wl0_wps_mode", "disabled"}, {"wl0.5_wps_mode", "disabled"}, {"wl0_wps_led", "3"}};
+    for (const auto &[key, value] : rows)
         EXPECT_EQ(value, platform.nvram[key]) << key;
     EXPECT_EQ(Lines{}, platform.did("unset wps_modeldes"));
     EXPECT_EQ(Lines{}, platform.did("set wl0_wps_oob"));
@@ -255,6 +251,8 @@ TEST_F(WpsConfig, PinsComeFromTheBoardOrAreMade) {
 }
 
 TEST_F(WpsConfig, Setters) {
+    constexpr char configured[] = "set wl1_wps_config_state=1; set wl_wps_config_state=1; set lan_wps_oob=disabled";
+    constexpr char outOfBox[] = "set wl1_wps_config_state=0; set wl_wps_config_state=0; set lan_wps_oob=enabled";
     const struct {
         int (*setter)(WlanParamArg *);
         std::map<std::string, std::string> before;
@@ -270,18 +268,8 @@ TEST_F(WpsConfig, Setters) {
         {qvWlanSetWpsMethod, {}, "PBC", "", -14, ""},
         {qvWlanSetWpsPinCode, {}, "12345670 ", "", 0, "set wps_sta_pin=12345670 "},
         {qvWlanSetWpsConfStatus, {}, "1", "1", 0, "set wl1_wps_config_state=1"},
-        {qvWlanSetWpsConfStatus,
-         {},
-         "1",
-         "0",
-         0,
-         "set wl1_wps_config_state=1; set wl_wps_config_state=1; set lan_wps_oob=disabled"},
-        {qvWlanSetWpsConfStatus,
-         {},
-         "0",
-         "0",
-         0,
-         "set wl1_wps_config_state=0; set wl_wps_config_state=0; set lan_wps_oob=enabled"},
+        {qvWlanSetWpsConfStatus, {}, "1", "0", 0, configured},
+        {qvWlanSetWpsConfStatus, {}, "0", "0", 0, outOfBox},
         {qvWlanSetWpsConfStatus, {}, "2", "0", -14, ""},
         {qvWlanSetWpsConfStatus, {}, "-1", "0", -14, ""},
         {qvWlanSetWpsVendorPinCode, {}, "12345670", "", 0, "set wps_device_pin=12345670"},

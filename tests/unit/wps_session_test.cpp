@@ -109,7 +109,6 @@ TEST_F(WpsSession, Replies) {
         {"xwps_action=1 wps_actionx=1 WPS_ACTION=1 ", "0 0 0 old "},
         {many + "wps_action=31 wps_method=32", "0 31 0 old "}, // 31 tokens are read
         {"", "0 0 0 old "},
-        {" ", "0 0 0 old "},
     };
     for (const auto &row : rows) {
         preset();
@@ -129,7 +128,6 @@ TEST_F(WpsSession, QueriesTakeOneReplyOver) {
         {"wps_action=3 " + std::string(60000, ' '), "0 3 0 old "},
         {std::string("wps_action=3\0 wps_method=2", 26), "0 3 0 old "},
         {std::string(240, '\xff') + " wps_action=3333", "0 333 0 old "}, // the 255th byte is the last
-        {"x", "0 0 0 old "},
     };
     for (const auto &row : rows) {
         preset();
@@ -208,7 +206,6 @@ TEST_F(WpsSession, RefusedStartsSendNothing) {
         int result;
     } rows[] = {
         {"wl0", "client", "", -5},
-        {"wl0", "", nullptr, -5},
         {"wl0", "client-pbc-hw", nullptr, -14},
         {"wl0", "client-pbc-hw", "", -14},
         {"wl0", "client-pin", nullptr, -14},
