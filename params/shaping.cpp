@@ -29,42 +29,42 @@ template <size_t Count> int burstFor(int rate, const BurstStep (&steps)[Count]) 
     return burst;
 }
 
+// What a limit is made of, each with the interface; an earlier limit is always removed first, so that there is never
+// more than one queue.
+struct Limit {
+    const char *remove;
+    const char *prepare; // null when nothing is needed
+    const char *add;     // also with rate and burst
+};
+constexpr Limit kUpstream = {
+    "tc qdisc del dev %s ingress 2> /dev/null", "tc qdisc add dev %s handle ffff: ingress 2> /dev/null",
+    "tc filter add dev %s parent ffff: protocol all u32 match u32 0 0 police rate %dkbit burst "
+    "%dkb drop flowid :1 2> /dev/null"};
+constexpr Limit kDownstream = {"tc qdisc del dev %s root 2> /dev/null", nullptr,
+                               "tc qdisc add dev %s root tbf rate %dkbit latency 50ms burst %dkb 2> /dev/null"};
+
+template <size_t Count>
+int setLimit(Here here, const WlanParamArg *arg, const Limit &limit, const BurstStep (&bursts)[Count]) {
+    if (!hasValue(arg))
+        return WLBRCM_EINVAL;
+    const InterfaceName bss(here, arg->prefix);
+    if (!bss)
+        return WLBRCM_EINVAL;
+    const int rate = decimal(arg->value);
+    runCommand(here, limit.remove, bss);
+    if (rate < 1)
+        return WLBRCM_OK;
+    if (limit.prepare != nullptr)
+        runCommand(here, limit.prepare, bss);
+    runCommand(here, limit.add, bss, rate, burstFor(rate, bursts));
+    return WLBRCM_OK;
+}
+
 } // namespace
 
-// An earlier limit is always removed first, so that there is never more than one queue.
+int qvWlanSetUpstreamRate(WlanParamArg *arg) { return setLimit(WLBRCM_HERE, arg, kUpstream, kUpstreamBursts); }
 
-int qvWlanSetUpstreamRate(WlanParamArg *arg) {
-    if (!hasValue(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName bss(WLBRCM_HERE, arg->prefix);
-    if (!bss)
-        return WLBRCM_EINVAL;
-    const int rate = decimal(arg->value);
-    runCommand(WLBRCM_HERE, "tc qdisc del dev %s ingress 2> /dev/null", bss);
-    if (rate < 1)
-        return WLBRCM_OK;
-    runCommand(WLBRCM_HERE, "tc qdisc add dev %s handle ffff: ingress 2> /dev/null", bss);
-    runCommand(WLBRCM_HERE,
-               "tc filter add dev %s parent ffff: protocol all u32 match u32 0 0 police rate %dkbit burst %dkb drop "
-               "flowid :1 2> /dev/null",
-               bss, rate, burstFor(rate, kUpstreamBursts));
-    return WLBRCM_OK;
-}
-
-int qvWlanSetDownstreamRate(WlanParamArg *arg) {
-    if (!hasValue(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName bss(WLBRCM_HERE, arg->prefix);
-    if (!bss)
-        return WLBRCM_EINVAL;
-    const int rate = decimal(arg->value);
-    runCommand(WLBRCM_HERE, "tc qdisc del dev %s root 2> /dev/null", bss);
-    if (rate < 1)
-        return WLBRCM_OK;
-    runCommand(WLBRCM_HERE, "tc qdisc add dev %s root tbf rate %dkbit latency 50ms burst %dkb 2> /dev/null", bss, rate,
-               burstFor(rate, kDownstreamBursts));
-    return WLBRCM_OK;
-}
+int qvWlanSetDownstreamRate(WlanParamArg *arg) { return setLimit(WLBRCM_HERE, arg, kDownstream, kDownstreamBursts); }
 
 int qvWlanFlowCacheSetup(WlanParamArg *arg, int enabled) {
     if (!hasValue(arg))
