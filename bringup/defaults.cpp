@@ -2,8 +2,9 @@
 #include <wlbrcm/bringup.h>
 
 #include "bringup/entries.h"
-#include "module/command.h"
+#include "module/channel.h"
 #include "module/nvram.h"
+#include "module/record.h"
 
 using namespace wlbrcm;
 
@@ -24,33 +25,18 @@ void deriveAddress(const uint8_t (&base)[6], int i, int bssCount, char (&text)[1
     copyText(text, Text<18>("%02X:%02X:%02X:%02X:%02X:%02X", first, base[1], base[2], base[3], base[4], last).view());
 }
 
-struct Width {
-    int megahertz;
-    int capability; // bit mask of the widths 20, 40 and 80
-};
-constexpr Width kWidths[] = {{80, 7}, {40, 3}};
-
-int widthCapability(int megahertz) {
-    for (const Width &row : kWidths) {
-        if (row.megahertz == megahertz)
-            return row.capability;
-    }
-    return 1;
-}
-
-void writeDisabledBss(Here here, const WlRadioCfg *radio, const char *ifname) {
-    if (*ifname == '\0')
-        return;
+void writeDisabledBss(Here here, const WlRadioCfg *radio, const InterfaceName &ifname) {
     writeInt(here, ifname, "bss_enabled", 0);
     writeInt(here, ifname, "radio", radio->radioOn);
 }
 
-void writeEnabledBss(Here here, const WlRadioCfg *radio, const WlSsidCfg &entry, const char *ifname, bool primary) {
+void writeEnabledBss(Here here, const WlRadioCfg *radio, const WlSsidCfg &entry, const InterfaceName &ifname,
+                     bool primary) {
     const std::string_view wep = fieldText(entry.encryption) == "wep" ? "enabled" : "disabled";
     writeInt(here, ifname, "radio", radio->radioOn);
     writeText(here, ifname, "hwaddr", fieldText(entry.macText));
     writeInt(here, ifname, "bss_enabled", 1);
-    writeText(here, ifname, "ifname", ifname);
+    writeText(here, ifname, "ifname", ifname.c_str());
     writeText(here, ifname, "mode", "ap");
     writeText(here, ifname, "wep", wep);
     if (primary)
@@ -71,33 +57,32 @@ int qvWlanInit(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *caps) {
     return WLBRCM_OK;
 }
 
-int qvWlanSetASPM(WlRadioCfg *radio, WlCaps *caps) {
-    const auto ifname = usableName(WLBRCM_HERE, fieldText(radio->ifName));
-    if (!ifname)
-        return WLBRCM_EINVAL;
-    const Command command("%s -i %s aspm 0x0", caps->dhd != 0 ? Word("dhdctl") : Word("wlctl"), *ifname);
-    return command.text.fits() ? WLBRCM_OK : WLBRCM_EINVAL;
+// Power management of the bus stays as the driver has it.
+int qvWlanSetASPM(WlRadioCfg *radio, WlCaps *) {
+    return usableName(WLBRCM_HERE, fieldText(radio->ifName)) ? WLBRCM_OK : WLBRCM_EINVAL;
 }
 
 int qvWlanChipVarInit(WlRadioCfg *, WlSsidCfg *) { return WLBRCM_OK; }
 
 int qvWlanNvramInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     const int count = EntriesInUse::countOf(radio);
-    const FieldCopy radioName(radio->ifName);
-    char vifs[256] = "";
+    const InterfaceName radioName(WLBRCM_HERE, fieldText(radio->ifName));
+    char vifs[WLBRCM_MAX_BSS * 16] = "";
     writeInt(WLBRCM_HERE, Key("acs_no_restrict_align"), 1);
     for (int i = 0; i < count; ++i) {
-        const FieldCopy ifname(bss[i].ifName);
-        if (bss[i].enable == 0 || *ifname.c_str() == '\0') {
-            writeDisabledBss(WLBRCM_HERE, radio, ifname.c_str());
+        const auto ifname = usableName(WLBRCM_HERE, fieldText(bss[i].ifName));
+        if (!ifname)
+            continue;
+        if (bss[i].enable == 0) {
+            writeDisabledBss(WLBRCM_HERE, radio, *ifname);
             continue;
         }
         deriveAddress(radio->baseMac, i, count, bss[i].macText);
-        if (i > 0 && !appendWord(vifs, ifname.c_str()))
-            WLBRCM_LOG(LOG_ERR, "no room for %s in the vifs list.\n", ifname.c_str());
-        writeEnabledBss(WLBRCM_HERE, radio, bss[i], ifname.c_str(), i == 0);
+        if (i > 0)
+            appendWord(vifs, ifname->c_str());
+        writeEnabledBss(WLBRCM_HERE, radio, bss[i], *ifname, i == 0);
     }
-    writeText(WLBRCM_HERE, radioName.c_str(), "vifs", vifs);
-    writeInt(WLBRCM_HERE, radioName.c_str(), "bw_cap", widthCapability(radio->bandwidth));
+    writeText(WLBRCM_HERE, radioName, "vifs", vifs);
+    writeInt(WLBRCM_HERE, radioName, "bw_cap", bandwidthCapability(radio->bandwidth));
     return WLBRCM_OK;
 }

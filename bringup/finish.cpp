@@ -1,11 +1,14 @@
 // The last step of a bring-up: the platform takes the configuration up.
+#include <fcntl.h>
 #include <sched.h>
+#include <unistd.h>
 
 #include <wlbrcm/bringup.h>
 
-#include "bringup/entries.h"
 #include "module/command.h"
+#include "module/numbers.h"
 #include "module/nvram.h"
+#include "module/record.h"
 
 using namespace wlbrcm;
 
@@ -14,10 +17,10 @@ namespace {
 constexpr char kAcsDaemon[] = "/bin/acsd";
 
 bool fileExists(const char *path) {
-    FILE *file = fopen(path, "r");
-    if (file == nullptr)
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0)
         return false;
-    fclose(file);
+    close(file);
     return true;
 }
 
@@ -28,7 +31,7 @@ void qvWlanSetupBridge(const WlRadioCfg *radio, WlSsidCfg *bss) {
         const auto ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
         const auto bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge));
         if (ifname && bridge)
-            runCommand(WLBRCM_HERE, "brctl addif %s %s", *bridge, *ifname);
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("brctl addif %s %s"), *bridge, *ifname);
     }
 }
 
@@ -37,21 +40,21 @@ void qvWlanSetupBridge(const WlRadioCfg *radio, WlSsidCfg *bss) {
 void startLinkDiscovery(Here here) {
     const std::string_view text = nvramText("lan_ifname");
     if (text.empty())
-        runCommand(here, "/bin/lld2d %s", Word(""));
+        runCommand(here, WLBRCM_COMMAND("/bin/lld2d "));
     else if (const auto bridge = usableName(here, text))
-        runCommand(here, "/bin/lld2d %s", *bridge);
+        runCommand(here, WLBRCM_COMMAND("/bin/lld2d %s"), *bridge);
 }
 
 void qvWlanStartServices() {
     startLinkDiscovery(WLBRCM_HERE);
-    runCommand(WLBRCM_HERE, "/bin/eapd");
-    runCommand(WLBRCM_HERE, "/bin/nas");
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("/bin/eapd"));
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("/bin/nas"));
 }
 
 // A preset SSID is configured like any other, but stays down and unlisted until it is enabled on demand.
 void holdBack(Here here, const InterfaceName &ifname) {
     qvbrcm_SetVifsForPresetIntf(0, ifname.c_str());
-    runCommand(here, "wl -i %s bss down", ifname);
+    runCommand(here, WLBRCM_COMMAND("wl -i %s bss down"), ifname);
 }
 
 void qvWlanIfaceUp(const WlRadioCfg *radio, WlSsidCfg *bss) {
@@ -63,7 +66,7 @@ void qvWlanIfaceUp(const WlRadioCfg *radio, WlSsidCfg *bss) {
         if (ifname && preset)
             holdBack(WLBRCM_HERE, *ifname);
         else if (ifname)
-            runCommand(WLBRCM_HERE, "ifconfig %s up 2>/dev/null", *ifname);
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s up 2>/dev/null"), *ifname);
     }
 }
 
@@ -74,8 +77,7 @@ bool entryFollowsInUse(const WlRadioCfg *radio, const WlSsidCfg *bss) {
 
 // Manufacturing drivers call themselves so.
 bool isTestDriver(const InterfaceName &ifname) {
-    const Command command("wlctl -i %s ver | grep WLTEST", ifname);
-    CommandOutput output(command.text.c_str());
+    CommandOutput output(WLBRCM_COMMAND("wlctl -i %s ver | grep WLTEST"), ifname);
     char line[128];
     return output.next(line) && line[0] != '\0' && line[0] != '\n';
 }
@@ -92,7 +94,7 @@ void startRadio(Here here, const WlRadioCfg *radio, WlSsidCfg *bss, const char *
     qvWlanIfaceUp(radio, bss);
     const auto ifname = usableName(here, radioName);
     if (ifname && !entryFollowsInUse(radio, bss))
-        runCommand(here, "ifconfig %s up 2>/dev/null", *ifname);
+        runCommand(here, WLBRCM_COMMAND("ifconfig %s up 2>/dev/null"), *ifname);
     qvWlanSetPriority(radioName);
     if (ifname)
         tuneDriver(here, radio, *ifname);
@@ -107,15 +109,13 @@ void makeRealtime(int pid, const char *ifname) {
 
 // The CPU that serves an interface, as the driver tells it; -1 when it does not.
 int readEventCpu(Here here, const InterfaceName &ifname) {
-    const ResultPath path("/tmp/wlctl_tp_id");
-    runUnlogged(here, "wlctl -i %s tp_id > %s", ifname, path);
-    ResultFile report(path);
+    Report report(unlogged(here), ResultPath("/tmp/wlctl_tp_id"), WLBRCM_COMMAND("wlctl -i %s tp_id > %s"), ifname);
     if (!report)
         return -1;
-    char text[64] = "";
-    const auto length = static_cast<int>(fread(text, 1, sizeof text - 1, report.stream()));
+    char text[64];
+    const auto length = static_cast<int>(report.lines().rest(text));
     const int cpu = decimal(text);
-    WLBRCM_LOG_AT(here, LOG_DEBUG, "read of output: rc=%d cpu=%d buf=%s\n", length, cpu, text);
+    WLBRCM_LOG_AT(here, LOG_DEBUG, "read of output: rc=%d cpu=%d buf=%s\n", length, cpu, Shown(text).c_str());
     return cpu;
 }
 
@@ -147,8 +147,8 @@ int qvWlanSetIfaceMAC(WlRadioCfg *radio, WlSsidCfg *bss) {
         const MacText mac(WLBRCM_HERE, fieldText(entry.macText));
         if (!mac)
             continue;
-        runCommand(WLBRCM_HERE, "ifconfig %s hw ether %s &>/dev/null", *ifname, mac);
-        runCommand(WLBRCM_HERE, "wlctl -i %s cur_etheraddr %s &>/dev/null", *ifname, mac);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s hw ether %s &>/dev/null"), *ifname, mac);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s cur_etheraddr %s &>/dev/null"), *ifname, mac);
     }
     return WLBRCM_OK;
 }
@@ -189,7 +189,7 @@ int qvbrcm_SetWlanMacAddr(WlIntf *intf, const uint8_t mac[6]) {
     memcpy(intf->macAddr, mac, sizeof intf->macAddr);
     WLBRCM_LOG(LOG_DEBUG, "change %s MAC address, macaddr = %.2x:%.2x:%.2x:%.2x:%.2x:%.2x\n", ifname.c_str(), mac[0],
                mac[1], mac[2], mac[3], mac[4], mac[5]);
-    runCommand(WLBRCM_HERE, "ifconfig %s hw ether %.2x:%.2x:%.2x:%.2x:%.2x:%.2x", ifname, mac[0], mac[1], mac[2],
-               mac[3], mac[4], mac[5]);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s hw ether %.2x:%.2x:%.2x:%.2x:%.2x:%.2x"), ifname, mac[0],
+               mac[1], mac[2], mac[3], mac[4], mac[5]);
     return WLBRCM_OK;
 }

@@ -5,6 +5,7 @@
 
 #include "bringup/entries.h"
 #include "module/command.h"
+#include "module/daemons.h"
 #include "module/nvram.h"
 
 using namespace wlbrcm;
@@ -50,9 +51,9 @@ void writeWiredMembers(Here here, const WlLanInfo &info) {
     for (std::string_view member; members.next(&member);) {
         if (!contains(member, "eth") && !contains(member, "usb"))
             continue;
-        const auto length = static_cast<int>(member.size());
-        writeText(here, Key("%.*s_ifname", length, member.data()), member);
-        writeText(here, Key("%.*s_hwaddr", length, member.data()), "");
+        const InterfaceName name(here, member);
+        writeText(here, name, "ifname", member);
+        writeText(here, name, "hwaddr", "");
     }
 }
 
@@ -68,19 +69,20 @@ struct WpsSummary {
     bool allConfigured = true;
     bool on = false;
 
-    void addRadio(std::string_view radio) {
-        const auto length = static_cast<int>(radio.size());
-        const char *configured = nvram_get(Key("%.*s_wps_config_state", length, radio.data()).c_str());
+    void addRadio(const InterfaceName &radio) {
+        const char *configured = nvram_get(keyOf(radio, "wps_config_state").c_str());
         if (configured != nullptr)
             allConfigured = allConfigured && decimal(configured) != 0;
-        on = on || nvram_match(Key("%.*s_wps_mode", length, radio.data()).c_str(), "enabled") != 0;
+        on = on || nvram_match(keyOf(radio, "wps_mode").c_str(), "enabled") != 0;
     }
 
-    void addGroup(const WlLanInfo &info) {
+    void addGroup(Here here, const WlLanInfo &info) {
         Words members(fieldText(info.ifnames));
         for (std::string_view member; members.next(&member);) {
-            if (startsWith(member, "wl") && !contains(member, "."))
-                addRadio(member);
+            if (!startsWith(member, "wl") || contains(member, "."))
+                continue;
+            if (const InterfaceName radio(here, member); radio)
+                addRadio(radio);
         }
     }
 };
@@ -115,17 +117,15 @@ void qvWlanLanVarUpdate(WlLanInfo *list, int count) {
     qvWlanLanVarInit(list, count);
     WpsSummary wps;
     for (int k = 0; k < count; ++k) {
-        wps.addGroup(list[k]);
+        wps.addGroup(WLBRCM_HERE, list[k]);
         writeText(WLBRCM_HERE, groupKey(k, "wps_reg"), "enabled");
         writeText(WLBRCM_HERE, groupKey(k, "wps_oob"), wps.allConfigured ? "disabled" : "enabled");
     }
     if (wps.on) {
-        runCommand(WLBRCM_HERE, "killall -15 wps_monitor 2>/dev/null");
-        runCommand(WLBRCM_HERE, "rm /tmp/wps_monitor.pid 2>/dev/null");
-        runCommand(WLBRCM_HERE, "/bin/wps_monitor &");
+        stopWpsMonitor(WLBRCM_HERE);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("/bin/wps_monitor &"));
     }
-    runCommand(WLBRCM_HERE, "killall eapd");
-    runCommand(WLBRCM_HERE, "/bin/eapd");
+    restartEapd(WLBRCM_HERE);
 }
 
 int qvbrcm_UpdateLaninfo(void *, void *, const WlLanCfg *lan) {

@@ -1,13 +1,13 @@
 // The operations of the host: first configuration, reload, and what a WPS session changed.
 #include <cstdlib>
-#include <unistd.h>
 
 #include <wlbrcm/bringup.h>
 #include <wlbrcm/wps.h>
 
-#include "bringup/entries.h"
 #include "module/command.h"
 #include "module/nvram.h"
+#include "module/record.h"
+#include "module/waiting.h"
 
 using namespace wlbrcm;
 
@@ -54,8 +54,8 @@ struct Cipher {
 };
 constexpr Cipher kCiphers[] = {{"aes", "aes"}, {"tkip+aes", "tkipaes"}};
 
-const char *sessionValue(const WlRadioCfg *radio, const char *suffix) {
-    return nvram_get(Key("%s_%s", FieldCopy(radio->ifName).c_str(), suffix).c_str());
+const char *sessionValue(const InterfaceName &radio, const char *suffix) {
+    return nvram_get(keyOf(radio, suffix).c_str());
 }
 
 // Copies a value into its field, cut to it; false when the field already holds just that.
@@ -101,7 +101,10 @@ bool takeOverCipher(WlSsidCfg *entry, const char *crypto) {
     return false;
 }
 
-bool takeOverSession(Here here, const WlRadioCfg *radio, WlSsidCfg *entry) {
+bool takeOverSession(Here here, const WlRadioCfg *cfg, WlSsidCfg *entry) {
+    const InterfaceName radio(here, fieldText(cfg->ifName));
+    if (!radio)
+        return false;
     bool changed = takeOverText(entry->ssidName, sessionValue(radio, "ssid"));
     changed |= takeOverKeyManagement(here, entry, sessionValue(radio, "akm"));
     if (!contains(fieldText(entry->authMode), "wpa"))
@@ -143,8 +146,9 @@ void qvbrcm_ChannelSwitchAnnounce(WlRadioCfg *radio, WlSsidCfg *bss) {
         if (bss[i].presetRole != WLBRCM_PRESET_ANNOUNCER)
             continue;
         if (const auto ifname = usableName(WLBRCM_HERE, fieldText(bss[i].ifName))) {
-            runCommand(WLBRCM_HERE, "wl -i %s csa 0 20 %d/%d", *ifname, radio->channel, radio->bandwidth);
-            sleep(kAnnounceSeconds);
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wl -i %s csa 0 20 %d/%d"), *ifname, radio->channel,
+                       int{radio->bandwidth});
+            pauseFor(kAnnounceSeconds);
         }
         return;
     }

@@ -3,6 +3,7 @@
 #define WLBRCM_BRINGUP_PARAMS_RECORD_H
 
 #include <wlbrcm/params.h>
+#include <wlbrcm/radio.h>
 
 #include "module/text.h"
 
@@ -18,8 +19,7 @@ class ParamsRecord {
     ParamsRecord(const ParamsRecord &) = delete;
     ParamsRecord &operator=(const ParamsRecord &) = delete;
 
-    // False when the name is too long for an nvram prefix; nothing may then be set for it.
-    bool prefix(std::string_view name) { return copyText(prefix_, name); }
+    void prefix(std::string_view name) { copyText(prefix_, name); }
     void index(int number) { arg_.index = number; }
     void aux(std::string_view text) { copyText(aux_, text); }
     template <size_t Size> void aux(const Text<Size> &text) { aux(text.view()); }
@@ -37,7 +37,7 @@ class ParamsRecord {
     WlanParamArg *arg() { return &arg_; }
 
   private:
-    char prefix_[32] = "";
+    char prefix_[sizeof WlRadioCfg::ifName + 1] = "";
     char value_[256] = "";
     char aux_[256] = "";
     WlanParamArg arg_;

@@ -12,9 +12,9 @@ namespace {
 using VifList = Text<64>;
 
 // The radio's name is what stands before the first dot.
-Text<8> radioOf(const InterfaceName &ifname) {
-    const auto length = static_cast<int>(strcspn(ifname.c_str(), "."));
-    return Text<8>("%.*s", length < 7 ? length : 7, ifname.c_str());
+InterfaceName radioOf(Here here, const InterfaceName &ifname) {
+    const size_t length = strcspn(ifname.c_str(), ".");
+    return {here, {ifname.c_str(), length < 7 ? length : 7}};
 }
 
 // The word of a list that is `name`, as part of the list; empty when there is none.
@@ -54,8 +54,10 @@ int qvbrcm_SetVifsForPresetIntf(int enable, const char *ifname) {
     if (!name)
         return WLBRCM_EINVAL;
     WLBRCM_LOG(LOG_DEBUG, "enable %d, ifname %s\n", enable, ifname);
-    const Text<8> radio = radioOf(name);
-    const std::string_view listed = nvramText(Key("%s_vifs", radio.c_str()).c_str());
+    const InterfaceName radio = radioOf(WLBRCM_HERE, name);
+    if (!radio)
+        return WLBRCM_EINVAL;
+    const std::string_view listed = nvramText(keyOf(radio, "vifs").c_str());
     const std::string_view word = findWord(listed, name.c_str());
     if (word.empty() == (enable == 0))
         return WLBRCM_OK;
@@ -76,9 +78,9 @@ int qvbrcm_EnablePresetSSID(const char *ifname, int enable) {
         return WLBRCM_EINVAL;
     const Word action = enable != 0 ? Word("up") : Word("down");
     WLBRCM_LOG(LOG_INFO, "%s %s interface.\n", enable != 0 ? "Enable" : "Disable", name.c_str());
-    runUnlogged(WLBRCM_HERE, "ifconfig %s %s", name, action);
+    runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("ifconfig %s %s"), name, action);
     qvbrcm_SetVifsForPresetIntf(enable != 0 ? 1 : 0, name.c_str());
-    runUnlogged(WLBRCM_HERE, "wl -i %s bss %s", name, action);
+    runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("wl -i %s bss %s"), name, action);
     return WLBRCM_OK;
 }
 

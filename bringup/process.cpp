@@ -2,10 +2,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <wlbrcm/bringup.h>
 
-#include "module/text.h"
+#include "module/files.h"
+#include "module/numbers.h"
 
 using namespace wlbrcm;
 
@@ -14,21 +17,23 @@ namespace {
 // Process id when the process's command name is `name`, else -1. A process that has just ended is none.
 int matchProcess(int number, const char *name) {
     const Text<32> path("/proc/%d/stat", number);
-    FILE *file = fopen(path.c_str(), "r");
-    if (file == nullptr) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
         printf("could not open %s\n", path.c_str());
         return -1;
     }
+    LineReader lines;
+    lines.readFrom(file);
+    char text[512];
+    std::string_view rest(text, lines.rest(text));
+    close(file);
     int pid = -1;
-    char command[256] = "";
-    const bool read = fscanf(file, "%d (%255s", &pid, command) == 2;
-    fclose(file);
-    const size_t length = strlen(command);
-    if (!read || length == 0)
+    std::string_view command;
+    if (!takeDecimal(&rest, &pid) || !takeText(&rest, " (") || !takeWord(&rest, 255, &command))
         return -1;
-    if (command[length - 1] == ')')
-        command[length - 1] = '\0';
-    return strcmp(command, name) == 0 ? pid : -1;
+    if (command.back() == ')')
+        command.remove_suffix(1);
+    return command == name ? pid : -1;
 }
 
 } // namespace

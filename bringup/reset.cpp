@@ -3,8 +3,9 @@
 
 #include <wlbrcm/bringup.h>
 
-#include "bringup/entries.h"
 #include "module/command.h"
+#include "module/daemons.h"
+#include "module/record.h"
 
 using namespace wlbrcm;
 
@@ -35,7 +36,7 @@ void placeThread(Here here, const DriverThread &thread, int cpu) {
 void qvWlanSetupTPs(const char *ifname) {
     int radio = 0;
     if (sscanf(ifname, "wl%d", &radio) != 1) {
-        WLBRCM_LOG(LOG_ERR, "parse interface name fail (%s).\n", ifname);
+        WLBRCM_LOG(LOG_ERR, "parse interface name fail (%s).\n", Shown(ifname).c_str());
         return;
     }
     DriverThread driver("dhd%d_dpc", radio);
@@ -43,11 +44,11 @@ void qvWlanSetupTPs(const char *ifname) {
         driver = DriverThread("wl%d-kthrd", radio);
     const DriverThread forwarder("wfd%d-thrd", radio);
     if (!driver.found()) {
-        WLBRCM_LOG(LOG_ERR, "Cannot find process %s pid.\n", ifname);
+        WLBRCM_LOG(LOG_ERR, "Cannot find process %s pid.\n", Shown(ifname).c_str());
         return;
     }
-    WLBRCM_LOG(LOG_DEBUG, "%s, %s(%d), %s(%d)\n", ifname, driver.name.c_str(), driver.pid, forwarder.name.c_str(),
-               forwarder.pid);
+    WLBRCM_LOG(LOG_DEBUG, "%s, %s(%d), %s(%d)\n", Shown(ifname).c_str(), driver.name.c_str(), driver.pid,
+               forwarder.name.c_str(), forwarder.pid);
     const int cpu = act_wl_cnt >= 2 && radio != 0 ? 1 : 0;
     placeThread(WLBRCM_HERE, driver, cpu);
     if (forwarder.found())
@@ -57,12 +58,11 @@ void qvWlanSetupTPs(const char *ifname) {
 }
 
 void qvWlanStopServices() {
-    constexpr const char *kCommands[] = {
-        "killall -9 lld2d 2>/dev/null", "killall -15 wps_monitor 2>/dev/null", "rm /tmp/wps_monitor.pid 2>/dev/null",
-        "killall -9 nas 2>/dev/null",   "killall -9 eapd 2>/dev/null",         "killall -9 acsd 2>/dev/null",
-    };
-    for (const char *command : kCommands)
-        __qvWlanSystemEx(__func__, __LINE__, command);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("killall -9 lld2d 2>/dev/null"));
+    stopWpsMonitor(WLBRCM_HERE);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("killall -9 nas 2>/dev/null"));
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("killall -9 eapd 2>/dev/null"));
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("killall -9 acsd 2>/dev/null"));
 }
 
 void qvWlanIfaceDown(const WlRadioCfg *radio, WlSsidCfg *bss) {
@@ -71,8 +71,8 @@ void qvWlanIfaceDown(const WlRadioCfg *radio, WlSsidCfg *bss) {
         if (!ifname)
             continue;
         if (const auto bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge)))
-            runCommand(WLBRCM_HERE, "brctl delif %s %s 2>/dev/null", *bridge, *ifname);
-        runCommand(WLBRCM_HERE, "ifconfig %s down 2>/dev/null", *ifname);
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("brctl delif %s %s 2>/dev/null"), *bridge, *ifname);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s down 2>/dev/null"), *ifname);
     }
 }
 
@@ -80,7 +80,7 @@ void runWlconf(Here here, const char *ifname, Word action) {
     if (ifname == nullptr)
         return;
     if (const auto name = usableName(here, ifname))
-        runCommand(here, "%s %s %s", Word("/bin/wlconf"), *name, action);
+        runCommand(here, WLBRCM_COMMAND("/bin/wlconf %s %s"), *name, action);
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // The setup sequence: a radio's record through the setters, in the order that the platform needs.
 #include <wlbrcm/bringup.h>
-#include <wlbrcm/macfilter.h>
 
-#include "bringup/entries.h"
 #include "bringup/params_record.h"
+#include "module/filter_request.h"
+#include "module/record.h"
 
 using namespace wlbrcm;
 
@@ -72,31 +72,12 @@ void setSecurity(ParamsRecord &params, const WlSsidCfg &entry, std::string_view 
     const std::string_view passphrase = fieldText(entry.wpaPsk);
     params.aux(radioName);
     params.set(qvWlanSetEncrypType, encryption);
-    params.aux(Text<64>("%.*s,%.*s", static_cast<int>(radioName.size()), radioName.data(),
-                        static_cast<int>(encryption.size()), encryption.data()));
     params.set(qvWlanSetAuthMode, fieldText(entry.authMode));
     params.set(qvWlanSetRekeyInterval, entry.rekeyInterval);
     params.set(qvWlanSetPreSharedKey, passphrase.empty() ? fieldText(entry.wpaPskFallback) : passphrase);
     params.set(qvWlanSetDefaultKeyID, entry.defaultKeyId);
     setWepKey(params, entry, radioName);
     params.set(qvWlanSetProtectMF, entry.protectMF);
-}
-
-void applyMacFilter(Here here, const WlSsidCfg &entry) {
-    MacFilterRequest request = {};
-    copyText(request.data.intf_name, fieldText(entry.ifName));
-    request.data.b_user_config = 1;
-    const int cmd = qvbrcm_MacFilter_get_cmd(FieldCopy(entry.macFilterMode).c_str());
-    if (cmd == WLBRCM_FILTER_INVALID) {
-        WLBRCM_LOG_AT(here, LOG_ERR, "fail to get cmd\n");
-        return;
-    }
-    request.data.cmd = static_cast<uint32_t>(cmd);
-    if (cmd != WLBRCM_FILTER_OFF)
-        request.mac_list = qvbrcm_MacFilter_mac_list_by_str(FieldCopy(entry.macFilterList).c_str());
-    if (qvbrcm_MacFilter_set(&request) == 0)
-        WLBRCM_LOG_AT(here, LOG_ERR, "fail to set to driver\n");
-    qvbrcm_MacFilter_release_list(&request.mac_list);
 }
 
 void setMulticast(ParamsRecord &params, const WlSsidCfg &entry, const WlCaps *caps) {
@@ -106,17 +87,16 @@ void setMulticast(ParamsRecord &params, const WlSsidCfg &entry, const WlCaps *ca
         params.set(qvWlanSetMulticastFwd, entry.multicastFwd);
 }
 
-// The prefix for one entry. An interface name is at most 15 characters, so a name that does not fit names nothing.
+// The prefix for one entry; without a usable name nothing may be set for it.
 bool usePrefix(Here here, ParamsRecord &params, const WlSsidCfg &entry) {
-    const std::string_view name = fieldText(entry.ifName);
-    const bool fits = params.prefix(name);
-    if (!fits)
-        WLBRCM_LOG_AT(here, LOG_ERR, "interface name is too long: %.*s\n", static_cast<int>(name.size()), name.data());
-    return fits;
+    const auto name = usableName(here, fieldText(entry.ifName));
+    if (name)
+        params.prefix(name->c_str());
+    return name.has_value();
 }
 
 void clearRates(Here here, ParamsRecord &params, const WlSsidCfg &entry) {
-    if (entry.enable == 0 && !fieldText(entry.ifName).empty() && usePrefix(here, params, entry))
+    if (entry.enable == 0 && usePrefix(here, params, entry))
         setRates(params, 0, 0);
 }
 
@@ -126,7 +106,7 @@ void setBss(Here here, ParamsRecord &params, const WlSsidCfg &entry, std::string
     setRates(params, entry.upstreamRate, entry.downstreamRate);
     params.set(qvWlanSetPerBssMaxStaNum, entry.maxSta);
     WLBRCM_LOG_AT(here, LOG_DEBUG, "ifname = %s\n", params.arg()->prefix);
-    applyMacFilter(here, entry);
+    requestMacFilter(here, entry);
     setMulticast(params, entry, caps);
 }
 
@@ -154,7 +134,7 @@ int setEveryBss(Here here, ParamsRecord &params, const WlRadioCfg *radio, WlSsid
 // The flow cache passes over the queues that limit a rate, so it is off for a BSS with a limit.
 void setFlowCache(Here here, ParamsRecord &params, const WlRadioCfg *radio, WlSsidCfg *bss) {
     for (const WlSsidCfg &entry : EntriesInUse(radio, bss)) {
-        if (fieldText(entry.ifName).empty() || !usePrefix(here, params, entry))
+        if (!usePrefix(here, params, entry))
             continue;
         params.value(entry.upstreamRate == 0 ? 1 : 1 - entry.enable);
         qvWlanFlowCacheSetup(params.arg(), entry.enable);

@@ -48,6 +48,6 @@ int qvbrcm_DisassociateSTA(const char *ifname, const char *mac) {
         WLBRCM_LOG(LOG_ERR, "%s is no interface of a radio.\n", name.c_str());
         return WLBRCM_EINVAL;
     }
-    runUnlogged(WLBRCM_HERE, "wlctl -i %s deauthenticate %s", name, station);
+    runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("wlctl -i %s deauthenticate %s"), name, station);
     return WLBRCM_OK;
 }

@@ -91,6 +91,18 @@ constexpr EventName kEventNames[] = {
 };
 static_assert(std::size(kEventNames) == 77);
 
+constexpr bool numbersAreUnique() {
+    constexpr uint32_t kTwice = 124;
+    for (size_t i = 0; i < std::size(kEventNames); ++i) {
+        for (size_t k = i + 1; k < std::size(kEventNames); ++k) {
+            if (kEventNames[i].event == kEventNames[k].event && kEventNames[i].event != kTwice)
+                return false;
+        }
+    }
+    return true;
+}
+static_assert(numbersAreUnique());
+
 } // namespace
 
 const char *bcmevent_get_name(uint32_t event) {

@@ -1,6 +1,7 @@
 // The event socket: its set-up, and one event received at a time.
 #include <wlbrcm/events.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include "events/decode.h"
 #include "module/log.h"
 #include "module/loopback.h"
+#include "module/numbers.h"
 #include "module/nvram.h"
 
 using namespace wlbrcm;
@@ -62,8 +64,8 @@ void logEvent(Here here, const DriverEvent &event) {
     WLBRCM_LOG_AT(here, LOG_DEBUG,
                   "ifname=%s, event_type=%s(%u), usr_subtype=%x, flags=%x, status=%x, reason=%x, auth_type=%x, "
                   "STA ADDR: [%02x-%02x-%02x-%02x-%02x-%02x]\n",
-                  event.ifname, bcmevent_get_name(event.type), event.type, event.subtype, event.flags, event.status,
-                  event.reason, event.authType, mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
+                  Shown(event.ifname).c_str(), bcmevent_get_name(event.type), event.type, event.subtype, event.flags,
+                  event.status, event.reason, event.authType, mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
 }
 
 bool joins(int32_t code) { return code == WLBRCM_EVENT_ASSOCIATED || code == WLBRCM_EVENT_REASSOCIATED; }
@@ -72,7 +74,7 @@ bool joins(int32_t code) { return code == WLBRCM_EVENT_ASSOCIATED || code == WLB
 void describeStation(Here here, const DriverEvent &event, WlEvent *record) {
     // The whole name: the record may hold it cut, and that could be the name of another interface.
     if (!isRadioInterface(event.ifname)) {
-        WLBRCM_LOG_AT(here, LOG_ERR, "no station query for interface name \"%s\".\n", event.ifname);
+        WLBRCM_LOG_AT(here, LOG_ERR, "no station query for interface name \"%s\".\n", Shown(event.ifname).c_str());
         return;
     }
     // The block is not aligned for the record, and it keeps its address when the query fails.
@@ -85,7 +87,7 @@ void describeStation(Here here, const DriverEvent &event, WlEvent *record) {
     arg.result = &noise;
     qvWlanGetNoise(&arg);
     station.noise = noise;
-    station.snr = static_cast<int32_t>(static_cast<uint32_t>(station.rssi) - static_cast<uint32_t>(noise));
+    station.snr = signalToNoise(station.rssi, noise);
     memcpy(record->sta, &station, sizeof station);
 }
 
@@ -103,7 +105,10 @@ int qvbrcm_EvtInit(int *sock) {
         return WLBRCM_EFAILED;
     WLBRCM_LOG(LOG_DEBUG, "Opened loopback socket %d.\n", events);
     *sock = events;
-    fenra_rpe_sock = openLoopback(WLBRCM_HERE, kForwardingPort, kDefaultBuffer);
+    const int forwarding = openLoopback(WLBRCM_HERE, kForwardingPort, kDefaultBuffer);
+    if (fenra_rpe_sock > 0) // the one of an earlier call
+        close(fenra_rpe_sock);
+    fenra_rpe_sock = forwarding;
     if (fenra_rpe_sock < 0)
         return WLBRCM_EFAILED;
     WLBRCM_LOG(LOG_DEBUG, "Opened loopback socket %d for Fenra RPE.\n", fenra_rpe_sock);
@@ -114,7 +119,11 @@ int qvbrcm_EvtReceive(int sock, WlEvent **record) {
     if (record != nullptr)
         *record = nullptr;
     EventMessage message = {};
-    if (recv(sock, message, sizeof message, 0) <= 0) {
+    ssize_t received;
+    do {
+        received = recv(sock, message, sizeof message, 0);
+    } while (received < 0 && errno == EINTR);
+    if (received <= 0) {
         WLBRCM_LOG(LOG_ERR, "Recv bytes Failure...\n");
         return WLBRCM_EFAILED;
     }

@@ -1,6 +1,7 @@
 // The driver's MAC filter of one interface, and the nvram variables that repeat it.
 #include <wlbrcm/macfilter.h>
 
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/nvram.h"
 
@@ -42,7 +43,7 @@ class MacListText {
   public:
     MacListText(Here here, const char *text) : text_(isMacList(text) ? text : nullptr) {
         if (text_ == nullptr)
-            WLBRCM_LOG_AT(here, LOG_ERR, "invalid MAC list \"%.64s\".\n", text);
+            WLBRCM_LOG_AT(here, LOG_ERR, "invalid MAC list \"%s\".\n", Shown({text, strnlen(text, 64)}).c_str());
     }
     explicit operator bool() const { return text_ != nullptr; }
     const char *c_str() const { return text_; }
@@ -58,53 +59,46 @@ using ListCommand = CommandText<kLongestList + sizeof "wlctl -i 123456789012345 
 } // namespace
 
 int qvWlanSetMacAuthMode(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr || arg->value == nullptr)
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     int mode = 0;
     memcpy(&mode, arg->value, sizeof mode);
     if (mode < WLBRCM_FILTER_OFF || mode > WLBRCM_FILTER_ALLOW)
         return WLBRCM_EINVAL;
-    const InterfaceName name(WLBRCM_HERE, arg->prefix);
-    if (!name)
-        return WLBRCM_EINVAL;
-    runCommand(WLBRCM_HERE, "wlctl -i %s macmode %d", name, mode);
-    writeText(WLBRCM_HERE, name.c_str(), "macmode", kModes[mode].stored);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s macmode %d"), name, mode);
+    writeText(WLBRCM_HERE, name, "macmode", kModes[mode].stored);
     return WLBRCM_OK;
 }
 
 int qvWlanClearMacAuthList(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName name(WLBRCM_HERE, arg->prefix);
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg);
     if (!name)
         return WLBRCM_EINVAL;
-    runCommand(WLBRCM_HERE, "wlctl -i %s mac none", name);
-    writeText(WLBRCM_HERE, name.c_str(), "maclist", "");
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s mac none"), name);
+    writeText(WLBRCM_HERE, name, "maclist", "");
     return WLBRCM_OK;
 }
 
 int qvWlanSetMacAuthList(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr || arg->value == nullptr)
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
-    const InterfaceName name(WLBRCM_HERE, arg->prefix);
     const MacListText list(WLBRCM_HERE, arg->value);
-    if (!name || !list)
+    if (!list)
         return WLBRCM_EINVAL;
-    const ListCommand command("wlctl -i %s mac %s", name, list);
+    const ListCommand command(WLBRCM_COMMAND("wlctl -i %s mac %s"), name, list);
     __qvWlanSystemEx(__func__, __LINE__, command.text.c_str());
-    writeText(WLBRCM_HERE, name.c_str(), "maclist", list.c_str());
+    writeText(WLBRCM_HERE, name, "maclist", list.c_str());
     return WLBRCM_OK;
 }
 
 int qvWlanGetMacAuthList(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName name(WLBRCM_HERE, arg->prefix);
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg);
     if (!name)
         return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/%s_mac_filter_list", name.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s mac > %s", name, path);
-    ResultFile report(path);
+    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_mac_filter_list", name.c_str()),
+                  WLBRCM_COMMAND("wlctl -i %s mac > %s"), name);
     for (char line[100]; report.next(line);) {
     }
     return WLBRCM_OK;
@@ -115,8 +109,8 @@ int qvWifiStaFilter(const char *ifname, const char *cmd, const char *list) {
         return WLBRCM_EFAILED;
     int mode = modeOf(cmd);
     // Refused as a whole: a mode with a part of its list would lock stations out, or let them in.
-    const bool listUsed = mode != WLBRCM_FILTER_OFF && list != nullptr;
-    if (!InterfaceName(WLBRCM_HERE, ifname) || (listUsed && !MacListText(WLBRCM_HERE, list)))
+    const bool listUsed = mode != WLBRCM_FILTER_OFF;
+    if (!InterfaceName(WLBRCM_HERE, ifname) || (listUsed && (list == nullptr || !MacListText(WLBRCM_HERE, list))))
         return WLBRCM_EINVAL;
 
     // The setters read their argument and write nothing through it.

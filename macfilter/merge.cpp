@@ -123,8 +123,8 @@ bool _apply_to_driver(int index) {
 }
 
 void logRequest(Here here, const MacFilterRequest &request) {
-    WLBRCM_LOG_AT(here, LOG_DEBUG, "intf_name = %s, b_user_config = %d, cmd = %d\n", request.data.intf_name,
-                  request.data.b_user_config, request.data.cmd);
+    WLBRCM_LOG_AT(here, LOG_DEBUG, "intf_name = %s, b_user_config = %d, cmd = %d\n",
+                  Shown(request.data.intf_name).c_str(), request.data.b_user_config, request.data.cmd);
     for (const MacFilterEntry *entry = request.mac_list; entry != nullptr; entry = entry->next) {
         const uint8_t *mac = entry->mac;
         WLBRCM_LOG_AT(here, LOG_DEBUG, "mac = %02X:%02X:%02X:%02X:%02X:%02X\n", mac[0], mac[1], mac[2], mac[3], mac[4],
@@ -168,7 +168,7 @@ int qvbrcm_MacFilter_set(MacFilterRequest *request) {
     logRequest(WLBRCM_HERE, *request);
     const Outcome outcome = takeOver(WLBRCM_HERE, request);
     if (outcome == Outcome::kNoSlot)
-        WLBRCM_LOG(LOG_ERR, "invalid request on interface %s\n", request->data.intf_name);
+        WLBRCM_LOG(LOG_ERR, "invalid request on interface %s\n", Shown(request->data.intf_name).c_str());
     if (outcome == Outcome::kNotApplied)
         WLBRCM_LOG(LOG_ERR, "fail to apply to driver\n");
     return outcome == Outcome::kApplied ? 1 : 0;

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "macfilter/pool.h"
-#include "module/log.h"
+#include "module/filter_request.h"
 #include "module/record.h"
 
 using namespace wlbrcm;
@@ -56,28 +56,6 @@ bool appendWord(Here here, std::string_view word, MacFilterEntry **list) {
     return true;
 }
 
-int setAndRelease(Here here, MacFilterRequest *request) {
-    const int done = qvbrcm_MacFilter_set(request);
-    if (done == 0)
-        WLBRCM_LOG_AT(here, LOG_ERR, "fail to set to driver\n");
-    qvbrcm_MacFilter_release_list(&request->mac_list);
-    return done != 0 ? WLBRCM_OK : WLBRCM_EFAILED;
-}
-
-void applyUserFilter(Here here, const WlSsidCfg &bss) {
-    MacFilterRequest request = {};
-    request.data.b_user_config = 1;
-    copyText(request.data.intf_name, fieldText(bss.ifName));
-    request.data.cmd = static_cast<uint32_t>(qvbrcm_MacFilter_get_cmd(FieldCopy(bss.macFilterMode).c_str()));
-    if (request.data.cmd == WLBRCM_FILTER_INVALID) {
-        WLBRCM_LOG_AT(here, LOG_ERR, "fail to get cmd\n");
-        return;
-    }
-    if (request.data.cmd != WLBRCM_FILTER_OFF)
-        request.mac_list = qvbrcm_MacFilter_mac_list_by_str(FieldCopy(bss.macFilterList).c_str());
-    setAndRelease(here, &request);
-}
-
 } // namespace
 
 int qvbrcm_MacFilter_add_mac_to_request(MacFilterRequest *request, MacFilterEntry *mac) {
@@ -114,7 +92,7 @@ int qvbrcm_MacFilter_parse_str_to_mac_list(const char *str, MacFilterEntry **mac
     }
     uint8_t mac[6];
     if (!readAddress(str, mac)) {
-        WLBRCM_LOG(LOG_ERR, "invalid MAC string = %s\n", str);
+        WLBRCM_LOG(LOG_ERR, "invalid MAC string = %s\n", Shown(str).c_str());
         return 0;
     }
     MacFilterEntry *entry = qvbrcm_MacFilter_get_free_mac();
@@ -144,13 +122,13 @@ MacFilterEntry *qvbrcm_MacFilter_mac_list_by_str(const char *text) {
 int qvbrcm_StationFilter(WlIntf *intf, const char *objPath) {
     if (intf == nullptr || objPath == nullptr)
         return WLBRCM_EINVAL;
-    WLBRCM_LOG(LOG_DEBUG, "objPath = %s\n", objPath);
+    WLBRCM_LOG(LOG_DEBUG, "objPath = %s\n", Shown(objPath).c_str());
     for (const WlSsidCfg &bss : EntriesInUse(&intf->radio, intf->bss)) {
         if (fieldText(bss.objPath) != objPath)
             continue;
         WLBRCM_LOG(LOG_DEBUG, "i = %d, ifname = %s\n", static_cast<int>(&bss - intf->bss),
-                   FieldCopy(bss.ifName).c_str());
-        applyUserFilter(WLBRCM_HERE, bss);
+                   Shown(fieldText(bss.ifName)).c_str());
+        requestMacFilter(WLBRCM_HERE, bss);
     }
     return WLBRCM_OK;
 }
@@ -160,8 +138,8 @@ int qvbrcm_BsaMacFilter(const char *ifname, int cmd, const uint8_t mac[6]) {
     if (ifname == nullptr)
         return WLBRCM_EINVAL;
     const uint8_t *shown = mac != nullptr ? mac : kNoAddress;
-    WLBRCM_LOG(LOG_DEBUG, "ifname = %s, cmd = %d, mac = %02X:%02X:%02X:%02X:%02X:%02X\n", ifname, cmd, shown[0],
-               shown[1], shown[2], shown[3], shown[4], shown[5]);
+    WLBRCM_LOG(LOG_DEBUG, "ifname = %s, cmd = %d, mac = %02X:%02X:%02X:%02X:%02X:%02X\n", Shown(ifname).c_str(), cmd,
+               shown[0], shown[1], shown[2], shown[3], shown[4], shown[5]);
     if (cmd < WLBRCM_FILTER_OFF || cmd > WLBRCM_FILTER_ALLOW) {
         WLBRCM_LOG(LOG_ERR, "invalid command = %d\n", cmd);
         return kInvalidCommand;
@@ -176,5 +154,5 @@ int qvbrcm_BsaMacFilter(const char *ifname, int cmd, const uint8_t mac[6]) {
             return kNoEntry;
         }
     }
-    return setAndRelease(WLBRCM_HERE, &request);
+    return setFilter(WLBRCM_HERE, &request);
 }

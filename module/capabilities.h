@@ -2,6 +2,8 @@
 #ifndef WLBRCM_MODULE_CAPABILITIES_H
 #define WLBRCM_MODULE_CAPABILITIES_H
 
+#include <unistd.h>
+
 #include <wlbrcm/radio.h>
 
 #include "module/command.h"
@@ -13,22 +15,24 @@ class CapabilityLines {
   public:
     explicit CapabilityLines(const char *ifname) {
         if (qvWlanDumpWlCap(ifname, path_) == WLBRCM_OK)
-            file_ = fopen(path_, "r");
+            descriptor_ = openOwnFile(path_);
+        lines_.readFrom(descriptor_);
     }
     ~CapabilityLines() {
-        if (file_ != nullptr)
-            fclose(file_);
+        if (descriptor_ >= 0)
+            close(descriptor_);
     }
     CapabilityLines(const CapabilityLines &) = delete;
     CapabilityLines &operator=(const CapabilityLines &) = delete;
 
-    explicit operator bool() const { return file_ != nullptr; }
+    explicit operator bool() const { return descriptor_ >= 0; }
     const char *path() const { return path_; }
-    bool next(char (&line)[256]) { return file_ != nullptr && readLine(file_, line); }
+    bool next(char (&line)[256]) { return lines_.next(line); }
 
   private:
     char path_[64] = "";
-    FILE *file_ = nullptr;
+    int descriptor_ = -1;
+    LineReader lines_;
 };
 
 } // namespace wlbrcm

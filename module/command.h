@@ -4,9 +4,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
+#include "module/files.h"
 #include "module/names.h"
-#include "module/text.h"
 
 extern "C" {
 
@@ -19,10 +20,17 @@ int __qvWlanCmdExec(const char *function, int line, const char *ifname, const ch
 
 } // extern "C"
 
-namespace wlbrcm {
+// A command's format as a type of its own, so that the compiler sees its text and checks the arguments against it:
+// runCommand(here, WLBRCM_COMMAND("wlctl -i %s up"), ifname).
+#define WLBRCM_COMMAND(literal)                                                                                        \
+    [] {                                                                                                               \
+        struct Format {                                                                                                \
+            static constexpr const char *text() { return literal; }                                                    \
+        };                                                                                                             \
+        return Format{};                                                                                               \
+    }()
 
-// A file that a command writes and the module reads; its name is made by the module from checked names.
-using ResultPath = Text<64>;
+namespace wlbrcm {
 
 // What may stand in a command: checked names, result paths, numbers, and words of our own. A bare text cannot; a word
 // of our own is passed as Word("up").
@@ -35,79 +43,119 @@ inline const char *commandArg(const ResultPath &path) { return path.c_str(); }
 inline const char *commandArg(Word word) { return word.text; }
 inline int commandArg(int number) { return number; }
 inline unsigned commandArg(unsigned number) { return number; }
+inline unsigned commandArg(uint8_t number) { return number; }
+
+// Whether a conversion takes what commandArg() makes of an argument.
+constexpr bool converts(char conversion, const char *) { return conversion == 's'; }
+constexpr bool converts(char conversion, int) { return conversion == 'd'; }
+constexpr bool converts(char conversion, unsigned) { return conversion == 'u' || conversion == 'x'; }
+
+// The conversion behind the next "%" of a format, which moves behind it; 0 at the end.
+constexpr char takeConversion(const char **format) {
+    while (**format != '\0') {
+        if (*(*format)++ != '%')
+            continue;
+        while (**format == '.' || (**format >= '0' && **format <= '9'))
+            ++*format;
+        return *(*format)++;
+    }
+    return '\0';
+}
+
+// Whether a format has one conversion for each of the arguments, of its kind and in this order.
+template <class... Args> constexpr bool formatTakes(const char *format) {
+    return (converts(takeConversion(&format), Args{}) && ...) && takeConversion(&format) == '\0';
+}
+
+template <class Format, class... Args> constexpr const char *checkedFormat() {
+    static_assert(formatTakes<decltype(commandArg(std::declval<const Args &>()))...>(Format::text()),
+                  "a conversion of the command does not fit its argument");
+    return Format::text();
+}
+
+// How a command is run: logged as `here`, unless unlogged() says otherwise.
+struct Run {
+    // NOLINTNEXTLINE(google-explicit-constructor): a place in the source is what most commands are run with
+    Run(Here from) : here(from) {}
+    Here here;
+    bool logged = true;
+};
+inline Run unlogged(Here here) {
+    Run run(here);
+    run.logged = false;
+    return run;
+}
 
 // One command line. Most are short; the MAC filter's list of 85 addresses is the longest.
-template <size_t Size> struct CommandText {
-    template <class... Args> explicit CommandText(const char *format, const Args &...args) {
-        text.append(format, commandArg(args)...);
+template <size_t Size = 256> struct CommandText {
+    template <class Format, class... Args> explicit CommandText(Format, const Args &...args) {
+        text.append(checkedFormat<Format, Args...>(), commandArg(args)...);
     }
     Text<Size> text;
 };
-using Command = CommandText<256>;
 
 // A command that did not fit is refused, never run cut.
 bool commandFits(Here here, bool fits, const char *command);
 
-// Formats a command and runs it, logged or not. Only called by the two below, which let no unchecked text through.
-int runFormatted(Here here, bool logged, const char *format, ...);
+// Formats a command and runs it. Only called by runCommand(), which lets no unchecked text through.
+int runFormatted(Run run, const char *format, ...);
 
-// Runs a command through __qvWlanSystemEx(). 0 or WLBRCM_EFAILED.
-template <class... Args> int runCommand(Here here, const char *format, const Args &...args) {
-    return runFormatted(here, true, format, commandArg(args)...);
+// Runs a command with system(). 0 or WLBRCM_EFAILED.
+template <class Format, class... Args> int runCommand(Run run, Format, const Args &...args) {
+    return runFormatted(run, checkedFormat<Format, Args...>(), commandArg(args)...);
 }
 
-// Runs a command with system() and no log line. 0 or WLBRCM_EFAILED.
-template <class... Args> int runUnlogged(Here here, const char *format, const Args &...args) {
-    return runFormatted(here, false, format, commandArg(args)...);
-}
-
-// Reads lines of at most Size - 1 characters, newline included; a longer line comes in pieces.
-template <size_t Size> bool readLine(FILE *file, char (&line)[Size]) {
-    return fgets(line, static_cast<int>(Size), file) != nullptr;
-}
-
-// A result file, from its command to its removal. However a function returns, the file is closed and gone.
-class ResultFile {
+// The output of a command in a file: what stands at the file's name is removed, the command is run, the file is opened.
+// However a function returns, the file is closed and gone.
+class Report {
   public:
-    // Opens for reading; the command that writes it must have run. `keep` leaves it in place afterwards.
-    explicit ResultFile(const ResultPath &path, bool keep = false)
-        : path_(path), keep_(keep), file_(fopen(path.c_str(), "r")) {}
-    ~ResultFile() {
-        if (file_ != nullptr)
-            fclose(file_);
-        if (!keep_)
-            remove(path_.c_str());
+    // The format's last conversion is the file.
+    template <class Format, class... Args>
+    Report(Run run, const ResultPath &path, Format, const Args &...args) : path_(path) {
+        runAndOpen(run, checkedFormat<Format, Args..., ResultPath>(), commandArg(args)..., path_.c_str());
     }
-    ResultFile(const ResultFile &) = delete;
-    ResultFile &operator=(const ResultFile &) = delete;
+    // A report that an earlier command left.
+    explicit Report(const ResultPath &path) : path_(path) { open(); }
+    ~Report();
+    Report(const Report &) = delete;
+    Report &operator=(const Report &) = delete;
 
-    explicit operator bool() const { return file_ != nullptr; }
-    FILE *stream() { return file_; }
-    template <size_t Size> bool next(char (&line)[Size]) { return file_ != nullptr && readLine(file_, line); }
+    // Leaves the file in place afterwards.
+    void keep() { keep_ = true; }
+
+    explicit operator bool() const { return descriptor_ >= 0; }
+    LineReader &lines() { return lines_; }
+    template <size_t Size> bool next(char (&line)[Size]) { return lines_.next(line); }
 
   private:
-    const ResultPath &path_;
-    bool keep_;
-    FILE *file_;
+    void runAndOpen(Run run, const char *format, ...);
+    void open();
+
+    ResultPath path_;
+    bool keep_ = false;
+    int descriptor_ = -1;
+    LineReader lines_;
 };
 
 // The output of a command, read through a pipe.
 class CommandOutput {
   public:
-    explicit CommandOutput(const char *command) : pipe_(popen(command, "r")) {}
-    ~CommandOutput() {
-        if (pipe_ != nullptr)
-            pclose(pipe_);
+    template <class Format, class... Args> explicit CommandOutput(Format format, const Args &...args) {
+        open(CommandText<>(format, args...).text.c_str());
     }
+    ~CommandOutput();
     CommandOutput(const CommandOutput &) = delete;
     CommandOutput &operator=(const CommandOutput &) = delete;
 
     explicit operator bool() const { return pipe_ != nullptr; }
-    FILE *stream() { return pipe_; }
-    template <size_t Size> bool next(char (&line)[Size]) { return pipe_ != nullptr && readLine(pipe_, line); }
+    LineReader &lines() { return lines_; }
+    template <size_t Size> bool next(char (&line)[Size]) { return lines_.next(line); }
 
   private:
-    FILE *pipe_;
+    void open(const char *command);
+
+    FILE *pipe_ = nullptr;
+    LineReader lines_;
 };
 
 } // namespace wlbrcm

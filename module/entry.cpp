@@ -1,4 +1,5 @@
 // The entry point: tables for the host, radios found and handed over.
+#include <csignal>
 #include <cstdlib>
 #include <net/if.h>
 #include <sys/ioctl.h>
@@ -17,37 +18,35 @@ int32_t act_wl_cnt = 0;
 namespace {
 
 constexpr char kModuleName[] = "BRCM";
-constexpr char kListInterfaces[] =
-    "/bin/cat /proc/net/dev | /bin/grep wl | awk '{ print substr($1, 0, length($1)-1); }'";
 
-constexpr WlModuleOps kOperations = {
-    "BRCM",
-    qvbrcm_InitWlan,
-    qvbrcm_ReloadWlan,
-    qvbrcm_StatusUpdate,
-    qvbrcm_SetWlanMacAddr,
-    qvbrcm_UpdateLaninfo,
-    qvbrcm_ChannelScan,
-    qvbrcm_GetChanScanRpt,
-    nullptr,
-    qvbrcm_WPSReload,
-    qvbrcm_WPSSWPushButton,
-    qvbrcm_WPSHWPushButton,
-    qvbrcm_WPSStartStaPin,
-    qvbrcm_WPSCancel,
-    qvbrcm_WPSUpdateConfg,
-    qvbrcm_StationFilter,
-    qvbrcm_GetAssocDevList,
-    qvbrcm_BsaMacFilter,
-    nullptr,
-    qvbrcm_DisassociateSTA,
-    qvbrcm_GetGenIntfInfo,
-    qvbrcm_GetFatIntfInfo,
-    nullptr,
-    qvbrcm_EnablePresetSSID,
-    qvbrcm_EnableFenraEvt,
-    nullptr,
-};
+constexpr WlModuleOps operations() {
+    WlModuleOps ops = {};
+    for (size_t i = 0; i < sizeof kModuleName; ++i)
+        ops.name[i] = kModuleName[i];
+    ops.initWlan = qvbrcm_InitWlan;
+    ops.reloadWlan = qvbrcm_ReloadWlan;
+    ops.statusUpdate = qvbrcm_StatusUpdate;
+    ops.setWlanMacAddr = qvbrcm_SetWlanMacAddr;
+    ops.updateLaninfo = qvbrcm_UpdateLaninfo;
+    ops.channelScan = qvbrcm_ChannelScan;
+    ops.getChanScanRpt = qvbrcm_GetChanScanRpt;
+    ops.wpsReload = qvbrcm_WPSReload;
+    ops.wpsSwPushButton = qvbrcm_WPSSWPushButton;
+    ops.wpsHwPushButton = qvbrcm_WPSHWPushButton;
+    ops.wpsStartStaPin = qvbrcm_WPSStartStaPin;
+    ops.wpsCancel = qvbrcm_WPSCancel;
+    ops.wpsUpdateConfg = qvbrcm_WPSUpdateConfg;
+    ops.stationFilter = qvbrcm_StationFilter;
+    ops.getAssocDevList = qvbrcm_GetAssocDevList;
+    ops.bsaMacFilter = qvbrcm_BsaMacFilter;
+    ops.disassociateSta = qvbrcm_DisassociateSTA;
+    ops.getGenIntfInfo = qvbrcm_GetGenIntfInfo;
+    ops.getFatIntfInfo = qvbrcm_GetFatIntfInfo;
+    ops.enablePresetSsid = qvbrcm_EnablePresetSSID;
+    ops.enableFenraEvt = qvbrcm_EnableFenraEvt;
+    return ops;
+}
+constexpr WlModuleOps kOperations = operations();
 
 struct BssWord {
     const char *word;
@@ -114,24 +113,22 @@ void readHardwareAddress(int sock, const char *ifname, uint8_t (&mac)[6]) {
 
 // Wakes the radio once, so that its LED and its command interface are in a known state.
 void prepareDriver(Here here, const InterfaceName &ifname, WlCaps *caps) {
-    runCommand(here, "wlctl -i %s up", ifname);
-    runCommand(here, "wlctl -i %s leddc 0 2>/dev/null", ifname);
-    runCommand(here, "wlctl -i %s down", ifname);
-    if (runCommand(here, "dhdctl -i %s version &> /dev/null", ifname) == WLBRCM_OK)
+    runCommand(here, WLBRCM_COMMAND("wlctl -i %s up"), ifname);
+    runCommand(here, WLBRCM_COMMAND("wlctl -i %s leddc 0 2>/dev/null"), ifname);
+    runCommand(here, WLBRCM_COMMAND("wlctl -i %s down"), ifname);
+    if (runCommand(here, WLBRCM_COMMAND("dhdctl -i %s version &> /dev/null"), ifname) == WLBRCM_OK)
         caps->dhd = 1;
 }
 
 void registerRadio(const WlModuleHostOps *hostOps, int sock, const char *name) {
     const Here here{"wlModuleInit", __LINE__};
-    const InterfaceName ifname(here, name);
-    if (!ifname)
-        return;
     const int band = qvWlanGetBandType(name);
     if (band == 0) {
         WLBRCM_LOG_AT(here, LOG_ERR, "Cannot identify interface %s is 2.4G or 5G... determine interface %s fail.\n",
-                      name, name);
+                      Shown(name).c_str(), Shown(name).c_str());
         return;
     }
+    const InterfaceName ifname(here, name);
     ++act_wl_cnt;
     auto *intf = static_cast<WlIntf *>(calloc(1, sizeof(WlIntf)));
     if (intf == nullptr)
@@ -148,7 +145,8 @@ void registerRadio(const WlModuleHostOps *hostOps, int sock, const char *name) {
 
 void discoverRadios(const WlModuleHostOps *hostOps) {
     const int sock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    CommandOutput names(kListInterfaces);
+    CommandOutput names(
+        WLBRCM_COMMAND("/bin/cat /proc/net/dev | /bin/grep wl | awk '{ print substr($1, 0, length($1)-1); }'"));
     for (char line[50]; names.next(line);) {
         if (strchr(line, '.') != nullptr)
             continue;
@@ -159,18 +157,34 @@ void discoverRadios(const WlModuleHostOps *hostOps) {
         close(sock);
 }
 
-void registerEvents(const WlModuleHostOps *hostOps) {
-    int sock = -1;
-    if (hostOps->registerEvtHandler == nullptr || qvbrcm_EvtInit(&sock) != WLBRCM_OK)
-        return;
+// Hands the event handler over; false when the host does not take it.
+bool handOver(const WlModuleHostOps *hostOps, int sock) {
     auto *handler = static_cast<WlEvtHandler *>(calloc(1, sizeof(WlEvtHandler)));
     if (handler == nullptr)
-        return;
+        return false;
     handler->init = qvbrcm_EvtInit;
     handler->receive = qvbrcm_EvtReceive;
     handler->sock = sock;
-    if (hostOps->registerEvtHandler(kModuleName, handler) != 0)
-        free(handler);
+    if (hostOps->registerEvtHandler(kModuleName, handler) == 0)
+        return true;
+    free(handler);
+    return false;
+}
+
+void registerEvents(const WlModuleHostOps *hostOps) {
+    if (hostOps->registerEvtHandler == nullptr)
+        return;
+    int sock = -1;
+    const bool open = qvbrcm_EvtInit(&sock) == WLBRCM_OK;
+    if (open && handOver(hostOps, sock))
+        return;
+    // Nobody will read events or have them forwarded.
+    if (sock >= 0)
+        close(sock);
+    if (open) {
+        close(fenra_rpe_sock);
+        fenra_rpe_sock = 0;
+    }
 }
 
 // Hands the operations table over; false when the host does not take it.
@@ -185,6 +199,14 @@ bool registerOperations(const WlModuleHostOps *hostOps, void *arg) {
     return false;
 }
 
+// Without SIGCHLD the C library cannot tell how a command ended, and counts every one as failed.
+void warnOfIgnoredChildren(Here here) {
+    struct sigaction action = {};
+    if (sigaction(SIGCHLD, nullptr, &action) == 0 &&
+        (action.sa_handler == SIG_IGN || (action.sa_flags & SA_NOCLDWAIT) != 0))
+        WLBRCM_LOG_AT(here, LOG_ERR, "SIGCHLD is ignored: every command will count as failed.\n");
+}
+
 } // namespace
 
 int wlModuleInit(WlModuleHostOps *hostOps, void *arg) {
@@ -192,6 +214,7 @@ int wlModuleInit(WlModuleHostOps *hostOps, void *arg) {
         return -1;
     brcm_print_fn = hostOps->print;
     WLBRCM_LOG(LOG_DEBUG, "enter.\n");
+    warnOfIgnoredChildren(WLBRCM_HERE);
     if (!registerOperations(hostOps, arg))
         return -1;
     registerEvents(hostOps);

@@ -2,6 +2,8 @@
 #ifndef WLBRCM_MODULE_LOG_H
 #define WLBRCM_MODULE_LOG_H
 
+#include <string_view>
+
 #include <wlbrcm/module.h>
 
 namespace wlbrcm {
@@ -12,6 +14,17 @@ enum LogLevel { LOG_ERR = WLBRCM_LOG_ERR, LOG_INFO = WLBRCM_LOG_INFO, LOG_DEBUG 
 struct Here {
     const char *function;
     int line;
+};
+
+// A foreign text as a message shows it: bytes that are no printable ASCII, line ends among them, as \xNN. What is too
+// long for a message is cut.
+class Shown {
+  public:
+    explicit Shown(std::string_view text);
+    const char *c_str() const { return text_; }
+
+  private:
+    char text_[1024];
 };
 
 } // namespace wlbrcm

@@ -40,8 +40,8 @@ CheckedName::CheckedName(Here here, std::string_view text, Check check, const ch
         return;
     }
     // Foreign text may be long; the log need not be.
-    const int shown = text.size() < 64 ? static_cast<int>(text.size()) : 64;
-    WLBRCM_LOG_AT(here, LOG_ERR, "invalid %s \"%.*s\".\n", kind, shown, text.data());
+    const size_t shown = text.size() < 64 ? text.size() : 64;
+    WLBRCM_LOG_AT(here, LOG_ERR, "invalid %s \"%s\".\n", kind, Shown({text.data(), shown}).c_str());
 }
 
 } // namespace wlbrcm

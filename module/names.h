@@ -1,5 +1,6 @@
-// Checked texts: the only ones that may stand in a command. A command line is run by a root shell, and names come from
-// the host, from nvram, from driver reports and from datagrams of any local process.
+// Checked texts: the only ones that may stand in a command or in the name of an nvram variable. A command line is run
+// by a root shell, a store may take "key=value" apart, and names come from the host, from nvram, from driver reports
+// and from datagrams of any local process.
 #ifndef WLBRCM_MODULE_NAMES_H
 #define WLBRCM_MODULE_NAMES_H
 
@@ -23,6 +24,7 @@ class CheckedName {
 
   protected:
     using Check = bool (*)(std::string_view);
+    CheckedName() : text_{} {}
     CheckedName(Here here, std::string_view text, Check check, const char *kind);
 
   private:
@@ -32,6 +34,7 @@ class CheckedName {
 // Interface and bridge names.
 class InterfaceName : public CheckedName {
   public:
+    InterfaceName() = default; // no name
     InterfaceName(Here here, std::string_view text) : CheckedName(here, text, isInterfaceName, "interface name") {}
     InterfaceName(Here here, const char *text) : InterfaceName(here, std::string_view(text != nullptr ? text : "")) {}
 };

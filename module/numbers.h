@@ -33,6 +33,12 @@ bool takeWord(std::string_view *rest, size_t longest, std::string_view *word);
 // literally and is passed over. False at the first character that differs.
 bool takeText(std::string_view *rest, std::string_view text);
 
+// The signal-to-noise ratio in dB of a signal and a noise in dBm. Wraps like the processor does: a driver may print any
+// number.
+inline int32_t signalToNoise(int32_t signal, int32_t noise) {
+    return static_cast<int32_t>(static_cast<uint32_t>(signal) - static_cast<uint32_t>(noise));
+}
+
 // Moves `rest` behind the first `part` in it. False, with `rest` as it was, when there is none.
 bool takeThrough(std::string_view *rest, std::string_view part);
 

@@ -51,9 +51,11 @@ int __qvWlanSetVarToNvram(const char *function, int line, void *value, const cha
 
 int __qvWlanSetVarToNvram2(const char *function, int line, void *value, const char *prefix, const char *suffix,
                            const char *type) {
+    const Here here{function, line};
     if (prefix == nullptr || suffix == nullptr)
         return WLBRCM_EINVAL;
-    return write(Here{function, line}, Key("%s_%s", prefix, suffix), value, type);
+    const InterfaceName name(here, prefix);
+    return name ? write(here, keyOf(name, suffix), value, type) : WLBRCM_EINVAL;
 }
 
 int nvram_match(const char *key, const char *value) {
@@ -66,21 +68,29 @@ std::string_view wlbrcm::nvramText(const char *key) {
     return stored != nullptr ? stored : "";
 }
 
+bool wlbrcm::valueFits(Here here, const char *key, std::string_view value) {
+    constexpr size_t kShown = 32;
+    const bool fits = value.size() <= kLongestValue;
+    if (!fits)
+        WLBRCM_LOG_AT(here, LOG_ERR, "value of nvram %s is too long: %s...\n", key,
+                      Shown({value.data(), kShown}).c_str());
+    return fits;
+}
+
 int wlbrcm::writeInt(Here here, const Key &key, int value) { return write(here, key, &value, "int"); }
 
 int wlbrcm::writeText(Here here, const Key &key, std::string_view value) {
     char copy[kLongestValue + 1];
-    if (!copyText(copy, value)) {
-        WLBRCM_LOG_AT(here, LOG_ERR, "value of nvram %s is too long: %.32s...\n", key.c_str(), copy);
+    if (!valueFits(here, key.c_str(), value))
         return WLBRCM_EINVAL;
-    }
+    copyText(copy, value);
     return write(here, key, copy, "string");
 }
 
-int wlbrcm::writeInt(Here here, const char *prefix, const char *suffix, int value) {
-    return writeInt(here, Key("%s_%s", prefix, suffix), value);
+int wlbrcm::writeInt(Here here, const InterfaceName &prefix, const char *suffix, int value) {
+    return prefix ? writeInt(here, keyOf(prefix, suffix), value) : WLBRCM_EINVAL;
 }
 
-int wlbrcm::writeText(Here here, const char *prefix, const char *suffix, std::string_view value) {
-    return writeText(here, Key("%s_%s", prefix, suffix), value);
+int wlbrcm::writeText(Here here, const InterfaceName &prefix, const char *suffix, std::string_view value) {
+    return prefix ? writeText(here, keyOf(prefix, suffix), value) : WLBRCM_EINVAL;
 }

@@ -4,7 +4,7 @@
 
 #include <bcmnvram.h>
 
-#include "module/log.h"
+#include "module/names.h"
 #include "module/text.h"
 
 extern "C" {
@@ -14,7 +14,7 @@ extern "C" {
 // WLBRCM_EINVAL when nothing was written.
 int __qvWlanSetVarToNvram(const char *function, int line, void *value, const char *key, const char *type);
 
-// The same with the key "<prefix>_<suffix>", of at most 255 characters.
+// The same with the key "<prefix>_<suffix>"; the prefix is an interface name.
 int __qvWlanSetVarToNvram2(const char *function, int line, void *value, const char *prefix, const char *suffix,
                            const char *type);
 
@@ -34,13 +34,19 @@ constexpr size_t kLongestValue = 2047;
 // The variable's text, empty when it is not set. Holds until the next store call.
 std::string_view nvramText(const char *key);
 
+// Whether a text may be written; one that is too long is logged.
+bool valueFits(Here here, const char *key, std::string_view value);
+
 // Writes of a whole variable. Results as for __qvWlanSetVarToNvram(); the caller's text is never changed.
 int writeInt(Here here, const Key &key, int value);
 int writeText(Here here, const Key &key, std::string_view value);
 
-// Writes of a radio's or BSS's variable, "<prefix>_<suffix>".
-int writeInt(Here here, const char *prefix, const char *suffix, int value);
-int writeText(Here here, const char *prefix, const char *suffix, std::string_view value);
+// A variable of a radio or a BSS, "<prefix>_<suffix>".
+inline Key keyOf(const InterfaceName &prefix, const char *suffix) { return Key("%s_%s", prefix.c_str(), suffix); }
+
+// Writes of such a variable. A prefix that is no interface name was logged when it was made; nothing is written then.
+int writeInt(Here here, const InterfaceName &prefix, const char *suffix, int value);
+int writeText(Here here, const InterfaceName &prefix, const char *suffix, std::string_view value);
 
 } // namespace wlbrcm
 

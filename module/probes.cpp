@@ -3,8 +3,10 @@
 
 #include <sys/stat.h>
 
+#include "module/argument.h"
 #include "module/board.h"
 #include "module/capabilities.h"
+#include "module/numbers.h"
 
 using namespace wlbrcm;
 
@@ -12,12 +14,13 @@ namespace {
 
 bool isWirelessName(const char *ifname) { return startsWith(ifname, "wl"); }
 
+// A listing that somebody else put there is none.
 bool hasContent(const char *path) {
-    FILE *file = fopen(path, "r");
-    if (file == nullptr)
+    const int descriptor = openOwnFile(path);
+    if (descriptor < 0)
         return false;
-    const bool filled = fseek(file, 0, SEEK_END) == 0 && ftell(file) > 0;
-    fclose(file);
+    const bool filled = lseek(descriptor, 0, SEEK_END) > 0;
+    close(descriptor);
     return filled;
 }
 
@@ -48,26 +51,27 @@ int bandOfLine(const char *line) {
 
 // The first core revision of the driver's revision report, 0 when there is none.
 unsigned readCoreRevision(const InterfaceName &ifname) {
-    const ResultPath path("/tmp/%s_revinfo", ifname.c_str());
-    runCommand({"checkWlanTxBFCap", __LINE__}, "wlctl -i %s revinfo > %s", ifname, path);
-    ResultFile report(path);
-    char name[64];
-    unsigned value = 0;
-    for (int fields = 0; report && (fields = fscanf(report.stream(), "%63s 0x%x\n", name, &value)) != EOF;) {
-        if (strcmp(name, "corerev") == 0)
-            return fields == 2 ? value : 0;
+    Report report(Here{"checkWlanTxBFCap", __LINE__}, ResultPath("/tmp/%s_revinfo", ifname.c_str()),
+                  WLBRCM_COMMAND("wlctl -i %s revinfo > %s"), ifname);
+    for (char line[256]; report.next(line);) {
+        std::string_view rest = line;
+        std::string_view name;
+        unsigned value = 0;
+        while (takeWord(&rest, 63, &name)) {
+            const bool read = takeText(&rest, " 0x") && takeHex(&rest, &value);
+            if (name == "corerev")
+                return read ? value : 0;
+        }
     }
     return 0;
 }
 
 int countTransmitChains(const InterfaceName &ifname) {
-    const ResultPath path("/tmp/%s_txchain", ifname.c_str());
-    runCommand({"checkWlanTxBFCap", __LINE__}, "wlctl -i %s txchain > %s", ifname, path);
-    ResultFile report(path);
-    int mask = 0;
-    if (!report || fscanf(report.stream(), "%d", &mask) != 1)
-        mask = 0;
-    return __builtin_popcount(static_cast<unsigned>(mask));
+    Report report(Here{"checkWlanTxBFCap", __LINE__}, ResultPath("/tmp/%s_txchain", ifname.c_str()),
+                  WLBRCM_COMMAND("wlctl -i %s txchain > %s"), ifname);
+    char text[64];
+    report.lines().rest(text);
+    return __builtin_popcount(static_cast<unsigned>(decimalNumber(text)));
 }
 
 bool canBeamform(const char *text) {
@@ -94,8 +98,12 @@ int qvWlanDumpWlCap(const char *ifname, char *path) {
     copyText(path, 64, file.view());
     if (hasContent(path))
         return WLBRCM_OK;
-    remove(path);
-    runCommand(WLBRCM_HERE, "wlctl -i %s cap > %s", name, file);
+    {
+        Report listing(WLBRCM_HERE, file, WLBRCM_COMMAND("wlctl -i %s cap > %s"), name);
+        listing.keep();
+        if (!listing)
+            return WLBRCM_OK;
+    }
     chmod(path, S_IRUSR);
     return WLBRCM_OK;
 }
@@ -106,9 +114,8 @@ int qvWlanGetBandType(const char *ifname) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return 0;
-    const ResultPath path("/tmp/%s_ChipInfo", name.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s revinfo > %s", name, path);
-    ResultFile report(path);
+    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_ChipInfo", name.c_str()), WLBRCM_COMMAND("wlctl -i %s revinfo > %s"),
+                  name);
     char line[64];
     int band = 0;
     while (band == 0 && report.next(line))
@@ -122,9 +129,8 @@ const char *qvWlanGetPhyType(const char *ifname) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return nullptr;
-    const ResultPath path("/tmp/%s_phytype", name.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s phytype > %s", name, path);
-    ResultFile report(path);
+    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_phytype", name.c_str()), WLBRCM_COMMAND("wlctl -i %s phytype > %s"),
+                  name);
     char line[7];
     if (!report.next(line))
         return "b";
@@ -162,7 +168,7 @@ int qvWlanGetMaxMbss(const char *ifname) {
 }
 
 int qvWlanGetWmmSupport(WlanParamArg *arg) {
-    if (arg == nullptr || arg->value == nullptr || arg->result == nullptr)
+    if (!hasParts(arg, kValue | kResult))
         return WLBRCM_EINVAL;
     char *result = static_cast<char *>(arg->result);
     copyText(result, 2, "0");

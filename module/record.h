@@ -2,8 +2,11 @@
 #ifndef WLBRCM_MODULE_RECORD_H
 #define WLBRCM_MODULE_RECORD_H
 
+#include <optional>
+
 #include <wlbrcm/radio.h>
 
+#include "module/names.h"
 #include "module/text.h"
 
 namespace wlbrcm {
@@ -25,11 +28,21 @@ class EntriesInUse {
     int count_;
 };
 
+// The name in a record for use in a command or a key. A missing one is nothing to report; one that is no interface name
+// was logged. Either way what needs the name is left out, and the bring-up goes on.
+inline std::optional<InterfaceName> usableName(Here here, std::string_view text) {
+    if (text.empty())
+        return std::nullopt;
+    const InterfaceName name(here, text);
+    return name ? std::optional<InterfaceName>(name) : std::nullopt;
+}
+
 // A text field of a record as a terminated text, also when the field is not.
 template <size_t Size> class FieldCopy {
   public:
     explicit FieldCopy(const char (&field)[Size]) { copyText(text_, fieldText(field)); }
     const char *c_str() const { return text_; }
+    char *data() { return text_; }
 
   private:
     char text_[Size + 1];

@@ -11,7 +11,8 @@ constexpr size_t kPowerSaveKeyCount = sizeof kPowerSaveKeys / sizeof *kPowerSave
 
 // Writes the first `count` power-save keys of `group`. Missing numbers are 0, further ones are ignored.
 int setPowerSave(Here here, const WlanParamArg *arg, const char *group, size_t count) {
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(here, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     int numbers[kPowerSaveKeyCount] = {1};
     Words words(arg->value);
@@ -21,7 +22,7 @@ int setPowerSave(Here here, const WlanParamArg *arg, const char *group, size_t c
     int written = WLBRCM_OK;
     for (size_t i = 0; i < count; ++i) {
         const Text<64> key("%s_%s", group, kPowerSaveKeys[i]);
-        written = writeInt(here, arg->prefix, key.c_str(), numbers[i]);
+        written = writeInt(here, name, key.c_str(), numbers[i]);
     }
     return written;
 }
@@ -49,11 +50,12 @@ bool needsCoexistence(const char *bandAndWidth) {
 int qvWlanSetRate(WlanParamArg *arg) {
     constexpr int k40MhzOnlyMcs = 32;
     int rate;
-    if (!readNumber(arg, {"rate"}, &rate))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, {"rate"}, &rate);
+    if (!name)
         return WLBRCM_EINVAL;
     if (mcs_index == -1)
         rate = 0;
-    const int written = writeInt(WLBRCM_HERE, arg->prefix, "rate", rate);
+    const int written = writeInt(WLBRCM_HERE, name, "rate", rate);
     if (brcm_nmode == 0)
         return written;
     if (mcs_index == k40MhzOnlyMcs) {
@@ -61,31 +63,38 @@ int qvWlanSetRate(WlanParamArg *arg) {
             mcs_index = -1;
         return written;
     }
-    return mcs_index >= 0 ? writeInt(WLBRCM_HERE, arg->prefix, "nmcsidx", mcs_index) : written;
+    return mcs_index >= 0 ? writeInt(WLBRCM_HERE, name, "nmcsidx", mcs_index) : written;
 }
 
 int qvWlanSetMulticastRate(WlanParamArg *arg) {
     constexpr IntParam kParam{"mrate"};
     int rate;
-    if (!readNumber(arg, kParam, &rate))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &rate);
+    if (!name)
         return WLBRCM_EINVAL;
-    return rate == 0 ? writeText(WLBRCM_HERE, arg->prefix, kParam.key, "-1") : setInt(WLBRCM_HERE, arg, kParam);
+    return rate == 0 ? writeText(WLBRCM_HERE, name, kParam.key, "-1") : setInt(WLBRCM_HERE, arg, kParam);
 }
 
 // Every accepted period also has the beacons of the BSSs take turns.
 int qvWlanSetBeaconPeriod(WlanParamArg *arg) {
-    const int result = setInt(WLBRCM_HERE, arg, {"bcn", 20, 1024, "20 ~ 1024 (unit is in milli-seconds)\n"});
-    return result == WLBRCM_OK ? writeText(WLBRCM_HERE, arg->prefix, "bcn_rotate", "1") : result;
+    constexpr IntParam kParam{"bcn", 20, 1024, "20 ~ 1024 (unit is in milli-seconds)\n"};
+    int period;
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &period);
+    if (!name)
+        return WLBRCM_EINVAL;
+    writeInt(WLBRCM_HERE, name, kParam.key, period);
+    return writeText(WLBRCM_HERE, name, "bcn_rotate", "1");
 }
 
 int qvWlanSetDtimPeriod(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"dtim"}); }
 
 int qvWlanSetTxPower(WlanParamArg *arg) {
     int percent;
-    if (!readNumber(arg, {"pwr_percent", 1, 100, "1~100 (power output percentage)\n"}, &percent))
+    const InterfaceName name =
+        readNumber(WLBRCM_HERE, arg, {"pwr_percent", 1, 100, "1~100 (power output percentage)\n"}, &percent);
+    if (!name)
         return WLBRCM_EINVAL;
-    const InterfaceName radio(WLBRCM_HERE, arg->prefix);
-    return radio ? runDriver(WLBRCM_HERE, radio, DriverArgs("pwr_percent %d", percent)) : WLBRCM_EINVAL;
+    return runDriver(WLBRCM_HERE, name, DriverArgs("pwr_percent %d", percent));
 }
 
 // What is written as gmode comes from the wireless mode; the value decides about protection alone.
@@ -93,9 +102,10 @@ int qvWlanSetBGProtection(WlanParamArg *arg) {
     static constexpr const char *kProtection[] = {"auto", "auto", "off"};
     constexpr WordParam kParam{{"gmode_protection", 0, 2}, kProtection};
     int number;
-    if (!readNumber(arg, kParam.number, &number))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam.number, &number);
+    if (!name)
         return WLBRCM_EINVAL;
-    writeInt(WLBRCM_HERE, arg->prefix, "gmode", brcm_gmode);
+    writeInt(WLBRCM_HERE, name, "gmode", brcm_gmode);
     return setWord(WLBRCM_HERE, arg, kParam);
 }
 
@@ -129,36 +139,40 @@ int qvWlanSetRifsAdv(WlanParamArg *arg) {
 // Runs after qvWlanSetBGProtection(), whose protection it overrides by the wireless mode, whatever its own value is.
 int qvWlanSetHTProtect(WlanParamArg *arg) {
     int number;
-    if (!readNumber(arg, {"nmode_protection", 0, 1}, &number))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, {"nmode_protection", 0, 1}, &number);
+    if (!name)
         return WLBRCM_EINVAL;
-    writeText(WLBRCM_HERE, arg->prefix, "gmode_protection", brcm_nmode == 0 ? "off" : "auto");
-    return writeText(WLBRCM_HERE, arg->prefix, "nmode_protection", "auto");
+    writeText(WLBRCM_HERE, name, "gmode_protection", brcm_nmode == 0 ? "off" : "auto");
+    return writeText(WLBRCM_HERE, name, "nmode_protection", "auto");
 }
 
 int qvWlanSetApCoex(WlanParamArg *arg) {
     constexpr IntParam kParam{"obss_coex", 0, 1};
     int number;
-    if (!readNumber(arg, kParam, &number) || arg->aux == nullptr)
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &number);
+    if (!name || arg->aux == nullptr)
         return WLBRCM_EINVAL;
-    return writeInt(WLBRCM_HERE, arg->prefix, kParam.key, needsCoexistence(arg->aux) ? number : 0);
+    return writeInt(WLBRCM_HERE, name, kParam.key, needsCoexistence(arg->aux) ? number : 0);
 }
 
 int qvWlanSetStbcTx(WlanParamArg *arg) {
     constexpr IntParam kParam{"stbc_tx"};
     int number;
-    if (!readNumber(arg, kParam, &number))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &number);
+    if (!name)
         return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, arg->prefix, kParam.key, number == -1 ? "auto" : number == 1 ? "on" : "off");
+    return writeText(WLBRCM_HERE, name, kParam.key, number == -1 ? "auto" : number == 1 ? "on" : "off");
 }
 
 int qvWlanSetStbcRx(WlanParamArg *arg) {
     constexpr IntParam kParam{"stbc_rx"};
     int number;
-    if (!readNumber(arg, kParam, &number))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &number);
+    if (!name)
         return WLBRCM_EINVAL;
     // The board's answer concerns the chip of the first radio.
     const bool without = qvWlanReadChipInfoStbc() == 0 && arg->index == 0;
-    return writeInt(WLBRCM_HERE, arg->prefix, kParam.key, without ? 0 : number);
+    return writeInt(WLBRCM_HERE, name, kParam.key, without ? 0 : number);
 }
 
 int qvWlanSetWmm(WlanParamArg *arg) { return setWord(WLBRCM_HERE, arg, {{"wme", -1, 1}, kAutoOffOn}); }
@@ -191,24 +205,21 @@ int qvWlanSetTxBF_BFE(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"txb
 
 int qvWlanSetInterferenceMode(WlanParamArg *arg) {
     WLBRCM_LOG(LOG_DEBUG, "enter\n");
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     const int mode = decimal(arg->value);
     if (mode < -1 || mode > 4) {
         WLBRCM_LOG(LOG_ERR, "Invalid argument. value need in -1 to 4, but config value is (%d).\n", mode);
         return WLBRCM_EINVAL;
     }
-    const InterfaceName radio(WLBRCM_HERE, arg->prefix);
-    if (!radio)
-        return WLBRCM_EINVAL;
-    runCommand(WLBRCM_HERE, "wlctl -i %s interference_override %d", radio, mode);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s interference_override %d"), name, mode);
     return WLBRCM_OK;
 }
 
 int qvWlanSetATF(WlanParamArg *arg) {
-    if (!hasValue(arg))
-        return WLBRCM_EINVAL;
-    return writeInt(WLBRCM_HERE, arg->prefix, "atf", strcmp(arg->value, "1") == 0 ? 1 : 0);
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    return name ? writeInt(WLBRCM_HERE, name, "atf", strcmp(arg->value, "1") == 0 ? 1 : 0) : WLBRCM_EINVAL;
 }
 
 int qvWlanSetProbRespSW(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"probresp_sw", 0, 2}); }

@@ -51,7 +51,7 @@ QuotedSsid quoteSsid(std::string_view ssid) {
 } // namespace
 
 int qvWlanSetWirelessMode(WlanParamArg *arg) {
-    if (arg == nullptr || arg->value == nullptr)
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     // Also for an unknown mode: neither may outlive the mode that set it.
     brcm_nreqd = 0;
@@ -73,7 +73,8 @@ int qvWlanSetWirelessMode(WlanParamArg *arg) {
 }
 
 int qvWlanSetSSID(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     const std::string_view ssid = arg->value;
     if (ssid.size() > kLongestSsid) {
@@ -83,7 +84,7 @@ int qvWlanSetSSID(WlanParamArg *arg) {
     const InterfaceName radio(WLBRCM_HERE, arg->aux);
     if (!radio)
         return WLBRCM_EINVAL;
-    const int written = writeText(WLBRCM_HERE, arg->prefix, "ssid", ssid);
+    const int written = writeText(WLBRCM_HERE, name, "ssid", ssid);
     if (written != WLBRCM_OK)
         return written;
     return runDriver(WLBRCM_HERE, radio, DriverArgs("ssid -C %d %s", arg->index, quoteSsid(ssid).c_str()));
@@ -92,21 +93,22 @@ int qvWlanSetSSID(WlanParamArg *arg) {
 int qvWlanSetRadioOn(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"radio", 0, 1}); }
 
 int qvWlanSetCountryCode(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     const size_t length = strcspn(arg->value, "/");
-    const char *revision = arg->value[length] == '/' ? arg->value + length + 1 : "";
-    writeText(WLBRCM_HERE, arg->prefix, "country_code",
-              {arg->value, length < kLongestCountry ? length : kLongestCountry});
-    return writeText(WLBRCM_HERE, arg->prefix, "country_rev", *revision != '\0' ? revision : "0");
+    const std::string_view revision = arg->value[length] == '/' ? arg->value + length + 1 : "";
+    if (!valueFits(WLBRCM_HERE, "country_rev", revision))
+        return WLBRCM_EINVAL;
+    writeText(WLBRCM_HERE, name, "country_code", {arg->value, length < kLongestCountry ? length : kLongestCountry});
+    return writeText(WLBRCM_HERE, name, "country_rev", !revision.empty() ? revision : "0");
 }
 
 int qvWlanSetGlobalMaxStaNum(WlanParamArg *arg) {
     constexpr IntParam kParam{"maxassoc"};
     int number;
-    if (!readNumber(arg, kParam, &number))
-        return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, arg->prefix, kParam.key, Text<16>("%d", number).view());
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &number);
+    return name ? writeText(WLBRCM_HERE, name, kParam.key, Text<16>("%d", number).view()) : WLBRCM_EINVAL;
 }
 
 int qvWlanSetPerBssMaxStaNum(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "bss_maxassoc"); }
@@ -118,17 +120,17 @@ int qvWlanSetBssIsolation(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {
 int qvWlanSetMulticastFwd(WlanParamArg *arg) { return setInt(WLBRCM_HERE, arg, {"wmf_bss_enable"}); }
 
 int qvWlanSetMCS(WlanParamArg *arg) {
-    if (arg == nullptr || arg->value == nullptr)
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     mcs_index = decimal(arg->value);
     return WLBRCM_OK;
 }
 
 int qvWlanGetApMAC(WlanParamArg *arg) {
-    if (!hasPrefix(arg) || arg->result == nullptr)
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kResult);
+    if (!name)
         return WLBRCM_EINVAL;
-    const char *address = nvram_get(Key("%s_hwaddr", arg->prefix).c_str());
-    copyText(static_cast<char *>(arg->result), kMacTextSize, address != nullptr ? address : "");
+    copyText(static_cast<char *>(arg->result), kMacTextSize, nvramText(keyOf(name, "hwaddr").c_str()));
     return WLBRCM_OK;
 }
 

@@ -1,4 +1,5 @@
 // Channel, bandwidth and regulatory variables of a radio.
+#include "module/channel.h"
 #include "params/setting.h"
 
 using namespace wlbrcm;
@@ -30,9 +31,6 @@ ChannelDescriptor readDescriptor(const char *text) {
                &to.dfsPreIsm, &to.dfsPostIsm, &to.tpcDb, &to.wirelessMode);
     return to;
 }
-
-// The driver's capability mask: bit 0 is 20 MHz, bit 1 40 MHz, bit 2 80 MHz.
-int bandwidthCapability(int bandwidth) { return bandwidth == 80 ? 7 : bandwidth == 40 ? 3 : 1; }
 
 // 2.4 GHz radios have 802.11ac rates only in the modes N only and B/G/N mixed.
 int vhtFeatures(int wirelessMode) { return wirelessMode == 3 || wirelessMode == 4 ? 3 : -1; }
@@ -66,53 +64,54 @@ int qvWlanSetChannel(WlanParamArg *arg) {
     if (!radio)
         return WLBRCM_EINVAL;
 
-    const char *prefix = arg->prefix;
-    writeInt(WLBRCM_HERE, prefix, "nband", wanted.band);
-    qvWlanSetupRegulatory(prefix, wanted.band, wanted.regMode, wanted.dfsPreIsm, wanted.dfsPostIsm, wanted.tpcDb);
+    writeInt(WLBRCM_HERE, radio, "nband", wanted.band);
+    qvWlanSetupRegulatory(radio.c_str(), wanted.band, wanted.regMode, wanted.dfsPreIsm, wanted.dfsPostIsm,
+                          wanted.tpcDb);
     // The radio keeps the capability asked for, also when the mode narrows the channel.
-    writeInt(WLBRCM_HERE, prefix, "bw_cap", bandwidthCapability(wanted.bandwidth));
+    writeInt(WLBRCM_HERE, radio, "bw_cap", bandwidthCapability(wanted.bandwidth));
     if (wanted.band == WLBRCM_BAND_2G)
-        writeInt(WLBRCM_HERE, prefix, "vht_features", vhtFeatures(wanted.wirelessMode));
-    writeInt(WLBRCM_HERE, prefix, "nmode", brcm_nmode != 0 ? -1 : 0);
+        writeInt(WLBRCM_HERE, radio, "vht_features", vhtFeatures(wanted.wirelessMode));
+    writeInt(WLBRCM_HERE, radio, "nmode", brcm_nmode != 0 ? -1 : 0);
     const int bandwidth = effectiveBandwidth(wanted.bandwidth);
-    writeInt(WLBRCM_HERE, prefix, "vhtmode", brcm_vhtmode != 0 ? -1 : 0);
+    writeInt(WLBRCM_HERE, radio, "vhtmode", brcm_vhtmode != 0 ? -1 : 0);
     brcm_bw = bandwidth;
     runDriver(WLBRCM_HERE, radio, DriverArgs("nreqd %d", brcm_nreqd));
 
     const int channel = wanted.automatic != 0 ? 0 : decimal(arg->value);
-    writeInt(WLBRCM_HERE, prefix, "channel", channel);
+    writeInt(WLBRCM_HERE, radio, "channel", channel);
     if (wanted.automatic != 0)
-        return writeInt(WLBRCM_HERE, prefix, "chanspec", 0);
-    return writeText(WLBRCM_HERE, prefix, "chanspec", chanspecText(channel, bandwidth, wanted.sideband).view());
+        return writeInt(WLBRCM_HERE, radio, "chanspec", 0);
+    return writeText(WLBRCM_HERE, radio, "chanspec", chanspecText(channel, bandwidth, wanted.sideband).view());
 }
 
 int qvWlanSetupRegulatory(const char *prefix, int /*band*/, int regMode, int dfsPreIsm, int dfsPostIsm, int tpcDb) {
     constexpr int k80211h = 1;
     constexpr int k80211d = 2;
-    if (prefix == nullptr)
+    const InterfaceName radio(WLBRCM_HERE, prefix);
+    if (!radio)
         return WLBRCM_EINVAL;
     if (regMode == k80211h) {
-        writeInt(WLBRCM_HERE, prefix, "dfs_preism", dfsPreIsm);
-        writeInt(WLBRCM_HERE, prefix, "dfs_postism", dfsPostIsm);
-        writeInt(WLBRCM_HERE, prefix, "tpc_db", tpcDb);
+        writeInt(WLBRCM_HERE, radio, "dfs_preism", dfsPreIsm);
+        writeInt(WLBRCM_HERE, radio, "dfs_postism", dfsPostIsm);
+        writeInt(WLBRCM_HERE, radio, "tpc_db", tpcDb);
     }
-    return writeText(WLBRCM_HERE, prefix, "reg_mode", regMode == k80211h ? "h" : regMode == k80211d ? "d" : "off");
+    return writeText(WLBRCM_HERE, radio, "reg_mode", regMode == k80211h ? "h" : regMode == k80211d ? "d" : "off");
 }
 
 // The channel itself was left to automatic selection by qvWlanSetChannel().
 int qvWlanSetAutoCh(WlanParamArg *) { return writeText(WLBRCM_HERE, Key("acs_mode"), ""); }
 
 int qvWlanSetAutoChPolicy(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     const int policy = decimal(arg->value);
     printf("%s: %d\n", __func__, policy);
     if (policy < 0)
         return WLBRCM_EINVAL;
-    const InterfaceName radio(WLBRCM_HERE, arg->prefix);
+    const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg);
     if (!radio)
         return WLBRCM_EINVAL;
-    const Command command("acs_cli -i %s acs_policy %d &", radio, policy);
+    const CommandText<> command(WLBRCM_COMMAND("acs_cli -i %s acs_policy %d &"), radio, policy);
     printf("%s: %s\n", __func__, command.text.c_str());
     // In the background: the daemon may be busy with a scan.
     __qvWlanSystemEx(__func__, __LINE__, command.text.c_str());
@@ -121,13 +120,13 @@ int qvWlanSetAutoChPolicy(WlanParamArg *arg) {
 
 int qvWlanAutoChannelSkip(WlanParamArg *arg) {
     constexpr size_t kLongestSkipList = 100;
-    if (!hasValue(arg))
+    const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!radio)
         return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, arg->prefix, "acs_autoch_skip", {arg->value, strnlen(arg->value, kLongestSkipList)});
+    return writeText(WLBRCM_HERE, radio, "acs_autoch_skip", {arg->value, strnlen(arg->value, kLongestSkipList)});
 }
 
 int qvWlanSetPerBandBw(WlanParamArg *arg) {
-    if (!hasPrefix(arg) || arg->aux == nullptr)
-        return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, arg->prefix, "bw_cap", arg->aux);
+    const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg, kAux);
+    return radio ? writeText(WLBRCM_HERE, radio, "bw_cap", arg->aux) : WLBRCM_EINVAL;
 }

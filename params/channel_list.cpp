@@ -1,4 +1,5 @@
 // The channels that the driver allows.
+#include "module/numbers.h"
 #include "params/setting.h"
 
 using namespace wlbrcm;
@@ -26,6 +27,8 @@ class ChannelListWriter {
     size_t used_ = 0;
 };
 
+using ListLine = char[256];
+
 struct ListingRequest {
     bool is5G = false;
     int bandwidth = 20;
@@ -47,33 +50,36 @@ struct ChanspecEntry {
     char first, second; // the characters behind the channel
 };
 
-// Reads one entry of the driver's listing. The number of characters is stored behind the chanspec, which may have any
-// length: it tells that all of the entry was there.
-bool readEntry(FILE *listing, int bandwidth, ChanspecEntry *entry) {
-    int *channel = &entry->channel;
-    char *first = &entry->first;
-    char *second = &entry->second;
-    int end = 0;
-    switch (bandwidth) {
-    case 10:
-        return fscanf(listing, "%d%c%c\n", channel, first, second) == 3;
-    case 20:
-        return fscanf(listing, "%d%c %*s%n\n", channel, first, &end) == 2 && end > 0;
-    case 40:
-        return fscanf(listing, "%d%c%c %*s%n\n", channel, first, second, &end) == 3 && end > 0;
-    case 80:
-        return fscanf(listing, "%d%c%*d %*s%n\n", channel, first, &end) == 2 && end > 0;
-    default:
+bool takeCharacter(std::string_view *rest, char *character) {
+    if (rest->empty())
+        return false;
+    *character = rest->front();
+    rest->remove_prefix(1);
+    return true;
+}
+
+// Takes one entry of the driver's listing: the channel, one or two characters, and but for 10 MHz the chanspec.
+bool takeEntry(std::string_view *rest, int bandwidth, ChanspecEntry *entry) {
+    int width;
+    std::string_view chanspec;
+    if (bandwidth != 10 && bandwidth != 20 && bandwidth != 40 && bandwidth != 80) {
         printf("unknown bandwidth : %d\n", bandwidth);
         return false;
     }
+    if (!takeDecimal(rest, &entry->channel) || !takeCharacter(rest, &entry->first))
+        return false;
+    const bool isPair = bandwidth == 10 || bandwidth == 40;
+    if (isPair && !takeCharacter(rest, &entry->second))
+        return false;
+    if (bandwidth == 80 && !takeDecimal(rest, &width))
+        return false;
+    return bandwidth == 10 || takeWord(rest, rest->size(), &chanspec);
 }
 
-bool hasMore(FILE *listing) {
-    if (fscanf(listing, " ") == EOF)
-        return false;
-    const int next = getc(listing);
-    return next != EOF && ungetc(next, listing) != EOF;
+// Passes over blanks; false when there is nothing else.
+bool hasMore(std::string_view *rest) {
+    takeText(rest, " ");
+    return !rest->empty();
 }
 
 bool isWanted(const ListingRequest &request, const ChanspecEntry &entry) {
@@ -85,69 +91,89 @@ bool isWanted(const ListingRequest &request, const ChanspecEntry &entry) {
     return strcmp(request.sideband, "upper") != 0 || letter == 'u';
 }
 
-void readListing(FILE *listing, const ListingRequest &request, ChannelListWriter *list) {
+// False when the listing is to be read no further.
+bool readLine(std::string_view line, const ListingRequest &request, ChannelListWriter *list) {
     ChanspecEntry entry{};
-    while (hasMore(listing) && readEntry(listing, request.bandwidth, &entry)) {
-        if (isWanted(request, entry) && !list->append(entry.channel))
-            return;
-    }
-}
-
-// What countries are called, with a revision or a number; nothing that the driver tool's line reads otherwise.
-bool isCountryText(std::string_view text) {
-    for (const char c : text) {
-        const bool isLetter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-        if (!isLetter && !(c >= '0' && c <= '9') && !contains("/#._-", {&c, 1}))
+    while (hasMore(&line)) {
+        if (!takeEntry(&line, request.bandwidth, &entry) || (isWanted(request, entry) && !list->append(entry.channel)))
             return false;
     }
     return true;
 }
 
+bool isBlank(char c) { return contains(" \t\r\n", {&c, 1}); }
+
+// A chanspec may have any length; what a line too long for one piece has left of it is passed over.
+void readListing(Report *listing, const ListingRequest &request, ChannelListWriter *list) {
+    bool insideChanspec = false;
+    for (ListLine piece; listing->next(piece);) {
+        std::string_view line = piece;
+        while (insideChanspec && !line.empty() && !isBlank(line.front()))
+            line.remove_prefix(1);
+        if (!readLine(line, request, list))
+            return;
+        insideChanspec = *piece != '\0' && !isBlank(piece[strlen(piece) - 1]);
+    }
+}
+
+bool readNumbers(std::string_view line, ChannelListWriter *list) {
+    while (hasMore(&line)) {
+        int channel;
+        if (!takeDecimal(&line, &channel) || !list->append(channel))
+            return false;
+    }
+    return true;
+}
+
+bool isLetterOrDigit(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); }
+
+// What countries are called, with a revision or a number; nothing that the driver tool's line reads otherwise, as an
+// option or a path. None at all is what a record without a country asks for.
+bool isCountryText(std::string_view text) {
+    for (const char c : text) {
+        if (!isLetterOrDigit(c) && !contains("/#._-", {&c, 1}))
+            return false;
+    }
+    return text.empty() || (isLetterOrDigit(text.front()) && !contains(text, ".."));
+}
+
 } // namespace
 
 int qvWlanChannelList(WlanParamArg *arg) {
-    if (!hasValue(arg) || arg->aux == nullptr || arg->result == nullptr)
-        return WLBRCM_EINVAL;
-    ChannelListWriter list(arg->result);
-    const InterfaceName radio(WLBRCM_HERE, arg->prefix);
+    const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg, kValue | kAux | kResult);
     if (!radio)
         return WLBRCM_EINVAL;
+    ChannelListWriter list(arg->result);
     const ListingRequest request = readRequest(arg->value);
     if (isCountryText(arg->aux))
         runDriver(WLBRCM_HERE, radio, DriverArgs("country %s", arg->aux));
     else
-        WLBRCM_LOG(LOG_ERR, "invalid country \"%.64s\".\n", arg->aux);
+        WLBRCM_LOG(LOG_ERR, "invalid country \"%s\".\n", Shown({arg->aux, strnlen(arg->aux, 64)}).c_str());
 
-    const ResultPath path("/tmp/%schspeclist", radio.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s chanspecs -b %d -w %d > %s", radio, request.is5G ? 5 : 2, request.bandwidth,
-               path);
-    ResultFile listing(path);
+    Report listing(WLBRCM_HERE, ResultPath("/tmp/%schspeclist", radio.c_str()),
+                   WLBRCM_COMMAND("wlctl -i %s chanspecs -b %d -w %d > %s"), radio, request.is5G ? 5 : 2,
+                   request.bandwidth);
     if (!listing) {
         printf("can't open file");
         return WLBRCM_OK;
     }
-    readListing(listing.stream(), request, &list);
+    readListing(&listing, request, &list);
     return WLBRCM_OK;
 }
 
 int qvWlanGetValidChannel(WlanParamArg *arg) {
-    if (!hasPrefix(arg) || arg->result == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName radio(WLBRCM_HERE, arg->prefix);
+    const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!radio)
         return WLBRCM_EINVAL;
     const ResultPath path("/var/%schlist", radio.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s channels > %s", radio, path);
-    ResultFile listing(path);
+    Report listing(WLBRCM_HERE, path, WLBRCM_COMMAND("wlctl -i %s channels > %s"), radio);
     if (!listing) {
         printf("Can't open %s\n", path.c_str());
         return WLBRCM_EFAILED;
     }
     ChannelListWriter list(arg->result);
-    for (int channel; fscanf(listing.stream(), "%d", &channel) == 1;) {
-        if (!list.append(channel))
-            break;
-    }
+    for (ListLine line; listing.next(line) && readNumbers(line, &list);)
+        continue;
     return WLBRCM_OK;
 }
 

@@ -41,7 +41,8 @@ int *defaultKeyOf(const WlanParamArg *arg) {
 } // namespace
 
 int qvWlanSetAuthMode(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     const AuthMode *mode = findWord(kAuthModes, arg->value);
     if (mode == nullptr) {
@@ -56,22 +57,23 @@ int qvWlanSetAuthMode(WlanParamArg *arg) {
         return WLBRCM_EINVAL;
     }
     if (mode->change == Akm::Set)
-        writeText(WLBRCM_HERE, arg->prefix, "akm", mode->akm);
+        writeText(WLBRCM_HERE, name, "akm", mode->akm);
     if (mode->change == Akm::Unset) {
-        writeText(WLBRCM_HERE, arg->prefix, "auth_mode", "");
-        writeText(WLBRCM_HERE, arg->prefix, "akm", "");
+        writeText(WLBRCM_HERE, name, "auth_mode", "");
+        writeText(WLBRCM_HERE, name, "akm", "");
     }
-    const int written = writeInt(WLBRCM_HERE, arg->prefix, "auth", mode->auth);
+    const int written = writeInt(WLBRCM_HERE, name, "auth", mode->auth);
     if (mode->change == Akm::Set)
-        return writeText(WLBRCM_HERE, arg->prefix, "auth_mode", "none");
+        return writeText(WLBRCM_HERE, name, "auth_mode", "none");
     return written;
 }
 
 // The old cipher goes first, so that an unknown word never leaves a cipher in force that nobody asked for.
 int qvWlanSetEncrypType(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
-    const int unset = writeText(WLBRCM_HERE, arg->prefix, "crypto", "");
+    const int unset = writeText(WLBRCM_HERE, name, "crypto", "");
     const Cipher *cipher = findWord(kCiphers, arg->value);
     if (cipher == nullptr) {
         printf("Invalid Encryption Type %s\n"
@@ -84,27 +86,29 @@ int qvWlanSetEncrypType(WlanParamArg *arg) {
     }
     if (*cipher->crypto == '\0')
         return unset;
-    return writeText(WLBRCM_HERE, arg->prefix, "crypto", cipher->crypto);
+    return writeText(WLBRCM_HERE, name, "crypto", cipher->crypto);
 }
 
 int qvWlanSetDefaultKeyID(WlanParamArg *arg) {
     int number;
-    if (!readNumber(arg, {"key", 1, 4}, &number))
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, {"key", 1, 4}, &number);
+    if (!name)
         return WLBRCM_EINVAL;
     int *key = defaultKeyOf(arg);
     if (key == nullptr)
         return WLBRCM_EINVAL;
     *key = number;
-    return writeInt(WLBRCM_HERE, arg->prefix, "key", number);
+    return writeInt(WLBRCM_HERE, name, "key", number);
 }
 
 int qvWlanSetWepKey(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!name)
         return WLBRCM_EINVAL;
     const int *key = defaultKeyOf(arg);
     if (key == nullptr)
         return WLBRCM_EINVAL;
-    return setText(WLBRCM_HERE, arg, Text<16>("key%d", *key).c_str());
+    return writeText(WLBRCM_HERE, name, Text<16>("key%d", *key).c_str(), arg->value);
 }
 
 int qvWlanSetPreSharedKey(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "wpa_psk"); }

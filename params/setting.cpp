@@ -2,32 +2,34 @@
 
 namespace wlbrcm {
 
-bool readNumber(const WlanParamArg *arg, const IntParam &param, int *number) {
-    if (!hasValue(arg))
-        return false;
+InterfaceName readNumber(Here here, const WlanParamArg *arg, const IntParam &param, int *number) {
+    const InterfaceName name = interfaceOf(here, arg, kValue);
+    if (!name)
+        return name;
     *number = decimal(arg->value);
-    const bool inRange = *number >= param.lowest && *number <= param.highest;
-    if (!inRange)
-        fputs(param.usage, stdout);
-    return inRange;
+    if (*number >= param.lowest && *number <= param.highest)
+        return name;
+    fputs(param.usage, stdout);
+    return {};
 }
 
 int setInt(Here here, const WlanParamArg *arg, const IntParam &param) {
     int number;
-    if (!readNumber(arg, param, &number))
-        return WLBRCM_EINVAL;
-    return writeInt(here, arg->prefix, param.key, number);
+    const InterfaceName name = readNumber(here, arg, param, &number);
+    return name ? writeInt(here, name, param.key, number) : WLBRCM_EINVAL;
 }
 
 int setWord(Here here, const WlanParamArg *arg, const WordParam &param) {
     int number;
-    if (!readNumber(arg, param.number, &number))
+    const InterfaceName name = readNumber(here, arg, param.number, &number);
+    if (!name)
         return WLBRCM_EINVAL;
-    return writeText(here, arg->prefix, param.number.key, param.words[number - param.number.lowest]);
+    return writeText(here, name, param.number.key, param.words[number - param.number.lowest]);
 }
 
 int setText(Here here, const WlanParamArg *arg, const char *key) {
-    return hasValue(arg) ? writeText(here, arg->prefix, key, arg->value) : WLBRCM_EINVAL;
+    const InterfaceName name = interfaceOf(here, arg, kValue);
+    return name ? writeText(here, name, key, arg->value) : WLBRCM_EINVAL;
 }
 
 int runDriver(Here here, const InterfaceName &ifname, const DriverArgs &args) {

@@ -6,6 +6,7 @@
 
 #include <wlbrcm/params.h>
 
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/nvram.h"
 
@@ -28,12 +29,9 @@ struct WordParam {
 inline constexpr const char *kOffOn[] = {"off", "on"};
 inline constexpr const char *kAutoOffOn[] = {"auto", "off", "on"};
 
-// The arguments that a setter reads are there.
-inline bool hasPrefix(const WlanParamArg *arg) { return arg != nullptr && arg->prefix != nullptr; }
-inline bool hasValue(const WlanParamArg *arg) { return hasPrefix(arg) && arg->value != nullptr; }
-
-// The value as a number of the parameter's range. False, with the usage printed, when there is no such number.
-bool readNumber(const WlanParamArg *arg, const IntParam &param, int *number);
+// The value as a number of the parameter's range, and the interface that is set. The latter is invalid when either of
+// them is missing or refused; a number out of range prints the usage.
+InterfaceName readNumber(Here here, const WlanParamArg *arg, const IntParam &param, int *number);
 
 // Setters of one variable: the value as a number, as the word for a number, or unconverted.
 int setInt(Here here, const WlanParamArg *arg, const IntParam &param);

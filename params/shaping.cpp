@@ -29,55 +29,51 @@ template <size_t Count> int burstFor(int rate, const BurstStep (&steps)[Count]) 
     return burst;
 }
 
-// What a limit is made of, each with the interface; an earlier limit is always removed first, so that there is never
-// more than one queue.
-struct Limit {
-    const char *remove;
-    const char *prepare; // null when nothing is needed
-    const char *add;     // also with rate and burst
-};
-constexpr Limit kUpstream = {
-    "tc qdisc del dev %s ingress 2> /dev/null", "tc qdisc add dev %s handle ffff: ingress 2> /dev/null",
-    "tc filter add dev %s parent ffff: protocol all u32 match u32 0 0 police rate %dkbit burst "
-    "%dkb drop flowid :1 2> /dev/null"};
-constexpr Limit kDownstream = {"tc qdisc del dev %s root 2> /dev/null", nullptr,
-                               "tc qdisc add dev %s root tbf rate %dkbit latency 50ms burst %dkb 2> /dev/null"};
+} // namespace
 
-template <size_t Count>
-int setLimit(Here here, const WlanParamArg *arg, const Limit &limit, const BurstStep (&bursts)[Count]) {
-    if (!hasValue(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName bss(here, arg->prefix);
+// An earlier limit is always removed first, so that there is never more than one queue.
+
+int qvWlanSetUpstreamRate(WlanParamArg *arg) {
+    const InterfaceName bss = interfaceOf(WLBRCM_HERE, arg, kValue);
     if (!bss)
         return WLBRCM_EINVAL;
     const int rate = decimal(arg->value);
-    runCommand(here, limit.remove, bss);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("tc qdisc del dev %s ingress 2> /dev/null"), bss);
     if (rate < 1)
         return WLBRCM_OK;
-    if (limit.prepare != nullptr)
-        runCommand(here, limit.prepare, bss);
-    runCommand(here, limit.add, bss, rate, burstFor(rate, bursts));
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("tc qdisc add dev %s handle ffff: ingress 2> /dev/null"), bss);
+    runCommand(
+        WLBRCM_HERE,
+        WLBRCM_COMMAND("tc filter add dev %s parent ffff: protocol all u32 match u32 0 0 police rate %dkbit burst "
+                       "%dkb drop flowid :1 2> /dev/null"),
+        bss, rate, burstFor(rate, kUpstreamBursts));
     return WLBRCM_OK;
 }
 
-} // namespace
-
-int qvWlanSetUpstreamRate(WlanParamArg *arg) { return setLimit(WLBRCM_HERE, arg, kUpstream, kUpstreamBursts); }
-
-int qvWlanSetDownstreamRate(WlanParamArg *arg) { return setLimit(WLBRCM_HERE, arg, kDownstream, kDownstreamBursts); }
+int qvWlanSetDownstreamRate(WlanParamArg *arg) {
+    const InterfaceName bss = interfaceOf(WLBRCM_HERE, arg, kValue);
+    if (!bss)
+        return WLBRCM_EINVAL;
+    const int rate = decimal(arg->value);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("tc qdisc del dev %s root 2> /dev/null"), bss);
+    if (rate < 1)
+        return WLBRCM_OK;
+    runCommand(WLBRCM_HERE,
+               WLBRCM_COMMAND("tc qdisc add dev %s root tbf rate %dkbit latency 50ms burst %dkb 2> /dev/null"), bss,
+               rate, burstFor(rate, kDownstreamBursts));
+    return WLBRCM_OK;
+}
 
 int qvWlanFlowCacheSetup(WlanParamArg *arg, int enabled) {
-    if (!hasValue(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName bss(WLBRCM_HERE, arg->prefix);
+    const InterfaceName bss = interfaceOf(WLBRCM_HERE, arg, kValue);
     if (!bss)
         return WLBRCM_EINVAL;
     const bool useCache = decimal(arg->value) != 0;
-    runCommand(WLBRCM_HERE, "ebtables -t broute -D SKIP_FCACHE -i %s -j SKIPLOG", bss);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ebtables -t broute -D SKIP_FCACHE -i %s -j SKIPLOG"), bss);
     if (enabled == 0)
         return WLBRCM_OK;
     if (!useCache)
-        runCommand(WLBRCM_HERE, "ebtables -t broute -A SKIP_FCACHE -i %s -j SKIPLOG", bss);
-    runCommand(WLBRCM_HERE, "wlctl -i %s fcache %d > /dev/null", bss, useCache ? 1 : 0);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ebtables -t broute -A SKIP_FCACHE -i %s -j SKIPLOG"), bss);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s fcache %d > /dev/null"), bss, useCache ? 1 : 0);
     return WLBRCM_OK;
 }

@@ -1,8 +1,10 @@
 // Neighbouring access points: the driver's report as records for the host.
 #include <wlbrcm/scan.h>
 
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/numbers.h"
+#include "module/record.h"
 #include "scan/readers.h"
 
 using namespace wlbrcm;
@@ -11,27 +13,19 @@ namespace {
 
 // How many access points the report holds at most; 0 when that cannot be told.
 int countAccessPoints(const ResultPath &path) {
-    const Command command("cat %s | grep -c ^SSID", path);
-    CommandOutput counter(command.text.c_str());
+    CommandOutput counter(WLBRCM_COMMAND("cat %s | grep -c ^SSID"), path);
     char line[255];
     return counter.next(line) ? decimalNumber(line) : 0;
-}
-
-bool isComplete(const WlanParamArg *arg) {
-    return arg != nullptr && arg->prefix != nullptr && arg->aux != nullptr && arg->result != nullptr;
 }
 
 } // namespace
 
 int qvWlanGetScanApResults(WlanParamArg *arg) {
-    if (!isComplete(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kAux | kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
     const ResultPath path("/tmp/%sscanresults", ifname.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s scanresults > %s", ifname, path);
-    ResultFile report(path);
+    Report report(WLBRCM_HERE, path, WLBRCM_COMMAND("wlctl -i %s scanresults > %s"), ifname);
     const int capacity = report ? countAccessPoints(path) : 0;
     if (capacity <= 0)
         return WLBRCM_EFAILED;
@@ -53,10 +47,10 @@ int qvbrcm_GetChanScanApRpt(WlIntf *intf, WlScanAp **aps, int *count) {
         return WLBRCM_EINVAL;
     int found = 0;
     WlScanAp *list = nullptr;
-    WlanParamArg arg = {intf->radio.ifName, nullptr, reinterpret_cast<char *>(&found), &list,
-                        intf->radio.radioIndex - 1};
+    FieldCopy ifname(intf->radio.ifName);
+    WlanParamArg arg = {ifname.data(), nullptr, reinterpret_cast<char *>(&found), &list, intf->radio.radioIndex - 1};
     if (qvWlanGetScanApResults(&arg) != WLBRCM_OK) {
-        WLBRCM_LOG(LOG_ERR, "WDS scan fail on %s......\n", intf->radio.ifName);
+        WLBRCM_LOG(LOG_ERR, "WDS scan fail on %s......\n", Shown(ifname.c_str()).c_str());
         return WLBRCM_EFAILED;
     }
     if (aps == nullptr || count == nullptr) {

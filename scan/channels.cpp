@@ -1,8 +1,10 @@
 // Channel survey: forced scans of the channel selection daemon, and what it counted on each channel.
 #include <wlbrcm/scan.h>
 
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/numbers.h"
+#include "module/record.h"
 #include "scan/readers.h"
 
 using namespace wlbrcm;
@@ -35,35 +37,31 @@ const LineShape *shapeOf(int numbers, int band) {
 // A line of the dump; a longer one comes in pieces, each of which counts.
 using DumpLine = char[256];
 
-int countLines(FILE *file) {
+int countLines(Report *dump) {
     int count = 0;
-    for (DumpLine line; readLine(file, line);)
+    for (DumpLine line; dump->next(line);)
         ++count;
     return count;
 }
 
 // Zero-filled records, of which the first ones are filled.
-WlChanScanInfo *readChannels(FILE *file, int count, int band) {
+WlChanScanInfo *readChannels(Report *dump, int count, int band) {
     auto *channels = static_cast<WlChanScanInfo *>(calloc(static_cast<size_t>(count), sizeof(WlChanScanInfo)));
     if (channels == nullptr)
         return nullptr;
     DumpLine line;
-    rewind(file);
-    readLine(file, line); // the header
-    for (int filled = 0; filled < count && readLine(file, line);)
+    dump->lines().rewind();
+    dump->next(line); // the header
+    for (int filled = 0; filled < count && dump->next(line);)
         filled += readChannelLine(line, band, &channels[filled]) ? 1 : 0;
     return channels;
-}
-
-bool isComplete(const WlanParamArg *arg) {
-    return arg != nullptr && arg->prefix != nullptr && arg->value != nullptr && arg->aux != nullptr &&
-           arg->result != nullptr;
 }
 
 // The argument record keeps `count` behind a text pointer.
 int dumpChannels(WlIntf *intf, WlChanScanInfo **channels, int *count) { // NOLINT(readability-non-const-parameter)
     int band = intf->radio.band;
-    WlanParamArg arg = {intf->radio.ifName, reinterpret_cast<char *>(&band), reinterpret_cast<char *>(count), channels,
+    FieldCopy ifname(intf->radio.ifName);
+    WlanParamArg arg = {ifname.data(), reinterpret_cast<char *>(&band), reinterpret_cast<char *>(count), channels,
                         intf->radio.radioIndex - 1};
     return qvWlanDumpCSRes(&arg);
 }
@@ -90,13 +88,10 @@ bool wlbrcm::readChannelLine(std::string_view line, int band, WlChanScanInfo *ch
 }
 
 int qvWlanChanScan(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg);
     if (!ifname)
         return WLBRCM_EINVAL;
-    const Command command("acs_cli -i %s csscan_force", ifname);
-    CommandOutput answer(command.text.c_str());
+    CommandOutput answer(WLBRCM_COMMAND("acs_cli -i %s csscan_force"), ifname);
     for (char line[256]; answer.next(line);) {
         if (contains(line, "Request finished"))
             return WLBRCM_OK;
@@ -108,28 +103,26 @@ int qvbrcm_ChannelScan(WlIntf *intf) {
     WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intf == nullptr)
         return WLBRCM_EINVAL;
+    FieldCopy ifname(intf->radio.ifName);
     WlanParamArg arg = {};
-    arg.prefix = intf->radio.ifName;
+    arg.prefix = ifname.data();
     arg.index = intf->radio.radioIndex - 1;
     if (qvWlanChanScan(&arg) == WLBRCM_OK)
         return WLBRCM_OK;
-    WLBRCM_LOG(LOG_ERR, "Channel scan fail on %s......\n", intf->radio.ifName);
+    WLBRCM_LOG(LOG_ERR, "Channel scan fail on %s......\n", Shown(ifname.c_str()).c_str());
     return WLBRCM_EFAILED;
 }
 
 int qvWlanDumpCSRes(WlanParamArg *arg) {
-    if (!isComplete(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kValue | kAux | kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
     int band = 0;
     memcpy(&band, arg->value, sizeof band);
-    const ResultPath path("/tmp/%s_acs_dump_res", ifname.c_str());
-    runCommand(WLBRCM_HERE, "acs_cli -i %s dump bss > %s", ifname, path);
-    ResultFile report(path);
-    const int count = report ? countLines(report.stream()) - 1 : 0;
-    WlChanScanInfo *channels = count > 0 ? readChannels(report.stream(), count, band) : nullptr;
+    Report dump(WLBRCM_HERE, ResultPath("/tmp/%s_acs_dump_res", ifname.c_str()),
+                WLBRCM_COMMAND("acs_cli -i %s dump bss > %s"), ifname);
+    const int count = countLines(&dump) - 1;
+    WlChanScanInfo *channels = count > 0 ? readChannels(&dump, count, band) : nullptr;
     if (channels == nullptr)
         return WLBRCM_EFAILED;
     memcpy(arg->aux, &count, sizeof count);

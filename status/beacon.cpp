@@ -1,4 +1,5 @@
 // What an interface announces in its beacon.
+#include "module/command.h"
 #include "module/numbers.h"
 #include "status/interface.h"
 #include "status/readers.h"
@@ -96,14 +97,11 @@ using namespace wlbrcm;
 
 int qvbrcm_GetGenIntfInfo(const char *ifname, int bssIndex, WlIntfInfo *info) {
     WLBRCM_LOG(LOG_DEBUG, "enter.\n");
-    if (ifname == nullptr || info == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName name = bssInterface(WLBRCM_HERE, ifname, bssIndex);
+    const InterfaceName name = bssInterface(WLBRCM_HERE, ifname, bssIndex, info);
     if (!name)
-        return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/.intf_info_result");
-    runUnlogged(WLBRCM_HERE, "wlctl -i %s beacon_info > %s", name, path);
-    ResultFile report(path);
+        return WLBRCM_OK;
+    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.intf_info_result"),
+                  WLBRCM_COMMAND("wlctl -i %s beacon_info > %s"), name);
     BeaconReader reader(info);
     for (char line[99]; report.next(line);)
         reader.line(line);

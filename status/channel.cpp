@@ -1,4 +1,5 @@
 // The current channel of an interface.
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/numbers.h"
 #include "status/readers.h"
@@ -68,14 +69,11 @@ bool decodeChanspec(uint32_t chanspec, WlChannelInfo *info) {
 using namespace wlbrcm;
 
 int qvWlanGetCurrentChannelInfo(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr || arg->result == nullptr || !startsWith(arg->prefix, "wl"))
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kResult);
+    if (!ifname || !startsWith(ifname.c_str(), "wl"))
         return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
-    if (!ifname)
-        return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/.cur_channel");
-    runUnlogged(WLBRCM_HERE, "wlctl -i %s chanspec > %s", ifname, path);
-    ResultFile report(path);
+    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.cur_channel"), WLBRCM_COMMAND("wlctl -i %s chanspec > %s"),
+                  ifname);
     if (!report) {
         printf("%s: error open file\n", "qvWlanGetCurrentChannelInfo");
         return WLBRCM_EFAILED;

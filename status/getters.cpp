@@ -1,4 +1,5 @@
 // Single live values of an interface: up or down, noise, traffic.
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/numbers.h"
 #include "status/readers.h"
@@ -22,17 +23,15 @@ constexpr int kCounterCount = sizeof kCounters / sizeof kCounters[0];
 static_assert(kCounterCount * sizeof(uint32_t) == sizeof(WlTrafficCounters), "every counter is looked for");
 
 // The number that a report's first line of at most Size - 1 characters begins with; 0 when there is no report.
-template <size_t Size> int readFirstNumber(const ResultPath &path, int *result) {
-    *result = 0;
-    ResultFile report(path);
+template <size_t Size> int readFirstNumber(Report *report, void *result) {
+    auto *number = static_cast<int *>(result);
+    *number = 0;
     char line[Size];
-    if (!report.next(line))
+    if (!report->next(line))
         return WLBRCM_EFAILED;
-    *result = decimalNumber(line);
+    *number = decimalNumber(line);
     return WLBRCM_OK;
 }
-
-bool isComplete(const WlanParamArg *arg) { return arg != nullptr && arg->prefix != nullptr && arg->result != nullptr; }
 
 } // namespace
 
@@ -53,26 +52,22 @@ int readCounters(std::string_view line, WlTrafficCounters *counters) {
 using namespace wlbrcm;
 
 int qvWlanGetRadioStatus(WlanParamArg *arg) {
-    if (!isComplete(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/%s_radio_st", ifname.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s isup > %s", ifname, path);
-    return readFirstNumber<49>(path, static_cast<int *>(arg->result));
+    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_radio_st", ifname.c_str()), WLBRCM_COMMAND("wlctl -i %s isup > %s"),
+                  ifname);
+    return readFirstNumber<49>(&report, arg->result);
 }
 
 int qvWlanGetNoise(WlanParamArg *arg) {
-    if (!isComplete(arg))
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/.noise_result");
-    runUnlogged(WLBRCM_HERE, "wlctl -i %s status | grep \"noise:\" | awk '{sub(/.*noise:/,\"\");print $1}' > %s",
-                ifname, path);
-    return readFirstNumber<255>(path, static_cast<int *>(arg->result));
+    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.noise_result"),
+                  WLBRCM_COMMAND("wlctl -i %s status | grep \"noise:\" | awk '{sub(/.*noise:/,\"\");print $1}' > %s"),
+                  ifname);
+    return readFirstNumber<255>(&report, arg->result);
 }
 
 int qvWlanGetTrafficInfo(const char *ifname, WlTrafficCounters *counters) {
@@ -82,8 +77,7 @@ int qvWlanGetTrafficInfo(const char *ifname, WlTrafficCounters *counters) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return WLBRCM_EINVAL;
-    const Command command("wlctl -i %s counters", name);
-    CommandOutput output(command.text.c_str());
+    CommandOutput output(WLBRCM_COMMAND("wlctl -i %s counters"), name);
     if (!output)
         return WLBRCM_EFAILED;
     WlTrafficCounters read = {};

@@ -1,4 +1,5 @@
 // How busy the current channel is.
+#include "module/command.h"
 #include "module/numbers.h"
 #include "status/interface.h"
 #include "status/readers.h"
@@ -30,21 +31,18 @@ using namespace wlbrcm;
 
 int qvbrcm_GetFatIntfInfo(const char *ifname, int bssIndex, int *fat) {
     WLBRCM_LOG(LOG_DEBUG, "enter.\n");
-    if (ifname == nullptr || fat == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName name = bssInterface(WLBRCM_HERE, ifname, bssIndex);
+    const InterfaceName name = bssInterface(WLBRCM_HERE, ifname, bssIndex, fat);
     if (!name)
-        return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/.fat_info");
-    runUnlogged(WLBRCM_HERE, "wlctl -i %s chanim_stats > %s", name, path);
-    ResultFile report(path);
+        return WLBRCM_OK;
+    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.fat_info"), WLBRCM_COMMAND("wlctl -i %s chanim_stats > %s"),
+                  name);
     char line[255];
     bool header = false;
     while (!header && report.next(line))
         header = contains(line, "inbss");
     if (!header || !report.next(line))
         return WLBRCM_OK;
-    WLBRCM_LOG(LOG_DEBUG, "chanim_stats=> %s\n", line);
+    WLBRCM_LOG(LOG_DEBUG, "chanim_stats=> %s\n", Shown(line).c_str());
     *fat = channelLoad(line);
     WLBRCM_LOG(LOG_DEBUG, "fat %d\n", *fat);
     return WLBRCM_OK;

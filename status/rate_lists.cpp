@@ -1,4 +1,7 @@
 // The file of basic and supported data rates that the host reads.
+#include <unistd.h>
+
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/rates.h"
 #include "status/readers.h"
@@ -86,8 +89,7 @@ int streamsOfMode(const InterfaceName &ifname, int mode) {
     if (mode == 0 || mode == 1 || mode == 2 || mode == 5)
         return kDefaultStreams;
     const ResultPath path("/tmp/%srateset.txt", ifname.c_str());
-    runCommand(here, "wlctl -i %s rateset > %s", ifname, path);
-    ResultFile report(path);
+    Report report(here, path, WLBRCM_COMMAND("wlctl -i %s rateset > %s"), ifname);
     if (!report) {
         WLBRCM_LOG_AT(here, LOG_ERR, ": %s no such file.\n", path.c_str());
         return 0;
@@ -107,9 +109,7 @@ int streamsOfMode(const InterfaceName &ifname, int mode) {
 using namespace wlbrcm;
 
 int qvWlanGetDataTxRates(WlanParamArg *arg, int wirelessMode, int bandwidth, int band) {
-    if (arg == nullptr || arg->prefix == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg);
     if (!ifname)
         return WLBRCM_EINVAL;
     const int streams = streamsOfMode(ifname, wirelessMode);
@@ -119,11 +119,11 @@ int qvWlanGetDataTxRates(WlanParamArg *arg, int wirelessMode, int bandwidth, int
     RateList supported;
     addSupportedRates(&supported, wirelessMode, bandwidth, band, streams);
     const ResultPath path("/tmp/%sDataTxRates.txt", ifname.c_str());
-    FILE *file = fopen(path.c_str(), "w");
-    if (file == nullptr) {
+    const int file = clearPlace(WLBRCM_HERE, path.c_str(), "data rates") ? createOwnFile(path.c_str()) : -1;
+    if (file < 0) {
         WLBRCM_LOG(LOG_ERR, ":%s no such file.\n", path.c_str());
         return WLBRCM_EFAILED;
     }
-    const bool written = fprintf(file, "%s:BasR\n%s:SupR\n", basicRates(band), supported.c_str()) > 0;
-    return fclose(file) == 0 && written ? WLBRCM_OK : WLBRCM_EFAILED;
+    const bool written = dprintf(file, "%s:BasR\n%s:SupR\n", basicRates(band), supported.c_str()) > 0;
+    return close(file) == 0 && written ? WLBRCM_OK : WLBRCM_EFAILED;
 }

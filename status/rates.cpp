@@ -1,4 +1,5 @@
 // What a radio can and does transmit at.
+#include "module/argument.h"
 #include "module/command.h"
 #include "module/numbers.h"
 #include "status/readers.h"
@@ -13,9 +14,9 @@ struct McsRate {
     uint8_t numerator;
     uint8_t denominator;
 };
-constexpr McsRate kMcsRates[] = {{1, 1, 2}, {2, 1, 2}, {2, 3, 4}, {4, 1, 2}, {4, 3, 4},  {6, 2, 3},
-                                 {6, 3, 4}, {6, 5, 6}, {8, 3, 4}, {8, 5, 6}, {10, 3, 4}, {10, 5, 6}};
-constexpr unsigned kMcsCount = sizeof kMcsRates / sizeof kMcsRates[0];
+constexpr McsRate ieee_80211_mcs_rate_info[] = {{1, 1, 2}, {2, 1, 2}, {2, 3, 4}, {4, 1, 2}, {4, 3, 4},  {6, 2, 3},
+                                                {6, 3, 4}, {6, 5, 6}, {8, 3, 4}, {8, 5, 6}, {10, 3, 4}, {10, 5, 6}};
+constexpr unsigned kMcsCount = sizeof ieee_80211_mcs_rate_info / sizeof ieee_80211_mcs_rate_info[0];
 constexpr int kHighestMcs = 9;    // that a rate set is believed to name
 constexpr int kMostStreams = 400; // keeps the rate within 32 bits
 
@@ -75,7 +76,7 @@ bool phyRate(const RateSet &set, uint32_t bandwidth, uint32_t *kbps) {
         return false;
     if (set.streams < 0 || set.streams > kMostStreams)
         return true;
-    const McsRate &rate = kMcsRates[set.mcs];
+    const McsRate &rate = ieee_80211_mcs_rate_info[set.mcs];
     const uint32_t bits =
         static_cast<uint32_t>(set.streams) * rate.bits * rate.numerator * subcarriers(bandwidth) / rate.denominator;
     *kbps = (bits * 2500 + 4) / 9; // one symbol lasts 3.6 microseconds
@@ -84,9 +85,10 @@ bool phyRate(const RateSet &set, uint32_t bandwidth, uint32_t *kbps) {
 
 namespace {
 
-// Whether the driver chooses the rate itself. The report is removed before the next one is asked for under its name.
-bool isRateAutomatic(const ResultPath &path) {
-    ResultFile report(path);
+// Whether the driver chooses the rate itself.
+bool isRateAutomatic(Here here, const InterfaceName &ifname, const ResultPath &path, int band) {
+    Report report(here, path, WLBRCM_COMMAND("wlctl -i %s %s > %s"), ifname,
+                  band == WLBRCM_BAND_2G ? Word("2g_rate") : Word("5g_rate"));
     char line[99];
     if (!report.next(line))
         return false;
@@ -94,8 +96,8 @@ bool isRateAutomatic(const ResultPath &path) {
     return strcmp(line, "auto") == 0;
 }
 
-RateSet readRateSet(const ResultPath &path, int band) {
-    ResultFile report(path);
+RateSet readRateSet(Here here, const InterfaceName &ifname, const ResultPath &path, int band) {
+    Report report(here, path, WLBRCM_COMMAND("wlctl -i %s rateset > %s"), ifname);
     RateSet set;
     bool vht = false;
     char line[99] = "";
@@ -146,17 +148,14 @@ int bandOfText(std::string_view text) {
 using namespace wlbrcm;
 
 int qvWlanGetMaxBitRate(WlanParamArg *arg) {
-    if (arg == nullptr || arg->value == nullptr || arg->prefix == nullptr)
-        return 0;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kValue);
     if (!ifname)
         return 0;
     std::string_view value = arg->value;
     std::string_view phy;
     takeWord(&value, value.size(), &phy);
-    const ResultPath path("/tmp/%s_status", ifname.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s status > %s", ifname, path);
-    ResultFile report(path);
+    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_status", ifname.c_str()), WLBRCM_COMMAND("wlctl -i %s status > %s"),
+                  ifname);
     int mbps = 0;
     unsigned streams = 0;
     char line[100];
@@ -173,9 +172,7 @@ int qvWlanGetMaxBitRate(WlanParamArg *arg) {
 }
 
 int qvWlanRateUpdate(WlanParamArg *arg) {
-    if (arg == nullptr || arg->prefix == nullptr || arg->value == nullptr || arg->result == nullptr)
-        return WLBRCM_EINVAL;
-    const InterfaceName ifname(WLBRCM_HERE, arg->prefix);
+    const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kValue | kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
     std::string_view value = arg->value;
@@ -192,13 +189,9 @@ int qvWlanRateUpdate(WlanParamArg *arg) {
     qvWlanGetCurrentChannelInfo(&current);
 
     const ResultPath path("/tmp/%s_rate", ifname.c_str());
-    runCommand(WLBRCM_HERE, "wlctl -i %s %s > %s", ifname, band == WLBRCM_BAND_2G ? Word("2g_rate") : Word("5g_rate"),
-               path);
     RateSet set;
-    if (isRateAutomatic(path)) {
-        runCommand(WLBRCM_HERE, "wlctl -i %s rateset > %s", ifname, path);
-        set = readRateSet(path, band);
-    }
+    if (isRateAutomatic(WLBRCM_HERE, ifname, path, band))
+        set = readRateSet(WLBRCM_HERE, ifname, path, band);
     uint32_t kbps = legacyRate(band, mode);
     if (kbps == 0 && !phyRate(set, info.bandwidth, &kbps))
         printf("error %s: MCS value is out of range, please update ieee_80211_mcs_rate_info. \n", "qvWlanRateUpdate");

@@ -82,8 +82,7 @@ constexpr Row kRows[] = {
 
 // The driver prints a negative number, or nothing useful.
 void readRssi(const InterfaceName &ifname, const MacText &mac, const ResultPath &path, WlStaInfo *sta) {
-    runUnlogged(kHere, "wlctl -i %s rssi %s > %s", ifname, mac, path);
-    ResultFile report(path);
+    Report report(unlogged(kHere), path, WLBRCM_COMMAND("wlctl -i %s rssi %s > %s"), ifname, mac);
     char line[255];
     if (report.next(line) && line[0] == '-')
         sta->rssi = decimalNumber(line);
@@ -147,12 +146,9 @@ int checkWlBand(const char *ifname) {
     const InterfaceName radio(WLBRCM_HERE, std::string_view(ifname, strcspn(ifname, ".")));
     if (!radio)
         return -1;
-    const Command command("wlctl -i %s band", radio);
-    CommandOutput output(command.text.c_str());
-    if (!output)
-        return -1;
-    char text[63];
-    const std::string_view band(text, fread(text, 1, sizeof text, output.stream()));
+    CommandOutput output(WLBRCM_COMMAND("wlctl -i %s band"), radio);
+    char text[64];
+    const std::string_view band(text, output.lines().rest(text));
     return band == "b" ? WLBRCM_BAND_2G : band == "1" ? WLBRCM_BAND_5G : -1;
 }
 
@@ -180,8 +176,7 @@ int do_get_sta_info(const char *ifname, const char *mac, WlStaInfo *sta, char mo
     const ResultPath path("/tmp/.sta_result");
     readRssi(name, address, path, sta);
     copyText(sta->ifName, name.c_str());
-    runUnlogged(WLBRCM_HERE, "wlctl -i %s sta_info %s > %s", name, address, path);
-    ResultFile report(path);
+    Report report(unlogged(WLBRCM_HERE), path, WLBRCM_COMMAND("wlctl -i %s sta_info %s > %s"), name, address);
     StationCaps caps;
     for (char line[255]; report.next(line);)
         readStationInfo(line, mode == 'd', sta, &caps);

@@ -1,5 +1,7 @@
 // The stations associated with the BSSs of a radio.
 #include "module/command.h"
+#include "module/numbers.h"
+#include "module/record.h"
 #include "status/readers.h"
 
 #include <netinet/ether.h>
@@ -30,9 +32,9 @@ int listStations(const WlSsidCfg &bss) {
     const InterfaceName ifname(kHere, fieldText(bss.ifName));
     if (!ifname)
         return -1;
-    const ResultPath path("%s_%s", kResultStart, ifname.c_str());
-    runUnlogged(kHere, "wlctl -i %s assoclist > %s", ifname, path);
-    ResultFile report(path, true);
+    Report report(unlogged(kHere), ResultPath("%s_%s", kResultStart, ifname.c_str()),
+                  WLBRCM_COMMAND("wlctl -i %s assoclist > %s"), ifname);
+    report.keep();
     int lines = 0;
     for (ListLine line; report.next(line);)
         ++lines;
@@ -67,15 +69,13 @@ void addStation(StationList *list, const InterfaceName &ifname, const uint8_t ma
     get_sta_info(ifname.c_str(), sta->macAddr, sta);
     sta->reserved = 0;
     sta->noise = list->noise;
-    // Wraps like the processor does: a driver may print any number.
-    sta->snr = static_cast<int32_t>(static_cast<uint32_t>(sta->rssi) - static_cast<uint32_t>(sta->noise));
+    sta->snr = signalToNoise(sta->rssi, sta->noise);
 }
 
 // Reads the listing of a BSS and removes it.
 void addStations(StationList *list, const WlSsidCfg &bss) {
     const InterfaceName ifname(kHere, fieldText(bss.ifName));
-    const ResultPath path("%s_%s", kResultStart, ifname.c_str());
-    ResultFile report(path);
+    Report report(ResultPath("%s_%s", kResultStart, ifname.c_str()));
     uint8_t mac[6];
     for (ListLine line; list->filled < list->capacity && report.next(line);) {
         if (readStationLine(line, mac))
@@ -84,11 +84,10 @@ void addStations(StationList *list, const WlSsidCfg &bss) {
 }
 
 int readNoise(const WlRadioCfg &radio) {
-    char ifName[sizeof radio.ifName + 1];
-    copyText(ifName, fieldText(radio.ifName));
+    FieldCopy ifname(radio.ifName);
     int noise = 0;
     WlanParamArg arg = {};
-    arg.prefix = ifName;
+    arg.prefix = ifname.data();
     arg.result = &noise;
     qvWlanGetNoise(&arg);
     return noise;
@@ -104,8 +103,7 @@ int qvbrcm_GetAssocDevList(WlIntf *intf, int bssIndex, WlStaInfo **list, int *co
     WLBRCM_LOG(LOG_DEBUG, "enter.\n");
     if (intf == nullptr || list == nullptr || count == nullptr)
         return WLBRCM_EINVAL;
-    constexpr int kMostEntries = WLBRCM_MAX_BSS;
-    const int entries = intf->radio.bssCount < kMostEntries ? intf->radio.bssCount : kMostEntries;
+    const int entries = EntriesInUse::countOf(&intf->radio);
     if (bssIndex >= entries)
         return WLBRCM_EFAILED;
     unsigned listed = 0;
@@ -115,7 +113,7 @@ int qvbrcm_GetAssocDevList(WlIntf *intf, int bssIndex, WlStaInfo **list, int *co
     auto *records =
         capacity > 0 ? static_cast<WlStaInfo *>(calloc(static_cast<size_t>(capacity), sizeof(WlStaInfo))) : nullptr;
     if (records == nullptr) {
-        runUnlogged(WLBRCM_HERE, "rm -f %s_*", ResultPath("%s", kResultStart));
+        runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("rm -f %s_*"), Word(kResultStart));
         return WLBRCM_OK;
     }
     StationList stations{records, capacity, 0, readNoise(intf->radio)};

@@ -1,10 +1,10 @@
 // WPS sessions: which radio, which command, and how one is stopped.
 #include <wlbrcm/wps.h>
 
-#include <unistd.h>
-
 #include "module/command.h"
 #include "module/nvram.h"
+#include "module/record.h"
+#include "module/waiting.h"
 
 using namespace wlbrcm;
 
@@ -46,21 +46,33 @@ bool argumentValid(Argument kind, const char *arg) {
     return kind != Argument::kPin || qvWlanWscPincheck(arg) == 0;
 }
 
-Text<256> startCommand(const StartMode &mode, const char *ifname, const char *arg) {
+// A text that enters a line of the daemon's protocol, where blanks part one key from the next.
+bool isProtocolText(Here here, std::string_view text) {
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) > ' ' && c != '\x7f')
+            continue;
+        WLBRCM_LOG_AT(here, LOG_ERR, "invalid text for the WPS daemon \"%s\".\n", Shown(text).c_str());
+        return false;
+    }
+    return true;
+}
+
+Text<256> startCommand(const StartMode &mode, const char *ifname, const char *arg, const char *station) {
     Text<256> command("SET wps_method=%d wps_sta_pin=%s wps_action=3 wps_config_command=1 wps_pbc_method=%d "
                       "wps_ifname=%s ",
                       mode.method, mode.argument == Argument::kPin ? arg : WLBRCM_PBC_PIN, mode.pbcMethod, ifname);
-    if (nvram_match("wps_version2", "enabled") != 0) {
-        char station[32];
-        copyText(station, nvramText("wps_autho_sta_mac"));
+    if (station != nullptr)
         command.append("wps_autho_sta_mac=%s ", station);
-    }
     if (mode.argument == Argument::kUuid)
         command.append("wps_uuid=%s ", arg);
     return command;
 }
 
 bool hasWps(const WlIntf &intf) { return intf.caps.wpsCapable != 0 && intf.bss[0].wpsEnable != 0; }
+
+int startSession(const WlIntf &intf, const char *mode, const char *arg) {
+    return qvWlanActionWpsCmd(FieldCopy(intf.radio.ifName).c_str(), mode, arg);
+}
 
 bool takesHardwareButton(const WlIntf *intf) {
     return intf != nullptr && intf->radio.radioOn != 0 && hasWps(*intf) && intf->bss[0].wpsPbcEnable != 0;
@@ -76,7 +88,7 @@ void resetProgress(Here here) { writeText(here, Key("wps_proc_status"), "0"); }
 int qvWlanActionWpsCmd(const char *ifname, const char *mode, const char *arg) {
     if (ifname == nullptr || mode == nullptr)
         return WLBRCM_EINVAL;
-    WLBRCM_LOG(LOG_DEBUG, "Enter, ifname = %s, cfg = %s.\n", ifname, mode);
+    WLBRCM_LOG(LOG_DEBUG, "Enter, ifname = %s, cfg = %s.\n", Shown(ifname).c_str(), Shown(mode).c_str());
     const StartMode *start = findMode(mode);
     if (start == nullptr)
         return WLBRCM_EFAILED;
@@ -85,7 +97,13 @@ int qvWlanActionWpsCmd(const char *ifname, const char *mode, const char *arg) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return WLBRCM_EINVAL;
-    const Text<256> command = startCommand(*start, name.c_str(), arg);
+    const bool version2 = nvram_match("wps_version2", "enabled") != 0;
+    char station[32];
+    copyText(station, version2 ? nvramText("wps_autho_sta_mac") : "");
+    const bool usesArg = start->argument != Argument::kNone;
+    if (!isProtocolText(WLBRCM_HERE, station) || (usesArg && !isProtocolText(WLBRCM_HERE, arg)))
+        return WLBRCM_EINVAL;
+    const Text<256> command = startCommand(*start, name.c_str(), arg, version2 ? station : nullptr);
     if (!commandFits(WLBRCM_HERE, command.fits(), command.c_str()))
         return WLBRCM_EINVAL;
     set_wps_env(command.c_str());
@@ -97,7 +115,7 @@ void qvWlanStopWps(void) {
     if (wps_config_command == 0)
         return;
     set_wps_env(kStopCommand);
-    sleep(2);
+    pauseFor(2);
     const char *status = nvram_get("wps_proc_status");
     if (status == nullptr) {
         resetProgress(WLBRCM_HERE);
@@ -106,7 +124,7 @@ void qvWlanStopWps(void) {
     if (isIdle(decimal(status)))
         return;
     set_wps_env(kStopCommand);
-    sleep(1);
+    pauseFor(1);
     resetProgress(WLBRCM_HERE);
 }
 
@@ -119,21 +137,21 @@ int qvbrcm_WPSHWPushButton(WlIntf **intfs, int count, const char *uuid) {
         if (takesHardwareButton(intfs[i]) && (choice == nullptr || intfs[i]->radio.band == WLBRCM_BAND_5G))
             choice = intfs[i];
     }
-    return choice != nullptr ? qvWlanActionWpsCmd(choice->radio.ifName, kHardwareButton, uuid) : WLBRCM_EFAILED;
+    return choice != nullptr ? startSession(*choice, kHardwareButton, uuid) : WLBRCM_EFAILED;
 }
 
 int qvbrcm_WPSSWPushButton(WlIntf *intf) {
     WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intf == nullptr)
         return WLBRCM_EINVAL;
-    return hasWps(*intf) ? qvWlanActionWpsCmd(intf->radio.ifName, kSoftwareButton, nullptr) : WLBRCM_OK;
+    return hasWps(*intf) ? startSession(*intf, kSoftwareButton, nullptr) : WLBRCM_OK;
 }
 
 int qvbrcm_WPSStartStaPin(WlIntf *intf, const char *pin) {
     WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     if (intf == nullptr)
         return WLBRCM_EINVAL;
-    return hasWps(*intf) ? qvWlanActionWpsCmd(intf->radio.ifName, kStationPin, pin) : WLBRCM_OK;
+    return hasWps(*intf) ? startSession(*intf, kStationPin, pin) : WLBRCM_OK;
 }
 
 int qvbrcm_WPSCancel(WlIntf *intf) {

@@ -1,11 +1,11 @@
 // The configuration that the WPS daemon takes from nvram, and the daemon's restart.
 #include <wlbrcm/wps.h>
 
-#include <unistd.h>
-
 #include "module/command.h"
+#include "module/daemons.h"
 #include "module/nvram.h"
 #include "module/record.h"
+#include "module/waiting.h"
 
 // Provided by the host process. A program without it can load the library all the same.
 extern "C" int qvUtilStrReplace(char *text, const char *from, const char *to) __attribute__((weak));
@@ -104,9 +104,11 @@ void writeIdentity(Here here) {
 }
 
 void writeBss(Here here, const WlSsidCfg &bss) {
-    const FieldCopy ifname(bss.ifName);
-    if (bss.enable == 0 || !isMain(ifname.c_str())) {
-        writeText(here, ifname.c_str(), "wps_mode", "disabled");
+    const auto ifname = usableName(here, fieldText(bss.ifName));
+    if (!ifname)
+        return;
+    if (bss.enable == 0 || !isMain(ifname->c_str())) {
+        writeText(here, *ifname, "wps_mode", "disabled");
         return;
     }
     const Text<12> methods("0x%x", bss.wpsConfigMethod);
@@ -124,12 +126,12 @@ void writeBss(Here here, const WlSsidCfg &bss) {
         {"wps_uuid", fieldText(bss.wpsUuid)},
     };
     for (const auto &setting : settings)
-        writeText(here, ifname.c_str(), setting.suffix, setting.value);
+        writeText(here, *ifname, setting.suffix, setting.value);
 }
 
 bool isUnconfigured(std::string_view ifname) {
-    const Key key("%.*s_wps_config_state", static_cast<int>(ifname.size()), ifname.data());
-    const char *state = key.fits() ? nvram_get(key.c_str()) : nullptr;
+    const InterfaceName name(WLBRCM_HERE, ifname);
+    const char *state = name ? nvram_get(keyOf(name, "wps_config_state").c_str()) : nullptr;
     return state != nullptr && decimal(state) % 2 == 0;
 }
 
@@ -188,7 +190,7 @@ int qvWlanWscInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     write(here, "wl_wps_config_state", "1");
     write(here, "wl_wps_reg", "enabled");
     writeRegistrars(here);
-    writeInt(here, FieldCopy(radio->ifName).c_str(), "wps_led",
+    writeInt(here, InterfaceName(here, fieldText(radio->ifName)), "wps_led",
              fieldText(radio->phyType) == "v" ? kLedOfAcRadio : kLed);
     return WLBRCM_OK;
 }
@@ -196,13 +198,12 @@ int qvWlanWscInit(WlRadioCfg *radio, WlSsidCfg *bss) {
 void qvWlanWscRestart(WlRadioCfg *radio, WlSsidCfg *bss) {
     if (radio == nullptr || bss == nullptr)
         return;
-    runCommand(WLBRCM_HERE, "killall -15 wps_monitor 2>/dev/null");
-    runCommand(WLBRCM_HERE, "rm /tmp/wps_monitor.pid 2>/dev/null");
+    stopWpsMonitor(WLBRCM_HERE);
     if (!isWanted(radio, bss))
         return;
     write(WLBRCM_HERE, kDaemonState);
-    sleep(1);
-    runCommand(WLBRCM_HERE, "/bin/wps_monitor&");
+    pauseFor(1);
+    runCommand(WLBRCM_HERE, WLBRCM_COMMAND("/bin/wps_monitor&"));
 }
 
 int qvbrcm_WPSReload(WlIntf *intf) {
@@ -212,8 +213,7 @@ int qvbrcm_WPSReload(WlIntf *intf) {
     if (intf->caps.wpsCapable == 0)
         return WLBRCM_OK;
     qvWlanWscInit(&intf->radio, intf->bss);
-    runCommand(WLBRCM_HERE, "killall eapd");
-    runCommand(WLBRCM_HERE, "/bin/eapd");
+    restartEapd(WLBRCM_HERE);
     qvWlanWscRestart(&intf->radio, intf->bss);
     return WLBRCM_OK;
 }

@@ -2,13 +2,13 @@
 #include <wlbrcm/wps.h>
 
 #include <cstdio>
-#include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include "module/log.h"
 #include "module/loopback.h"
 #include "module/text.h"
+#include "module/waiting.h"
 
 using namespace wlbrcm;
 
@@ -27,7 +27,14 @@ constexpr int kMostTokens = 31;
 
 class ControlSocket {
   public:
-    ControlSocket() : socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP)) {}
+    ControlSocket() : socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP)) {
+        // Only local processes can answer.
+        const sockaddr_in own = loopback(0);
+        if (socket_ >= 0 && bind(socket_, reinterpret_cast<const sockaddr *>(&own), sizeof own) != 0) {
+            close(socket_);
+            socket_ = -1;
+        }
+    }
     ~ControlSocket() {
         if (socket_ >= 0)
             close(socket_);
@@ -45,18 +52,22 @@ class ControlSocket {
         return sent >= 0 && static_cast<size_t>(sent) == size;
     }
 
-    bool waitReadable() {
-        if (socket_ >= FD_SETSIZE)
-            return false;
-        fd_set readable;
-        FD_ZERO(&readable);
-        FD_SET(socket_, &readable);
-        timeval timeout = {kReplySeconds, 0};
-        return select(socket_ + 1, &readable, nullptr, nullptr, &timeout) > 0;
+    // The daemon's answer: its length, or -1 when a read failed. 0 when there was none in time; what others send is
+    // passed over.
+    ssize_t receive(char *data, size_t size) {
+        const sockaddr_in daemon = loopback(kDaemonPort);
+        const Deadline deadline(kReplySeconds);
+        while (deadline.waitReadable(socket_)) {
+            sockaddr_in from = {};
+            socklen_t length = sizeof from;
+            // Readable is no promise: a datagram with a wrong checksum is dropped on reading.
+            const ssize_t received =
+                recvfrom(socket_, data, size, MSG_DONTWAIT, reinterpret_cast<sockaddr *>(&from), &length);
+            if (received < 0 || (from.sin_port == daemon.sin_port && from.sin_addr.s_addr == daemon.sin_addr.s_addr))
+                return received;
+        }
+        return 0;
     }
-
-    // Readable is no promise: a datagram with a wrong checksum is dropped on reading.
-    ssize_t receive(char *data, size_t size) { return recv(socket_, data, size, MSG_DONTWAIT); }
 
   private:
     int socket_;
@@ -96,15 +107,14 @@ void takeToken(char *token) {
 }
 
 bool readReply(Here here, ControlSocket *socket) {
-    char reply[256] = {};
-    if (!socket->waitReadable())
-        return false;
+    char reply[256];
     const ssize_t received = socket->receive(reply, sizeof reply - 1);
     if (received < 0)
         fprintf(stderr, "wps ui utility:recv failed, recvBytes = %d\n", static_cast<int>(received));
     if (received <= 0)
         return false;
-    WLBRCM_LOG_AT(here, LOG_DEBUG, "%s\n", reply);
+    reply[received] = '\0';
+    WLBRCM_LOG_AT(here, LOG_DEBUG, "%s\n", Shown(reply).c_str());
     parse_wps_env(reply);
     return true;
 }
@@ -113,7 +123,7 @@ bool sendCommand(const char *command) {
     ControlSocket socket;
     if (!socket || !socket.send(command, strlen(command)))
         return false;
-    sleep(kSettleSeconds);
+    pauseFor(kSettleSeconds);
     return true;
 }
 
@@ -137,7 +147,7 @@ int get_wps_env(void) {
         return -1;
     }
     socket.send(kQuery, sizeof kQuery);
-    sleep(kSettleSeconds);
+    pauseFor(kSettleSeconds);
     if (!readReply(WLBRCM_HERE, &socket))
         WLBRCM_LOG(LOG_DEBUG, "read_from_wps() failure\n");
     return 0;

@@ -1,6 +1,7 @@
 // WPS settings one by one.
 #include <wlbrcm/wps.h>
 
+#include "module/argument.h"
 #include "module/nvram.h"
 
 using namespace wlbrcm;
@@ -9,16 +10,12 @@ namespace {
 
 constexpr size_t kPinBuffer = 32;
 
-bool hasValue(const WlanParamArg *arg) { return arg != nullptr && arg->value != nullptr; }
-
-bool hasResult(const WlanParamArg *arg) { return arg != nullptr && arg->result != nullptr; }
-
 } // namespace
 
 int qvWlanSetWpsConfMode(WlanParamArg *) { return WLBRCM_OK; }
 
 int qvWlanSetWpsMethod(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     const char *method = "pbc";
     if (strcmp(arg->value, "pin") == 0)
@@ -30,19 +27,20 @@ int qvWlanSetWpsMethod(WlanParamArg *arg) {
 }
 
 int qvWlanSetWpsPinCode(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     nvram_set("wps_sta_pin", arg->value);
     return WLBRCM_OK;
 }
 
 int qvWlanSetWpsConfStatus(WlanParamArg *arg) {
-    if (!hasValue(arg) || arg->prefix == nullptr || arg->aux == nullptr)
+    const InterfaceName name = interfaceOf(WLBRCM_HERE, arg, kValue | kAux);
+    if (!name)
         return WLBRCM_EINVAL;
     const int configured = decimal(arg->value);
     if (configured != 0 && configured != 1)
         return WLBRCM_EINVAL;
-    writeText(WLBRCM_HERE, arg->prefix, "wps_config_state", arg->value);
+    writeText(WLBRCM_HERE, name, "wps_config_state", arg->value);
     if (decimal(arg->aux) == 0) {
         writeText(WLBRCM_HERE, Key("wl_wps_config_state"), arg->value);
         nvram_set("lan_wps_oob", configured == 0 ? "enabled" : "disabled");
@@ -51,7 +49,7 @@ int qvWlanSetWpsConfStatus(WlanParamArg *arg) {
 }
 
 int qvWlanSetWpsVendorPinCode(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     char stored[kPinBuffer];
     copyText(stored, nvramText("wps_device_pin"));
@@ -61,14 +59,14 @@ int qvWlanSetWpsVendorPinCode(WlanParamArg *arg) {
 }
 
 int qvWlanSetWpsPBCType(WlanParamArg *arg) {
-    if (!hasValue(arg))
+    if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
     writeText(WLBRCM_HERE, Key("wps_pbc_type"), arg->value);
     return WLBRCM_OK;
 }
 
 int qvWlanGenWpsVendorPinCode(WlanParamArg *arg) {
-    if (arg == nullptr || arg->aux == nullptr)
+    if (!hasParts(arg, kAux))
         return WLBRCM_EINVAL;
     char pin[kPinBuffer] = {};
     qvWlanWscPinGen(pin);
@@ -77,7 +75,7 @@ int qvWlanGenWpsVendorPinCode(WlanParamArg *arg) {
 }
 
 int qvWlanGetWpsVendorPinCode(WlanParamArg *arg) {
-    if (!hasResult(arg))
+    if (!hasParts(arg, kResult))
         return WLBRCM_EINVAL;
     const char *pin = nvram_get("wps_device_pin");
     if (pin != nullptr)
@@ -86,7 +84,7 @@ int qvWlanGetWpsVendorPinCode(WlanParamArg *arg) {
 }
 
 int qvWlanGetWPSUuid(WlanParamArg *arg) {
-    if (!hasResult(arg))
+    if (!hasParts(arg, kResult))
         return WLBRCM_EINVAL;
     const char *uuid = nvram_get("wps_uuid");
     if (uuid != nullptr)

@@ -9,8 +9,9 @@ extern "C" {
 #endif
 
 /** Runs one wlctl command line, such as "wlctl -i wl0 nreqd 1", without a shell. Arguments are split at blanks; single
- * and double quotes group and vanish, as in a shell. @return the command's status, 0 for success. */
-int wlctl_cmd(const char *line);
+ * and double quotes group and vanish, as in a shell; the text may be changed on the way.
+ * @return the command's status, 0 for success. */
+int wlctl_cmd(char *line);
 
 #ifdef __cplusplus
 }

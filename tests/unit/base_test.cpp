@@ -103,16 +103,18 @@ TEST_F(Base, WritesLogTheirTextsAndRefuseWhatDoesNotFit) {
     EXPECT_EQ((Lines{"type not found.\n"}), platform.logged(LOG_ERR));
 
     platform.forget();
-    EXPECT_EQ(0, writeInt(WLBRCM_HERE, std::string(250, 'p').c_str(), "keys", 1));
-    EXPECT_EQ(WLBRCM_EINVAL, writeInt(WLBRCM_HERE, std::string(251, 'p').c_str(), "keys", 1));
-    EXPECT_EQ(0, writeText(WLBRCM_HERE, "wl0", "k", std::string(2047, 'v')));
-    EXPECT_EQ(WLBRCM_EINVAL, writeText(WLBRCM_HERE, "wl0", "k", std::string(2048, 'v')));
-    EXPECT_EQ(2U, platform.journal.size());
-    EXPECT_EQ(2U, platform.logged(LOG_ERR).size());
+    const Key longest("%s", std::string(255, 'k').c_str());
+    EXPECT_EQ(0, writeText(WLBRCM_HERE, longest, std::string(2047, 'v')));
+    EXPECT_EQ(WLBRCM_EINVAL, writeText(WLBRCM_HERE, longest, std::string(2048, 'v')));
+    EXPECT_EQ(WLBRCM_EINVAL, writeInt(WLBRCM_HERE, Key("%s", std::string(256, 'k').c_str()), 1));
+    // A store may take "key=value" apart.
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram2("f", 1, &number, "http_passwd=x", "radio", "int"));
+    EXPECT_EQ(1U, platform.journal.size());
+    EXPECT_EQ(3U, platform.logged(LOG_ERR).size());
 
     // Fields of the host's record and literals keep their blank.
     const char field[] = "eth0 ";
-    writeText(WLBRCM_HERE, "lan", "ifnames", field);
+    writeText(WLBRCM_HERE, Key("lan_ifnames"), field);
     EXPECT_STREQ("eth0 ", field);
     EXPECT_EQ("eth0", platform.nvram["lan_ifnames"]);
 }
@@ -144,6 +146,6 @@ TEST_F(Base, CommandsAreLoggedAndNeverRunCut) {
 TEST_F(Base, WithoutALogCallbackNothingElseChanges) {
     brcm_print_fn = nullptr;
     EXPECT_EQ(0, __qvWlanSystemEx("caller", 1, "true"));
-    EXPECT_EQ(0, writeInt(WLBRCM_HERE, "wl0", "radio", 1));
+    EXPECT_EQ(0, writeInt(WLBRCM_HERE, Key("wl0_radio"), 1));
     EXPECT_EQ((Lines{"run true", "set wl0_radio=1"}), platform.journal);
 }

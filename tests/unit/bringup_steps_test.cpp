@@ -77,11 +77,14 @@ TEST_F(BringUpDefaults, VifsWidthAndWep) {
     EXPECT_EQ("wl0.1", platform.nvram["wl0_vifs"]);
     EXPECT_EQ(Lines{}, platform.did("set _"));
 
-    useEntries(6); // names that do not all fit: whole ones or none
-    for (int i = 1; i < 6; ++i)
-        setField(bss[i].ifName, std::string(63, 'x') + std::to_string(i));
+    useEntries(6); // what is no name is neither listed nor part of a key
+    setField(bss[1].ifName, "http_passwd=x");
+    setField(bss[2].ifName, "wl0.2 wl0.7");
+    platform.forget();
     qvWlanNvramInit(&radio, bss);
-    EXPECT_EQ(std::string(bss[1].ifName) + " " + bss[2].ifName + " " + bss[3].ifName, platform.nvram["wl0_vifs"]);
+    EXPECT_EQ("wl0.3 wl0.4 wl0.5", platform.nvram["wl0_vifs"]);
+    EXPECT_EQ(Lines{}, platform.did("set http"));
+    EXPECT_EQ(2U, platform.logged(WLBRCM_LOG_ERR).size());
 }
 
 TEST_F(BringUpDefaults, PowerManagementIsNotTouched) {
@@ -123,7 +126,7 @@ TEST_F(BringUpThreads, Placement) {
 
 TEST_F(BringUpThreads, ProcessLookup) {
     platform.processes = {{7, "nas"}, {8, "eapd"}, {9, "nas"}, {10, "two words"}, {11, "paren)"}, {12, "gone"}};
-    platform.failing["fopen /proc/7/stat"] = 1;
+    platform.failing["open /proc/7/stat"] = 1;
     int pid = 0;
     EXPECT_EQ("could not open /proc/7/stat\n", printed([&] { pid = prctl_getPidByName("nas"); }));
     EXPECT_EQ(9, pid);

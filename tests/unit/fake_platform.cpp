@@ -6,14 +6,12 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <net/if.h>
+#include <poll.h>
 #include <pthread.h>
 #include <sched.h>
-#include <set>
 #include <sys/ioctl.h>
-#include <sys/select.h>
-#include <sys/socket.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -74,47 +72,18 @@ void removeFiles(const std::string &command) {
         file = (pattern ? startsWith(file->first, name) : file->first == name) ? current->files.erase(file) : ++file;
 }
 
-struct Cookie {
-    std::string path; // empty for a pipe
-    std::string content;
-    size_t at = 0;
-    bool writes = false;
-};
-
-ssize_t readCookie(void *stream, char *to, size_t size) {
-    auto *cookie = static_cast<Cookie *>(stream);
-    const size_t count = std::min(size, cookie->content.size() - cookie->at);
-    memcpy(to, cookie->content.data() + cookie->at, count);
-    cookie->at += count;
-    return static_cast<ssize_t>(count);
+// A descriptor with this content, at its start.
+int openMemory(const std::string &content) {
+    const int fd = memfd_create("fake", MFD_CLOEXEC);
+    EXPECT_EQ(static_cast<ssize_t>(content.size()), write(fd, content.data(), content.size()));
+    lseek(fd, 0, SEEK_SET);
+    return fd;
 }
 
-ssize_t writeCookie(void *stream, const char *from, size_t size) {
-    static_cast<Cookie *>(stream)->content.append(from, size);
-    return static_cast<ssize_t>(size);
-}
-
-int seekCookie(void *stream, off64_t *offset, int whence) {
-    auto *cookie = static_cast<Cookie *>(stream);
-    const off64_t size = static_cast<off64_t>(cookie->content.size());
-    const off64_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? static_cast<off64_t>(cookie->at) : size;
-    *offset += base;
-    if (*offset < 0 || *offset > size)
-        return -1;
-    cookie->at = static_cast<size_t>(*offset);
-    return 0;
-}
-
-int closeCookie(void *stream) {
-    auto *cookie = static_cast<Cookie *>(stream);
-    if (cookie->writes && current != nullptr)
-        current->files[cookie->path] = cookie->content;
-    delete cookie;
-    return 0;
-}
-
-FILE *openCookie(Cookie *cookie, const char *mode) {
-    return fopencookie(cookie, mode, {readCookie, writeCookie, seekCookie, closeCookie});
+std::string contentOf(int fd) {
+    std::string content(static_cast<size_t>(lseek(fd, 0, SEEK_END)), '\0');
+    EXPECT_EQ(static_cast<ssize_t>(content.size()), pread(fd, content.data(), content.size(), 0));
+    return content;
 }
 
 bool isOurs(const char *path) {
@@ -128,9 +97,12 @@ bool isOurs(const char *path) {
 }
 
 std::map<FILE *, int> pipes; // open pipe -> exit status of its command
-std::map<int, std::string> openDevices;
-std::set<int> openSockets; // the module keeps its event sockets for the life of the process; a test must not
-constexpr int kFirstDevice = 9000;
+// Files and devices that are open, by descriptor.
+struct OpenFile {
+    std::string path;
+    bool writes;
+};
+std::map<int, OpenFile> openFiles;
 
 struct Processes {
     std::map<int, std::string>::const_iterator next;
@@ -152,12 +124,10 @@ struct FakeCalls {
 
 extern "C" {
 
-FILE *__real_fopen(const char *path, const char *mode);
 int __real_remove(const char *path);
-int __real_unlink(const char *path);
 int __real_open(const char *path, int flags, ...);
+int __real_fstat(int fd, struct stat *status);
 int __real_close(int fd);
-int __real_socket(int domain, int type, int protocol);
 int __real_ioctl(int fd, unsigned long request, ...);
 DIR *__real_opendir(const char *path);
 dirent *__real_readdir(DIR *dir);
@@ -165,7 +135,8 @@ int __real_closedir(DIR *dir);
 int __real_pclose(FILE *pipe);
 void *__real_calloc(size_t count, size_t size);
 int __real_pthread_mutex_init(pthread_mutex_t *mutex, const pthread_mutexattr_t *attributes);
-int __real_select(int count, fd_set *reads, fd_set *writes, fd_set *errors, timeval *timeout);
+int __real_nanosleep(const timespec *time, timespec *left);
+int __real_poll(pollfd *descriptors, nfds_t count, int timeout);
 
 int __wrap_system(const char *command) {
     record(std::string("run ") + command);
@@ -183,9 +154,7 @@ FILE *__wrap_popen(const char *command, const char *mode) {
     const auto &answer = FakeCalls::find(command);
     if (answer.noPipe)
         return nullptr;
-    auto *cookie = new Cookie;
-    cookie->content = answer.output;
-    FILE *pipe = openCookie(cookie, mode);
+    FILE *pipe = fdopen(openMemory(answer.output), mode);
     pipes[pipe] = answer.status << 8;
     return pipe;
 }
@@ -200,46 +169,31 @@ int __wrap_pclose(FILE *pipe) {
     return status;
 }
 
-unsigned __wrap_sleep(unsigned seconds) {
-    record(format("sleep %u", seconds));
+int __wrap_nanosleep(const timespec *time, timespec *left) {
+    if (current == nullptr)
+        return __real_nanosleep(time, left);
+    EXPECT_EQ(0, time->tv_nsec);
+    record(format("sleep %ld", static_cast<long>(time->tv_sec)));
     return 0;
 }
 
-int __wrap_select(int count, fd_set *reads, fd_set *writes, fd_set *errors, timeval *timeout) {
-    if (current == nullptr || timeout == nullptr)
-        return __real_select(count, reads, writes, errors, timeout);
-    const long wait = (timeout->tv_sec * 1000000L + timeout->tv_usec) / 20;
-    timeval shorter = {wait / 1000000, static_cast<suseconds_t>(wait % 1000000)};
-    return __real_select(count, reads, writes, errors, &shorter);
-}
-
-FILE *__wrap_fopen(const char *path, const char *mode) {
-    if (!isOurs(path))
-        return __real_fopen(path, mode);
-    if (fails(std::string("fopen ") + path)) {
-        errno = EACCES;
-        return nullptr;
-    }
-    auto cookie = std::make_unique<Cookie>();
-    cookie->path = path;
-    cookie->writes = mode[0] == 'w';
-    int pid = 0;
-    if (sscanf(path, "/proc/%d/stat", &pid) == 1 && current->processes.count(pid) != 0)
-        cookie->content = format("%d (%s) S 1 1 1 0", pid, current->processes[pid].c_str());
-    else if (mode[0] == 'r' && current->files.count(path) == 0)
-        return nullptr;
-    else if (mode[0] == 'r')
-        cookie->content = current->files[path];
-    return openCookie(cookie.release(), mode);
+int __wrap_poll(pollfd *descriptors, nfds_t count, int timeout) {
+    return __real_poll(descriptors, count, current != nullptr ? timeout / 20 : timeout);
 }
 
 int __wrap_remove(const char *path) {
     if (!isOurs(path))
         return __real_remove(path);
-    return current->files.erase(path) == 1 ? 0 : -1;
+    if (fails(std::string("remove ") + path)) {
+        errno = ENOTEMPTY;
+        return -1;
+    }
+    current->foreign.erase(path);
+    if (current->files.erase(path) == 1)
+        return 0;
+    errno = ENOENT;
+    return -1;
 }
-
-int __wrap_unlink(const char *path) { return isOurs(path) ? __wrap_remove(path) : __real_unlink(path); }
 
 int __wrap_chmod(const char *path, mode_t mode) {
     record(format("chmod %o %s", static_cast<unsigned>(mode), path));
@@ -254,25 +208,45 @@ int __wrap_open(const char *path, int flags, ...) {
         va_end(args);
         return __real_open(path, flags, mode);
     }
-    if (current->devices.count(path) == 0 || fails(std::string("open ") + path)) {
-        errno = ENOENT;
+    EXPECT_NE(0, flags & O_CLOEXEC) << path;
+    const bool writes = (flags & O_CREAT) != 0;
+    int pid = 0;
+    std::string content;
+    errno = ENOENT;
+    if (fails(std::string("open ") + path))
         return -1;
+    if (!writes && sscanf(path, "/proc/%d/stat", &pid) == 1 && current->processes.count(pid) != 0)
+        content = format("%d (%s) S 1 1 1 0", pid, current->processes[pid].c_str());
+    else if (!writes && current->files.count(path) != 0)
+        content = current->files[path];
+    else if (!writes && current->devices.count(path) == 0)
+        return -1;
+    // What others could have planted neither holds the module up nor leads it elsewhere.
+    const int careful = O_NOFOLLOW | (writes ? O_EXCL : O_NONBLOCK);
+    if (startsWith(path, "/tmp/")) {
+        EXPECT_EQ(careful, flags & careful) << path;
     }
-    const int fd = kFirstDevice + static_cast<int>(openDevices.size());
-    openDevices[fd] = path;
+    const int fd = openMemory(content);
+    openFiles[fd] = {path, writes};
     return fd;
 }
 
-int __wrap_socket(int domain, int type, int protocol) {
-    const int fd = __real_socket(domain, type, protocol);
-    if (fd >= 0 && current != nullptr)
-        openSockets.insert(fd);
-    return fd;
+int __wrap_fstat(int fd, struct stat *status) {
+    const int result = __real_fstat(fd, status);
+    const auto file = openFiles.find(fd);
+    if (file != openFiles.end() && current->foreign.count(file->second.path) != 0)
+        ++status->st_uid;
+    return result;
 }
 
 int __wrap_close(int fd) {
-    openSockets.erase(fd);
-    return openDevices.erase(fd) == 1 ? 0 : __real_close(fd);
+    const auto file = openFiles.find(fd);
+    if (file != openFiles.end()) {
+        if (file->second.writes && current != nullptr)
+            current->files[file->second.path] = contentOf(fd);
+        openFiles.erase(file);
+    }
+    return __real_close(fd);
 }
 
 int __wrap_ioctl(int fd, unsigned long request, ...) {
@@ -280,10 +254,10 @@ int __wrap_ioctl(int fd, unsigned long request, ...) {
     va_start(args, request);
     void *block = va_arg(args, void *);
     va_end(args);
-    const auto device = openDevices.find(fd);
-    if (device != openDevices.end()) {
-        record(format("ioctl %s %lx", device->second.c_str(), request));
-        return current->devices[device->second](request, block);
+    const auto device = openFiles.find(fd);
+    if (device != openFiles.end()) {
+        record(format("ioctl %s %lx", device->second.path.c_str(), request));
+        return current->devices[device->second.path](request, block);
     }
     if (current == nullptr || request != SIOCGIFHWADDR)
         return __real_ioctl(fd, request, block);
@@ -368,9 +342,11 @@ int nvram_unset(const char *name) {
     return 0;
 }
 
-int wlctl_cmd(const char *line) {
+int wlctl_cmd(char *line) {
     record(std::string("wlctl ") + line);
-    return FakeCalls::find(line).status;
+    const int status = FakeCalls::find(line).status;
+    strtok(line, " "); // as on the device: the line is taken apart in place
+    return status;
 }
 
 // Provided by the host on a device.
@@ -392,9 +368,6 @@ FakePlatform::FakePlatform() {
 FakePlatform::~FakePlatform() {
     brcm_print_fn = nullptr;
     current = nullptr;
-    for (const int fd : openSockets)
-        __real_close(fd);
-    openSockets.clear();
 }
 
 void FakePlatform::answer(const std::string &start, const std::string &output, int status) {
@@ -446,6 +419,15 @@ void FakePlatform::failAllocation(int n) {
     allocationFailed = false;
 }
 
+Lines openDescriptors() {
+    Lines descriptors;
+    for (int fd = 0; fd < 2048; ++fd) {
+        if (fcntl(fd, F_GETFD) >= 0)
+            descriptors.push_back(std::to_string(fd));
+    }
+    return descriptors;
+}
+
 Lines FakePlatform::leftFiles() const {
     Lines left;
     for (const auto &[path, content] : files) {
@@ -463,7 +445,7 @@ long FakePlatform::slept() const {
     return seconds;
 }
 
-PlatformTest::PlatformTest() {
+PlatformTest::PlatformTest() : descriptors_(openDescriptors()) {
     act_wl_cnt = 0;
     brcm_gmode = 0;
     brcm_nmode = brcm_vhtmode = mcs_index = -1;
@@ -477,7 +459,10 @@ PlatformTest::PlatformTest() {
     enable_fenra_evt = 0;
 }
 
-void PlatformTest::TearDown() { EXPECT_EQ(Lines{}, platform.leftFiles()); }
+PlatformTest::~PlatformTest() {
+    EXPECT_EQ(Lines{}, platform.leftFiles());
+    EXPECT_EQ(descriptors_, openDescriptors());
+}
 
 Arg::Arg(std::string prefix_, std::string value_, std::string aux_, int index, void *result)
     : prefix(std::move(prefix_)),

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,7 @@ class FakePlatform {
     // Everything the module did, in order:
     //   "run CMD" (system), "pipe CMD" (popen), "wlctl LINE" (wlctl_cmd), "set KEY=VALUE", "unset KEY", "sleep
     //   SECONDS", "affinity PID MASK" (hexadecimal), "priority PID POLICY PRIORITY", "ioctl DEVICE REQUEST"
-    //   (hexadecimal), "chmod MODE PATH" (octal). select() waits a twentieth of its time-out.
+    //   (hexadecimal), "chmod MODE PATH" (octal). poll() waits a twentieth of its time-out.
     std::vector<std::string> journal;
     // The entries that begin with `start`, e.g. did("set wl0_").
     std::vector<std::string> did(const std::string &start) const;
@@ -45,6 +46,7 @@ class FakePlatform {
 
     std::map<std::string, std::string> nvram; // may be preset and read directly
     std::map<std::string, std::string> files; // by absolute path, also files that are merely to exist (/bin/acsd)
+    std::set<std::string> foreign;            // of `files`, those of another user
     std::map<int, std::string> processes;     // pid -> command name, seen through /proc
     std::vector<LogLine> logs;                // through brcm_print_fn, set while a FakePlatform exists
     std::vector<std::string> logged(int level) const;
@@ -52,7 +54,7 @@ class FakePlatform {
     // The n-th calloc() from now (0 = the next) returns null; allocationFailed tells that it was reached.
     void failAllocation(int n);
     bool allocationFailed = false;
-    // Calls that fail: "fopen /tmp/x", "open /dev/chipinfo", "opendir", "affinity", "priority", "mutex".
+    // Calls that fail: "open /tmp/x", "remove /tmp/x", "opendir", "affinity", "priority", "mutex".
     std::map<std::string, int> failing; // call -> result or errno, any value
     // What a board device answers: called with request code and block, returns the ioctl result. No device without one.
     std::map<std::string, int (*)(unsigned long request, void *block)> devices;
@@ -77,13 +79,19 @@ class FakePlatform {
     int allocationsLeft_ = -1;
 };
 
-// A test with a platform of its own, the module's variables at their initial values, and no result file left at the
-// end.
+// The descriptors that this process has open.
+std::vector<std::string> openDescriptors();
+
+// A test with a platform of its own, the module's variables at their initial values, and neither a result file nor a
+// descriptor left at the end.
 class PlatformTest : public ::testing::Test {
   protected:
     PlatformTest();
-    void TearDown() override;
+    ~PlatformTest() override;
     FakePlatform platform;
+
+  private:
+    std::vector<std::string> descriptors_;
 };
 
 // Argument record over literal texts; keeps writable copies.

@@ -172,7 +172,7 @@ TEST_F(StatusRates, DataRatesNeedBothFiles) {
     EXPECT_EQ(WLBRCM_EFAILED, qvWlanGetDataTxRates(Arg("wl0"), 9, 80, 1));
     EXPECT_EQ(Lines{": /tmp/wl0rateset.txt no such file.\n"}, platform.logged(WLBRCM_LOG_ERR));
     platform.forget();
-    platform.failing["fopen /tmp/wl0DataTxRates.txt"] = 1;
+    platform.failing["open /tmp/wl0DataTxRates.txt"] = 1;
     EXPECT_EQ(WLBRCM_EFAILED, qvWlanGetDataTxRates(Arg("wl0"), 1, 20, 2));
     EXPECT_EQ(Lines{":/tmp/wl0DataTxRates.txt no such file.\n"}, platform.logged(WLBRCM_LOG_ERR));
     platform.forget();

@@ -127,7 +127,7 @@ TEST_F(WpsSession, QueriesTakeOneReplyOver) {
         {std::string(256, 'x'), "0 0 0 old "},
         {"wps_action=3 " + std::string(60000, ' '), "0 3 0 old "},
         {std::string("wps_action=3\0 wps_method=2", 26), "0 3 0 old "},
-        {std::string(240, '\xff') + " wps_action=3333", "0 333 0 old "}, // the 255th byte is the last
+        {std::string(240, '#') + " wps_action=3333", "0 333 0 old "}, // the 255th byte is the last
     };
     for (const auto &row : rows) {
         preset();

@@ -35,7 +35,7 @@ bool splitLine(const char *line, std::vector<std::string> *words) {
 
 } // namespace
 
-__attribute__((visibility("default"))) int wlctl_cmd(const char *line) {
+__attribute__((visibility("default"))) int wlctl_cmd(char *line) {
     std::vector<std::string> words;
     if (!line || !splitLine(line, &words) || words.empty()) {
         fprintf(stderr, "wlctl: malformed command line\n");
