@@ -237,7 +237,8 @@ WLBRCM_API int wlModuleInit(WlModuleHostOps *hostOps, void *arg);
 extern WLBRCM_API WlPrintFn brcm_print_fn;
 
 /** Number of radio interfaces identified by wlModuleInit(), also those that the host refused. Starts at 0 and is only
- * counted up. With 2 or more, qvWlanReset() puts the driver threads of every radio but wl0 on CPU 1, else all on CPU 0. */
+ * counted up. With 2 or more, qvWlanReset() puts the driver threads of radios other than wl0 on CPU 1, all others on
+ * CPU 0. */
 extern WLBRCM_API int32_t act_wl_cnt;
 
 #ifdef __cplusplus
