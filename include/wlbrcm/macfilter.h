@@ -15,7 +15,7 @@
  *
  * Functions that touch the pool or the table (not add_mac_to_request and get_cmd, which touch neither) take one
  * process-wide lock and may be called from several threads; it is held while the driver's commands run, and the log
- * callback is called under it. The four setters and getters of one driver list take no lock. Request lists belong to
+ * callback is called under it. qvWifiStaFilter() and the four functions behind it take no lock. Request lists belong to
  * the one caller that built them. Functions named qvbrcm_MacFilter_... that return an int give 1 for success and 0 for
  * failure, with a level-4 message, unless said otherwise; before wlModuleInit() there is no pool to take from.
  */
