@@ -15,10 +15,11 @@
  * and 1.
  *
  * Memory: what a function hands out comes from calloc() or malloc(); the caller owns it and releases it with free().
+ * The module keeps no memory of the heap between calls.
  *
- * Time: a line "Time:" tells how long a function may block. Commands are counted; each costs 1 to 2 ms on a PC and some
- * tens of ms on a gateway, and one that does not end is waited for without limit. Pauses are given in seconds. A
- * function without the line runs no command and does not wait.
+ * Time: what stands behind "Time:" tells how long a function may block. Commands are counted; each costs 1 to 2 ms on
+ * a PC and some tens of ms on a gateway, and one that does not end is waited for without limit. Pauses are given in
+ * seconds. A function without it runs no command and does not wait.
  *
  * One call at a time: result files in /tmp have fixed names, module-wide variables have no lock, and the store's reads
  * share one buffer. So no two functions may run at the same time, also not for two radios. qvbrcm_EvtReceive() counts:
@@ -47,7 +48,8 @@
  *   signals that the calling thread blocks and that the process ignores: a daemon that inherits a blocked SIGTERM is
  *   not stopped by the next bring-up.
  * - Standard output: usage texts of setters that refuse a value; unknown authentication, encryption and bandwidth
- *   words; what qvWlanSetAutoChPolicy() does; listings, processes and board devices that cannot be opened or read; an
+ *   words; what qvWlanSetAutoChPolicy() does; listings, processes and board devices that cannot be opened or read; a
+ *   name that does not begin with "wl" where a capability listing is asked for; an
  *   MCS out of range; a refused real-time priority. Not all of these texts end in a newline. Standard error: a WPS
  *   reply that cannot be received. Commands write to both as well.
  * - rand(): making a WPS PIN seeds it anew with the time (srand()).
