@@ -63,7 +63,7 @@ extern WLBRCM_API int fenra_rpe_sock;       /**< forwarding socket; 0 before set
 WLBRCM_API int qvbrcm_EnableFenraEvt(int enable);
 /** Sends one event message to the steering agent (127.0.0.1:13727).
  * @param sock  fenra_rpe_sock.
- * @param message, length  the message and its bytes.
+ * @param message,length  the message and its bytes.
  * @return 0 after an attempt, also when it failed; -5 for a negative socket; -14 for a null message or a negative
  * length.
  */

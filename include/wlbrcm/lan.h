@@ -65,7 +65,7 @@ WLBRCM_API void qvWlanLanVarUpdate(WlLanInfo *list, int count);
 
 /** Operation: the host's LAN groups changed; qvWlanLanVarUpdate() of them. Bridges themselves are the host's to change.
  * Time: two commands, five with WPS.
- * @param unused1, unused2  not read.
+ * @param unused1,unused2  not read.
  * @param lan  the new configuration.
  * @return 0; -5 when there is no group or no memory (nothing is then written); -14 for a null `lan`.
  */

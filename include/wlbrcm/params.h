@@ -133,7 +133,7 @@ WLBRCM_API int qvWlanSetChannel(WlanParamArg *arg);
  * @param prefix  nvram prefix.
  * @param band  not used.
  * @param regMode  1 802.11h, 2 802.11d, any other none.
- * @param dfsPreIsm, dfsPostIsm  monitoring before and after use of a radar channel, seconds; -1 the driver's.
+ * @param dfsPreIsm,dfsPostIsm  monitoring before and after use of a radar channel, seconds; -1 the driver's.
  * @param tpcDb  transmit power reduction in dB.
  * @return 0; -14 for a null prefix. */
 WLBRCM_API int qvWlanSetupRegulatory(const char *prefix, int band, int regMode, int dfsPreIsm, int dfsPostIsm,

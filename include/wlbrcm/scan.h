@@ -71,8 +71,8 @@ WLBRCM_API int qvbrcm_ChannelScan(WlIntf *intf);
 /** Operation: the channels and access points of the last scan; scans nothing itself. Time: three commands.
  *
  * Each pair of an array and its count is optional: one that is not complete is skipped.
- * @param[out] channels, aps  blocks that the caller frees with free().
- * @param[out] channelCount, apCount  records in them. No channel, or no access point, counts as a failed report.
+ * @param[out] channels,aps  blocks that the caller frees with free().
+ * @param[out] channelCount,apCount  records in them. No channel, or no access point, counts as a failed report.
  * @return 0; -5 when both pairs are incomplete; -14 for a null record, and when a report could not be made: outputs are
  *   untouched, but the channel outputs null and 0 when only the access points failed. */
 WLBRCM_API int qvbrcm_GetChanScanRpt(WlIntf *intf, WlChanScanInfo **channels, int *channelCount, WlScanAp **aps,

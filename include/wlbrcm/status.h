@@ -197,7 +197,7 @@ WLBRCM_API int getMaxRateSet(const char *text);
  * @return 0, also when nothing could be read; -14 for a null argument, a bad name or a negative index. */
 WLBRCM_API int qvbrcm_GetGenIntfInfo(const char *ifname, int bssIndex, WlIntfInfo *info);
 /** Operation: free share of the current channel's air time, in percent. Time: one command.
- * @param ifname, bssIndex  as for qvbrcm_GetGenIntfInfo().
+ * @param ifname,bssIndex  as for qvbrcm_GetGenIntfInfo().
  * @param[out] fat  100 minus the sum of the six busy percentages of the driver's channel statistics: 100 is an idle
  *   channel, 0 a full one, and a negative number a sum above 100. Written only when there are statistics; set it to a
  *   number out of range before.
