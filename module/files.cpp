@@ -10,8 +10,7 @@ namespace wlbrcm {
 int openOwnFile(const char *path) {
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
     struct stat status;
-    if (descriptor < 0 ||
-        (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid()))
+    if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid()))
         return descriptor;
     close(descriptor);
     return -1;
@@ -55,7 +54,8 @@ bool LineReader::nextLine(char *line, size_t size) {
         const size_t room = size - 1 - used < end_ - at_ ? size - 1 - used : end_ - at_;
         const char *from = buffer_ + at_;
         newline = memchr(from, '\n', room);
-        const size_t count = newline != nullptr ? static_cast<size_t>(static_cast<const char *>(newline) - from) + 1 : room;
+        const size_t count =
+            newline != nullptr ? static_cast<size_t>(static_cast<const char *>(newline) - from) + 1 : room;
         memcpy(line + used, from, count);
         used += count;
         at_ += count;

@@ -13,8 +13,8 @@ Shown::Shown(std::string_view text) {
         if (c >= ' ' && c <= '~')
             text_[used++] = c;
         else
-            used += static_cast<size_t>(
-                snprintf(text_ + used, kEscapeLength + 1, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c))));
+            used += static_cast<size_t>(snprintf(text_ + used, kEscapeLength + 1, "\\x%02x",
+                                                 static_cast<unsigned>(static_cast<unsigned char>(c))));
     }
     text_[used] = '\0';
 }

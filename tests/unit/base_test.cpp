@@ -1,6 +1,12 @@
 // The base that everything stands on: names that may reach a shell, bounded text, nvram writes, commands.
 #include "fake_platform.h"
 
+#include <csignal>
+#include <fcntl.h>
+#include <pthread.h>
+#include <thread>
+#include <unistd.h>
+
 #include "module/command.h"
 #include "module/nvram.h"
 
@@ -28,6 +34,7 @@ TEST_F(Base, InterfaceNamesAreCheckedBeforeTheyReachAShell) {
 
 TEST_F(Base, MacTextsAreSixHexadecimalPairs) {
     EXPECT_TRUE(isMacText("00:1a:2B:ff:FF:09"));
+    EXPECT_FALSE(isMacText("g0:1a:2B:ff:FF:09"));
     for (const char *bad : {"", "00:1a:2B:ff:FF:0", "00:1a:2B:ff:FF:099", "00-1a-2B-ff-FF-09", "0g:1a:2B:ff:FF:09",
                             "00:1a:2B:ff:FF:09 ", "00:1a:2B:ff:FF:;s", ":::::::::::::::::"})
         EXPECT_FALSE(isMacText(bad)) << bad;
@@ -117,6 +124,85 @@ TEST_F(Base, WritesLogTheirTextsAndRefuseWhatDoesNotFit) {
     writeText(WLBRCM_HERE, Key("lan_ifnames"), field);
     EXPECT_STREQ("eth0 ", field);
     EXPECT_EQ("eth0", platform.nvram["lan_ifnames"]);
+}
+
+// Arguments that do not fit a command's conversions do not compile.
+static_assert(formatTakes<const char *, int>("wlctl -i %s macmode %d") && formatTakes<unsigned>("%.2x"));
+static_assert(!formatTakes<const char *>("macmode %d") && !formatTakes<int>("mac %s") && !formatTakes<int>("%x"));
+static_assert(!formatTakes<>("wlctl -i %s up") && !formatTakes<int, int>("nreqd %d") && !formatTakes<int>("up"));
+
+TEST_F(Base, ForeignBytesAreShownEscaped) {
+    EXPECT_STREQ("wl0 \\x0a\\x1b[2J\\x7f\\xff~", Shown("wl0 \n\x1b[2J\x7f\xff~").c_str());
+    EXPECT_EQ(1020U, strlen(Shown(std::string(300, '\n')).c_str()));
+}
+
+// Signals come as fast as bytes do, and every byte arrives.
+TEST_F(Base, SignalsCutNoLineShort) {
+    int ends[2];
+    ASSERT_EQ(0, pipe2(ends, O_CLOEXEC));
+    struct sigaction interrupt = {}, before;
+    interrupt.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &interrupt, &before);
+    std::thread writer([&, reader = pthread_self()] {
+        for (const char c : std::string("one line\nand the next")) {
+            for (int i = 0; i < 20; ++i) {
+                pthread_kill(reader, SIGUSR1);
+                std::this_thread::yield();
+            }
+            EXPECT_EQ(1, write(ends[1], &c, 1));
+        }
+        close(ends[1]);
+    });
+    LineReader lines;
+    lines.readFrom(ends[0]);
+    char line[20];
+    EXPECT_TRUE(lines.next(line));
+    EXPECT_STREQ("one line\n", line);
+    EXPECT_TRUE(lines.next(line));
+    EXPECT_STREQ("and the next", line);
+    EXPECT_FALSE(lines.next(line));
+    EXPECT_STREQ("and the next", line);
+    writer.join();
+    sigaction(SIGUSR1, &before, nullptr);
+    close(ends[0]);
+}
+
+// A host that answers commands from memory hands out streams without a descriptor.
+TEST_F(Base, StreamsWithoutADescriptorAreRead) {
+    char text[] = "a\nb";
+    FILE *stream = fmemopen(text, 3, "r");
+    LineReader lines;
+    lines.readFrom(stream);
+    char line[8], rest[8];
+    EXPECT_TRUE(lines.next(line));
+    EXPECT_EQ(1U, lines.rest(rest));
+    EXPECT_STREQ("b", rest);
+    fclose(stream);
+}
+
+TEST_F(Base, WhatStandsAtAResultFilesNameIsNotBelieved) {
+    const ResultPath path("/tmp/x");
+    const auto read = [&] {
+        char text[8] = "";
+        Report(WLBRCM_HERE, path, WLBRCM_COMMAND("make > %s")).next(text);
+        return std::string(text);
+    };
+    platform.answer("make", "made");
+    platform.files[path.c_str()] = "planted";
+    EXPECT_EQ("made", read());
+    platform.loseOutput("make");
+    platform.files[path.c_str()] = "planted";
+    EXPECT_EQ("", read());
+    platform.files[path.c_str()] = "foreign";
+    platform.foreign = {path.c_str()};
+    char text[8] = "old";
+    EXPECT_FALSE(Report(path).next(text));
+    EXPECT_STREQ("old", text);
+    platform.forget();
+    platform.failing["remove /tmp/x"] = 1;
+    EXPECT_EQ("", read());
+    EXPECT_EQ(Lines{}, platform.journal);
+    EXPECT_EQ(Lines{"cannot remove /tmp/x (error 39), not done: make > /tmp/x\n"}, platform.logged(LOG_ERR));
 }
 
 TEST_F(Base, MatchComparesExactly) {

@@ -1,6 +1,7 @@
 // What the host is given at start: tables, radios and their capabilities, on usual and odd systems.
 #include "fake_platform.h"
 
+#include <csignal>
 #include <cstring>
 #include <memory>
 #include <unistd.h>
@@ -116,14 +117,35 @@ TEST_F(Discovery, TheTableHasItsOperationsAndItsGaps) {
     ASSERT_EQ(0, init());
     ASSERT_NE(nullptr, host_.ops);
     EXPECT_STREQ("BRCM", host_.ops->name);
+#define SLOT(operation) reinterpret_cast<WlEmptySlot>(operation)
+    const WlEmptySlot expected[] = {SLOT(qvbrcm_InitWlan),
+                                    SLOT(qvbrcm_ReloadWlan),
+                                    SLOT(qvbrcm_StatusUpdate),
+                                    SLOT(qvbrcm_SetWlanMacAddr),
+                                    SLOT(qvbrcm_UpdateLaninfo),
+                                    SLOT(qvbrcm_ChannelScan),
+                                    SLOT(qvbrcm_GetChanScanRpt),
+                                    nullptr,
+                                    SLOT(qvbrcm_WPSReload),
+                                    SLOT(qvbrcm_WPSSWPushButton),
+                                    SLOT(qvbrcm_WPSHWPushButton),
+                                    SLOT(qvbrcm_WPSStartStaPin),
+                                    SLOT(qvbrcm_WPSCancel),
+                                    SLOT(qvbrcm_WPSUpdateConfg),
+                                    SLOT(qvbrcm_StationFilter),
+                                    SLOT(qvbrcm_GetAssocDevList),
+                                    SLOT(qvbrcm_BsaMacFilter),
+                                    nullptr,
+                                    SLOT(qvbrcm_DisassociateSTA),
+                                    SLOT(qvbrcm_GetGenIntfInfo),
+                                    SLOT(qvbrcm_GetFatIntfInfo),
+                                    nullptr,
+                                    SLOT(qvbrcm_EnablePresetSSID),
+                                    SLOT(qvbrcm_EnableFenraEvt),
+                                    nullptr};
     const auto *slots = reinterpret_cast<const WlEmptySlot *>(&host_.ops->initWlan);
-    for (int slot = 1; slot <= 25; ++slot) {
-        const bool empty = slot == 8 || slot == 18 || slot == 22 || slot == 25;
-        EXPECT_EQ(empty, slots[slot - 1] == nullptr) << slot;
-    }
-    EXPECT_EQ(qvbrcm_InitWlan, host_.ops->initWlan);
-    EXPECT_EQ(qvbrcm_WPSUpdateConfg, host_.ops->wpsUpdateConfg);
-    EXPECT_EQ(qvbrcm_EnableFenraEvt, host_.ops->enableFenraEvt);
+    for (size_t i = 0; i < std::size(expected); ++i)
+        EXPECT_EQ(expected[i], slots[i]) << "slot " << i + 1;
 }
 
 TEST_F(Discovery, OddInterfacesAreSkippedAndNamed) {
@@ -157,6 +179,16 @@ TEST_F(Discovery, HostsThatRefuseOrLackCallbacks) {
     EXPECT_EQ(0, wlModuleInit(&silent, &host_.answer));
     EXPECT_EQ(1, act_wl_cnt);
     EXPECT_TRUE(platform.logs.empty());
+}
+
+TEST_F(Discovery, AHostThatIgnoresItsChildrenIsTold) {
+    const sighandler_t before = signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(0, init());
+    EXPECT_EQ(Lines{"SIGCHLD is ignored: every command will count as failed.\n"}, platform.logged(WLBRCM_LOG_ERR));
+    signal(SIGCHLD, before);
+    platform.forget();
+    EXPECT_EQ(0, init());
+    EXPECT_EQ(Lines{}, platform.logged(WLBRCM_LOG_ERR));
 }
 
 TEST_F(Discovery, EveryAllocationMayFail) {
@@ -254,6 +286,10 @@ TEST_F(Discovery, TheCapabilityListingIsACache) {
     platform.files[path] = ""; // an empty listing is asked for again
     EXPECT_EQ(0, qvWlanDumpWlCap("wl0", path));
     EXPECT_EQ(2U, platform.did("run ").size());
+    platform.files[path] = "mbss16"; // as is one that somebody else left
+    platform.foreign = {path};
+    EXPECT_EQ(1, qvWlanGetMaxMbss("wl0"));
+    EXPECT_EQ(3U, platform.did("run ").size());
 
     EXPECT_EQ(1, qvWlanGetMaxMbss("wl0"));
     platform.files[path] = "mbss16";

@@ -80,7 +80,6 @@ class EventSockets : public PlatformTest {
         if (fenra_rpe_sock > 0)
             close(fenra_rpe_sock);
         refusedOption = -1;
-        PlatformTest::TearDown();
     }
 
     PortLock lock_;
@@ -135,6 +134,11 @@ TEST_F(EventSockets, SetUp) {
               platform.logged(WLBRCM_LOG_DEBUG));
     for (const LogLine &line : platform.logs)
         EXPECT_EQ("qvbrcm_EvtInit", line.function);
+
+    // A second call replaces the forwarding socket and closes it; the event socket is the caller's.
+    const int events = events_;
+    ASSERT_EQ(0, qvbrcm_EvtInit(&events_));
+    close(events);
 }
 
 TEST_F(EventSockets, SetUpNeedsAPlaceForTheSocket) {

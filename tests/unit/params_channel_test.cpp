@@ -114,7 +114,10 @@ TEST_F(ParamChannel, ListAsksInTheCountry) {
     } rows[] = {{"5GHz,80,lower", "DE/3", "-b 5 -w 80", true},
                 {"2.4GHz,40,lower", "", "-b 2 -w 40", true},
                 {",80,lower", "AZaz09/#._-", "-b 2 -w 20", true},
-                {"5GHz", "DE up", "-b 5 -w 20", false}};
+                {"5GHz", "DE up", "-b 5 -w 20", false},
+                {"5GHz", "../US", "-b 5 -w 20", false},
+                {"5GHz", "US/..", "-b 5 -w 20", false},
+                {"5GHz", "-1", "-b 5 -w 20", false}};
     for (const auto &row : rows) {
         platform.forget();
         listed(row.request, "", row.country);
@@ -122,7 +125,8 @@ TEST_F(ParamChannel, ListAsksInTheCountry) {
                         std::string("run wlctl -i wl0 chanspecs ") + row.wanted + " > /tmp/wl0chspeclist"};
         effect.erase(effect.begin(), effect.begin() + (row.valid ? 0 : 1));
         EXPECT_EQ(effect, platform.journal) << row.country;
-        EXPECT_EQ(row.valid ? Lines{} : Lines{"invalid country \"DE up\".\n"}, platform.logged(WLBRCM_LOG_ERR));
+        EXPECT_EQ(row.valid ? Lines{} : Lines{"invalid country \"" + std::string(row.country) + "\".\n"},
+                  platform.logged(WLBRCM_LOG_ERR));
     }
     platform.loseOutput("wlctl -i wl0 chanspecs");
     char list[WLBRCM_CHANNEL_LIST_SIZE] = "old";

@@ -62,6 +62,8 @@ struct Row {
     { #setter, setter, value, nullptr, usage }
 
 constexpr char kBeaconUsage[] = "20 ~ 1024 (unit is in milli-seconds)\n";
+const std::string longRevision = "US/" + std::string(2048, '1');
+const char *const kLongRevision = longRevision.c_str();
 constexpr char kPowerUsage[] = "1~100 (power output percentage)\n";
 #define POLICES(rate, burst)                                                                                           \
     "run tc qdisc del dev wl0.1 ingress 2> /dev/null|run tc qdisc add dev wl0.1 handle ffff: ingress 2> /dev/null|"    \
@@ -77,6 +79,7 @@ const Row kRows[] = {
     ACCEPTS(qvWlanSetPerBssMaxStaNum, "", "unset wl0.1_bss_maxassoc"),
     ACCEPTS(qvWlanSetCountryCode, "US", "set wl0.1_country_code=US|set wl0.1_country_rev=0"),
     ACCEPTS(qvWlanSetCountryCode, "US/", "set wl0.1_country_code=US|set wl0.1_country_rev=0"),
+    REFUSES(qvWlanSetCountryCode, kLongRevision, ""),
     ACCEPTS(qvWlanSetCountryCode, "/a/b", "unset wl0.1_country_code|set wl0.1_country_rev=a/b"),
     ACCEPTS(qvWlanSetCountryCode, "0123456789012345678901234567890x/1",
             "set wl0.1_country_code=0123456789012345678901234567890|set wl0.1_country_rev=1"),
@@ -165,12 +168,14 @@ class ParamValues : public PlatformTest {
             EXPECT_EQ(row.name, line.function);
     }
 
+    // Neither a missing part nor a prefix that a store could take for another variable.
     void refusesMissingParts(const char *name, Setter set) {
         SCOPED_TRACE(name);
-        char text[] = "1", radio[] = "wl0";
+        char text[] = "1", radio[] = "wl0", other[] = "http_passwd=x";
+        WlanParamArg noName = {other, text, radio, text, 0};
         WlanParamArg noPrefix = {nullptr, text, text, text, 0};
         WlanParamArg noValue = {radio, nullptr, radio, nullptr, 0};
-        for (WlanParamArg *arg : {static_cast<WlanParamArg *>(nullptr), &noPrefix, &noValue})
+        for (WlanParamArg *arg : {static_cast<WlanParamArg *>(nullptr), &noPrefix, &noValue, &noName})
             EXPECT_EQ(-14, set(arg));
     }
 };

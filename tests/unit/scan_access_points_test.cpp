@@ -397,4 +397,8 @@ TEST_F(ScanResults, TheRadioLevelWrapper) {
     report(kReport, "0\n");
     EXPECT_EQ(-5, qvbrcm_GetChanScanApRpt(&intf, nullptr, nullptr));
     EXPECT_EQ(Lines{"WDS scan fail on wl0......\n"}, platform.logged(WLBRCM_LOG_ERR));
+    memset(intf.radio.ifName, 'x', sizeof intf.radio.ifName); // not terminated
+    EXPECT_EQ(-5, qvbrcm_GetChanScanApRpt(&intf, &list, &found));
+    EXPECT_EQ("WDS scan fail on " + std::string(sizeof intf.radio.ifName, 'x') + "......\n",
+              platform.logged(WLBRCM_LOG_ERR).back());
 }

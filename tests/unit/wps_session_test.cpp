@@ -3,6 +3,7 @@
 
 #include <arpa/inet.h>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -14,6 +15,17 @@ namespace {
 constexpr char kStop[] = "SET wps_config_command=2 wps_action=0";
 const std::string kQuery("GET\0", 4);
 const std::string kEnd = "end of test";
+
+// The address that a UDP port is bound to.
+in_addr_t boundTo(unsigned port) {
+    std::ifstream table("/proc/self/net/udp");
+    for (std::string line; std::getline(table, line);) {
+        unsigned address = 0, number = 0;
+        if (sscanf(line.c_str(), " %*d: %8x:%4x", &address, &number) == 2 && number == port)
+            return address;
+    }
+    return INADDR_NONE;
+}
 
 // Keeps every datagram it receives and answers queries with `reply`, or not at all.
 class Peer {
@@ -53,8 +65,14 @@ class Peer {
             if (size < 0 || text == kEnd)
                 return;
             received_.push_back(text);
-            if (text == kQuery && !silent_)
+            if (text == kQuery && !silent_) {
+                // The daemon's is not the only answer.
+                const int foreign = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+                sendto(foreign, "wps_action=9", 12, 0, reinterpret_cast<sockaddr *>(&from), length);
+                close(foreign);
+                EXPECT_EQ(htonl(INADDR_LOOPBACK), boundTo(ntohs(from.sin_port)));
                 sendto(socket_, reply_.data(), reply_.size(), 0, reinterpret_cast<sockaddr *>(&from), length);
+            }
         }
     }
 
@@ -211,6 +229,9 @@ TEST_F(WpsSession, RefusedStartsSendNothing) {
         {"wl0", "client-pin", nullptr, -14},
         {"wl0", "client-pin", "", -14},
         {"wl0", "client-pin", "12345678", -14},
+        {"wl0", "client-pbc-hw", "u wps_action=0", -14},
+        {"wl0", "client-pbc-hw", "u\n", -14},
+        {"wl0", "client-pin", "1 2=", -14},
         {"wl0 wps_action=0", "client-pbc", nullptr, -14},
         {"", "client-pbc", nullptr, -14},
         {nullptr, "client-pbc", nullptr, -14},
@@ -219,6 +240,9 @@ TEST_F(WpsSession, RefusedStartsSendNothing) {
     Peer peer;
     for (const auto &row : rows)
         EXPECT_EQ(row.result, qvWlanActionWpsCmd(row.ifname, row.mode, row.arg)) << &row - rows;
+    platform.nvram = {{"wps_version2", "enabled"}, {"wps_autho_sta_mac", "m wps_action=0"}};
+    EXPECT_EQ(WLBRCM_EINVAL, qvWlanActionWpsCmd("wl0", "client-pbc", nullptr));
+    platform.nvram.clear();
     EXPECT_EQ(WLBRCM_EINVAL, qvWlanActionWpsCmd("wl0", "client-pbc-hw", (longest + "u").c_str()));
     EXPECT_EQ(0, qvWlanActionWpsCmd("wl0", "client-pbc-hw", longest.c_str()));
     ASSERT_EQ(1U, peer.received().size());
