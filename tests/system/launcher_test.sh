@@ -43,7 +43,7 @@ test_refuses_wrong_arguments() {
     assert_contains "$output" 'build it'
     echo '{"bridges": [{"nmae": "br0"}]}' >"$scratch/wrong.json"
     assert_status 7 gateway --scenario "$scratch/wrong.json" -- true
-    assert_contains "$output" 'bridges[0]: unknown key "nmae"'
+    assert_contains "$output" "bridges[0]: unknown key 'nmae'"
 }
 
 test_names_what_is_missing() {

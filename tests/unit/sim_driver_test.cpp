@@ -1,8 +1,8 @@
 // The driver model: what wlconf makes of the store, and who may join.
-#include "driver.h"
-#include "events.h"
+#include "event_message.h"
 #include "nvram_store.h"
 #include "scenario.h"
+#include "sim_driver.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -120,6 +120,9 @@ TEST_F(SimDriver, JoinIsRefusedForTheReasonThatHolds) {
         {"wl0_bss_enabled=0", kGood, "BSS is down: not started"},
         {"lan_ifnames=eth0 wl0.1 wl00", kGood, "authenticator not running: no LAN group lists wl0"},
         {"wl0_maclist=02:00:00:00:00:01", kGood, ""},
+        {"wl0_nmode=-1", "wl0.1 --phy b", "no common 802.11 mode: the station is b, the radio speaks ac n a at 5 GHz"},
+        {"wl0_nmode=-1", "wl0.1 --phy g", "no common 802.11 mode: the station is g, the radio speaks ac n a at 5 GHz"},
+        {"wl0_nmode=-1", "wl0.1 --phy n", ""},
     };
     for (const auto &one : cases) {
         std::string key(one.setting, strchr(one.setting, '='));
@@ -291,7 +294,20 @@ TEST_F(SimDriver, FaultsSpoilSoManyAnswers) {
     EXPECT_EQ(run("wlctl -i wl1 isup").status, 0);
     EXPECT_EQ(output("wlctl -i wl0 revinfo").size(), whole / 2);
     EXPECT_EQ(output("wlctl -i wl0 revinfo").size(), whole);
-    EXPECT_EQ(run("wlsim fail x --mode sing").status, 2);
+    EXPECT_EQ(run("wlsim fail revinfo --mode sing").status, 2);
+}
+
+TEST_F(SimDriver, FaultsThatCannotHappenAreRefused) {
+    for (const char *pattern : {"wlctl", "wl *", "wlctl * chanspec 36/80", "*sta_info*", "wlconf wl0 up", "dhdctl*",
+                                "acs_cli -i wl0 acs_policy 1", "acs_cli*", "chanspec 36/80", "wl0.1"}) {
+        EXPECT_EQ(run(std::string("wlsim fail \"") + pattern + "\"").status, 0) << pattern;
+    }
+    for (const char *pattern : {"nvram", "nvram set *", "brctl*", "ifconfig", "wlsim", "wlconf wl0 sideways",
+                                "wlctl wl0", "dhdctl -i wl0 isup", "acs_cli -i wl0 scan", "wlctl -i wl9 isup"}) {
+        Reply reply = run(std::string("wlsim fail \"") + pattern + "\"");
+        EXPECT_EQ(reply.status, 1) << pattern;
+        EXPECT_NE(reply.err.find("those of wlctl, wl, dhdctl, wlconf and acs_cli can"), std::string::npos) << reply.err;
+    }
 }
 
 TEST(SimScenario, RefusesWhatItDoesNotKnow) {
@@ -302,6 +318,17 @@ TEST(SimScenario, RefusesWhatItDoesNotKnow) {
         {R"({"radios":[{"name":"wl0","txchain":16}]})", "scenario.radios[0].txchain: 16 is not within 1..15"},
         {R"({"radios":[{"band":2}]})", "scenario.radios[0]: a radio has a name"},
         {R"({"radios":{}})", "scenario.radios: an array is expected"},
+        {R"({"radios":[{"name":"wl0","counters":{"txframes":1}}]})",
+         "scenario.radios[0].counters: 'txframes' is not one of: txframe txbyte txretrans txerror rxframe rxbyte "
+         "rxerror rxcrc txnoassoc rxbadda txphyerr rxnobuf"},
+        {R"({"bridges":[{"nmae":"br0"}]})", "scenario.bridges[0]: unknown key 'nmae'"},
+        {R"({"bridges":[{"name":"br0","ports":["a b"]}]})",
+         "scenario.bridges[0].ports[0]: 'a b' is no name of 1 to 15 characters"},
+        {R"({"threads":["sixteen-letters-"]})",
+         "scenario.threads[0]: 'sixteen-letters-' is no name of 1 to 15 characters"},
+        {R"({"faults":[{"match":"brctl"}]})", "scenario.faults[0].match: no command that can fail fits 'brctl'; those "
+                                              "of wlctl, wl, dhdctl, wlconf and acs_cli "
+                                              "can"},
         {R"({"faults":[{"match":"x","mode":"odd"}]})",
          "scenario.faults[0].mode: 'odd' is not one of: fail empty garbage cut slow"},
         {R"({"radios":[{"name":"wl1","band":2,"neighbours":[{"chanspec":"36"}]}]})",

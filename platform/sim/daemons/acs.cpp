@@ -1,115 +1,73 @@
 #include "acs.h"
 
-#include "daemon.h"
-
 #include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
-#include <sstream>
 
 namespace wlsim {
 namespace {
 
 // An AP on 2.4 GHz is heard by its neighbours up to four channels away.
 constexpr int kOverlap24 = 5;
-constexpr int kFirst5GHz = 36;
-constexpr int kUpper5GHz = 149;
 
-struct Sighting {
-    Neighbour ap;
-    bool ht = false;
-    bool vht = false;
-    bool fast = false; // rates above 11 Mbit/s
-};
+bool has(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
 
-ApMode modeOf(const Sighting &seen) {
-    bool upper = seen.ap.channel >= kFirst5GHz;
-    if (seen.vht && upper)
-        return ApMode::ac;
-    if (seen.ht || seen.vht)
-        return ApMode::n;
-    if (upper)
-        return ApMode::a;
-    return seen.fast ? ApMode::g : ApMode::b;
+std::optional<Chanspec> readChanspec(const std::string &text) {
+    constexpr int kLast24 = 14;
+    return parseChanspec(std::atoi(text.c_str()) > kLast24 ? Band::kGhz5 : Band::kGhz2, text);
 }
 
-bool contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
-
-void take(Sighting &seen, const std::string &key, const std::string &value) {
-    if (key == "Channel") {
-        seen.ap.channel = std::atoi(value.c_str());
-    } else if (contains(key, "Chanspec")) {
-        // "5GHz channel 42 80MHz (0xe02a)": the width is the number before the last "MHz".
-        std::size_t end = value.rfind("MHz");
-        std::size_t start = end == std::string::npos ? end : value.rfind(' ', end);
-        if (start != std::string::npos)
-            seen.ap.width = std::atoi(value.c_str() + start);
-    } else if (contains(key, "VHT Capable")) {
-        seen.vht = true;
-    } else if (contains(key, "HT Capable")) {
-        seen.ht = true;
-    } else if (contains(key, "Supported Rates")) {
-        seen.fast = contains(value, " 54") || contains(value, " 24");
+// One "key: value" of an access point whose channel is known; the PHY gets better as the report goes on.
+void take(Neighbour &ap, const std::string &key, const std::string &value) {
+    bool upper = ap.chanspec.band == Band::kGhz5;
+    if (has(key, "VHT Capable")) {
+        ap.phy = upper ? "ac" : "n";
+    } else if (has(key, "HT Capable")) {
+        ap.phy = "n";
+    } else if (has(key, "Supported Rates")) {
+        ap.phy = upper ? "a" : has(value, " 54") || has(value, " 24") ? "g" : "b";
     }
 }
 
-void finish(Sighting &seen, std::vector<Neighbour> &list) {
-    if (seen.ap.channel > 0) {
-        seen.ap.mode = modeOf(seen);
-        list.push_back(seen.ap);
-    }
-    seen = {};
+int shared(const Chanspec &ours, const Chanspec &theirs) {
+    if (ours.band == Band::kGhz2)
+        return std::max(kOverlap24 - std::abs(ours.control - theirs.control), 0);
+    return std::any_of(ours.members.begin(), ours.members.end(), [&](int channel) {
+        return std::find(theirs.members.begin(), theirs.members.end(), channel) != theirs.members.end();
+    });
 }
 
-struct Range {
-    int first, last;
-};
-
-/** The 20 MHz channels that a 5 GHz radio covers: wide channels are aligned blocks of neighbouring ones. */
-Range covered(int channel, int width) {
-    int base = channel >= kUpper5GHz ? kUpper5GHz : kFirst5GHz;
-    int size = 4 * std::max(width / 20, 1);
-    int first = base + (channel - base) / size * size;
-    return {first, first + size - 4};
-}
-
-int shared(int channel, int width, const Neighbour &other) {
-    if (channel < kFirst5GHz)
-        return std::max(kOverlap24 - std::abs(channel - other.channel), 0);
-    Range ours = covered(channel, width);
-    Range theirs = covered(other.channel, other.width);
-    return ours.first <= theirs.last && theirs.first <= ours.last ? 1 : 0;
+// What a radio there would share the air with; lower is better.
+int interference(const Chanspec &chanspec, const std::vector<Neighbour> &neighbours) {
+    int sum = 0;
+    for (const Neighbour &ap : neighbours)
+        sum += shared(chanspec, ap.chanspec);
+    return sum;
 }
 
 using Counts = std::array<int, 12>;
 
-/** Column of an AP, counted from the one behind the channel number. */
-std::size_t column(const Neighbour &ap) {
-    switch (ap.mode) {
-    case ApMode::a:
-        return 0;
-    case ApMode::b:
-        return 1;
-    case ApMode::g:
-        return 2;
-    case ApMode::n:
-        return ap.width > 20 ? 4 : 3;
-    case ApMode::ac:
-        break;
-    }
-    return ap.width >= 160 ? 9 : ap.width >= 80 ? 8 : ap.width >= 40 ? 7 : 6;
+// Column of an AP, counted from the one behind the channel number.
+size_t column(const Neighbour &ap) {
+    int width = ap.chanspec.width;
+    if (ap.phy == "ac")
+        return width >= 80 ? 8 : width >= 40 ? 7 : 6;
+    if (ap.phy == "n")
+        return width > 20 ? 4 : 3;
+    return ap.phy == "a" ? 0 : ap.phy == "b" ? 1 : 2;
 }
 
-/** The columns that are no AP modes: how many others overlap the channel from below, at all, and from above. */
+// The columns that are no AP modes: how many others overlap the channel from below, at all, and from above.
 Counts countsOf(int channel, const std::vector<Neighbour> &neighbours) {
     Counts counts{};
+    auto own = readChanspec(std::to_string(channel));
     for (const Neighbour &ap : neighbours) {
-        if (ap.channel == channel) {
+        if (ap.chanspec.control == channel) {
             ++counts[column(ap)];
-        } else if (shared(channel, 20, ap) > 0) {
+        } else if (own && shared(*own, ap.chanspec) > 0) {
             ++counts[5];
-            ++counts[ap.channel < channel ? 10 : 11];
+            ++counts[ap.chanspec.control < channel ? 10 : 11];
         }
     }
     return counts;
@@ -119,23 +77,29 @@ Counts countsOf(int channel, const std::vector<Neighbour> &neighbours) {
 
 std::vector<Neighbour> readScanReport(const std::string &report) {
     std::vector<Neighbour> list;
-    Sighting seen;
-    for (const std::string &piece : words(report, "\t\n")) {
-        std::size_t colon = piece.find(':');
-        std::string key = piece.substr(0, colon);
-        std::string value = colon == std::string::npos ? "" : piece.substr(colon + 1);
-        if (key == "SSID")
-            finish(seen, list);
-        else
-            take(seen, key, value);
+    bool known = false;
+    for (const std::string &piece : splitWords(report, "\t\n")) {
+        size_t colon = std::min(piece.find(": "), piece.size());
+        std::string key = piece.substr(0, colon), value = colon < piece.size() ? piece.substr(colon + 2) : "";
+        if (key == "SSID") {
+            known = false;
+        } else if (key == "Channel") {
+            auto chanspec = readChanspec(value);
+            known = chanspec.has_value();
+            if (known) {
+                list.emplace_back();
+                list.back().chanspec = *chanspec;
+            }
+        } else if (known) {
+            take(list.back(), piece, value);
+        }
     }
-    finish(seen, list);
     return list;
 }
 
 std::vector<int> readChannels(const std::string &listing) {
     std::vector<int> channels;
-    for (const std::string &word : words(listing, " ,\t\n")) {
+    for (const std::string &word : splitWords(listing, " ,\t\n")) {
         int channel = std::atoi(word.c_str());
         if (channel > 0)
             channels.push_back(channel);
@@ -143,45 +107,36 @@ std::vector<int> readChannels(const std::string &listing) {
     return channels;
 }
 
-std::vector<std::string> readChanspecs(const std::string &listing) {
-    std::vector<std::string> chanspecs;
-    for (const std::string &line : words(listing, "\n")) {
-        auto parts = words(line);
-        if (!parts.empty() && std::atoi(parts[0].c_str()) > 0)
-            chanspecs.push_back(parts[0]);
+std::vector<Chanspec> readChanspecs(const std::string &listing) {
+    std::vector<Chanspec> chanspecs;
+    for (const std::string &line : splitWords(listing, "\n")) {
+        auto chanspec = readChanspec(line.substr(0, line.find(' ')));
+        if (chanspec)
+            chanspecs.push_back(*chanspec);
     }
     return chanspecs;
 }
 
 std::string bssTable(const std::vector<int> &channels, const std::vector<Neighbour> &neighbours) {
-    std::ostringstream table;
-    table << "channel a b g n20 n40 overlap ac20 ac40 ac80 ac160 below above\n";
+    std::string table = "channel a b g n20 n40 overlap ac20 ac40 ac80 ac160 below above\n";
     for (int channel : channels) {
-        table << channel;
+        table += std::to_string(channel);
         for (int count : countsOf(channel, neighbours))
-            table << ' ' << count;
-        table << '\n';
+            table += " " + std::to_string(count);
+        table += "\n";
     }
-    return table.str();
+    return table;
 }
 
-int interference(const std::string &chanspec, int width, const std::vector<Neighbour> &neighbours) {
-    int channel = std::atoi(chanspec.c_str());
-    int sum = 0;
-    for (const Neighbour &ap : neighbours)
-        sum += shared(channel, width, ap);
-    return sum;
-}
-
-std::string quietest(const std::vector<std::string> &candidates, int width, const std::vector<int> &skip,
-                     const std::vector<Neighbour> &neighbours, const std::string &current) {
-    std::string best;
+std::optional<Chanspec> quietest(const std::vector<Chanspec> &candidates, const std::vector<int> &skip,
+                                 const std::vector<Neighbour> &neighbours, const std::string &current) {
+    std::optional<Chanspec> best;
     int least = INT_MAX;
-    for (const std::string &candidate : candidates) {
-        if (std::find(skip.begin(), skip.end(), std::atoi(candidate.c_str())) != skip.end())
+    for (const Chanspec &candidate : candidates) {
+        if (std::find(skip.begin(), skip.end(), candidate.control) != skip.end())
             continue;
-        int found = interference(candidate, width, neighbours);
-        if (found < least || (found == least && candidate == current)) {
+        int found = interference(candidate, neighbours);
+        if (found < least || (found == least && candidate.text() == current)) {
             best = candidate;
             least = found;
         }

@@ -1,6 +1,6 @@
 #include "daemon.h"
 
-#include "bcmnvram.h"
+#include "sim_log.h"
 
 #include <cerrno>
 #include <chrono>
@@ -73,7 +73,10 @@ void detach(const std::string &name) {
 [[noreturn]] void background(const DaemonTask &task) {
     try {
         detach(task.name);
+        logLine("daemon", "started");
         task.serve();
+        logLine("daemon", "ended");
+        std::_Exit(0);
     } catch (const std::exception &error) {
         std::fprintf(stderr, "%s: %s\n", task.name.c_str(), error.what());
     }
@@ -100,8 +103,19 @@ int startDaemon(const DaemonTask &task) {
     }
 }
 
-std::vector<std::string> plainArguments(int argc, char **argv, std::size_t most, const char *usage) {
-    std::vector<std::string> arguments(argv + 1, argv + argc);
+int runInForeground(const DaemonTask &task) {
+    try {
+        task.prepare();
+        task.serve();
+        return 0;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "%s: %s\n", task.name.c_str(), error.what());
+        return 1;
+    }
+}
+
+Words plainArguments(int argc, char **argv, std::size_t most, const char *usage) {
+    Words arguments(argv + 1, argv + argc);
     bool plain = arguments.size() <= most;
     for (const std::string &argument : arguments)
         plain = plain && !argument.empty() && argument[0] != '-';
@@ -110,21 +124,6 @@ std::vector<std::string> plainArguments(int argc, char **argv, std::size_t most,
         std::exit(1);
     }
     return arguments;
-}
-
-std::string variable(const std::string &key, const std::string &absent) {
-    const char *value = nvram_get(key.c_str());
-    return value ? value : absent;
-}
-
-std::vector<std::string> words(const std::string &list, const char *separators) {
-    std::vector<std::string> result;
-    for (std::size_t start = list.find_first_not_of(separators); start != std::string::npos;) {
-        std::size_t end = list.find_first_of(separators, start);
-        result.push_back(list.substr(start, end - start));
-        start = list.find_first_not_of(separators, end);
-    }
-    return result;
 }
 
 } // namespace wlsim

@@ -1,7 +1,5 @@
-/** @file
- * Recording stand-in for ebtables' broute table, which a kernel seldom has and a user namespace never gets: the chain
- * SKIP_FCACHE that the platform's firewall set-up provides, with the rules that programs add to it.
- */
+// Recording stand-in for ebtables' broute table, which a kernel seldom has and a user namespace never gets: the chain
+// SKIP_FCACHE that the platform's firewall set-up provides, with the rules that programs add to it.
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -26,7 +24,7 @@ using Words = std::vector<std::string>;
 
 [[noreturn]] void refuse(const std::string &why) { throw std::runtime_error(why); }
 
-/** The rules under a lock: two radios' set-ups may run at the same time. */
+// The rules under a lock: two radios' set-ups may run at the same time.
 class Chain {
   public:
     Chain() : m_lock(open("/var/sim/ebtables.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {

@@ -1,10 +1,8 @@
-/** @file
- * First process of a simulated gateway.
- *
- * It stays outside as the process that the caller knows, and forks the gateway's process 1 into a pid and mount
- * namespace of its own. When either of the two ends, for whatever reason, the kernel ends everything inside: the outer
- * one takes process 1 along (parent-death signal), process 1 takes the namespace along.
- */
+// First process of a simulated gateway.
+//
+// It stays outside as the process that the caller knows, and forks the gateway's process 1 into a pid and mount
+// namespace of its own. When either of the two ends, for whatever reason, the kernel ends everything inside: the outer
+// one takes process 1 along (parent-death signal), process 1 takes the namespace along.
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -41,7 +39,7 @@ struct Options {
     std::_Exit(status);
 }
 
-/** Signals that the caller chose to ignore (nohup, a background job) stay ignored. */
+// Signals that the caller chose to ignore (nohup, a background job) stay ignored.
 sigset_t watchedSignals() {
     sigset_t set;
     sigemptyset(&set);
@@ -78,7 +76,7 @@ pid_t start(const Words &words) {
     return pid;
 }
 
-/** Reaps what has ended. @return true when `pid` was among it, with its exit status stored. */
+// Reaps what has ended. Returns true when `pid` was among it, with its exit status stored.
 bool reap(pid_t pid, int *result) {
     bool found = false;
     int status = 0;
@@ -91,7 +89,7 @@ bool reap(pid_t pid, int *result) {
     return found;
 }
 
-/** Waits for one process and hands it the end signals meant for the gateway; `deadline` makes their effect certain. */
+// Waits for one process and hands it the end signals meant for the gateway; `deadline` makes their effect certain.
 int attend(pid_t pid, bool deadline) {
     sigset_t watched = watchedSignals();
     time_t killAt = 0;
@@ -120,7 +118,7 @@ void runStep(const Words &step) {
         std::_Exit(status);
 }
 
-/** Process 1: a root of its own, the services, then the command. */
+// Process 1: a root of its own, the services, then the command.
 [[noreturn]] void gateway(const Options &options, int gate) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     char go = 0;
@@ -136,7 +134,7 @@ void runStep(const Words &step) {
     std::_Exit(attend(start(options.command), false));
 }
 
-/** The namespace's identity goes along with the pid, so that a pid used again by a stranger is recognised. */
+// The namespace's identity goes along with the pid, so that a pid used again by a stranger is recognised.
 void writePidFile(const std::string &path, pid_t pid) {
     char ns[64] = "";
     std::string link = "/proc/" + std::to_string(pid) + "/ns/pid";

@@ -1,7 +1,5 @@
-/** @file
- * The daemons whose work the simulated driver models itself (it asks whether they run): the event dispatcher, the
- * authenticator and link-layer discovery.
- */
+// The daemons whose work the simulated driver models itself (it asks whether they run): the event dispatcher, the
+// authenticator and link-layer discovery.
 #include "daemon.h"
 
 #include <iterator>

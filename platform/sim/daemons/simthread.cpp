@@ -1,7 +1,5 @@
-/** @file
- * A look-alike of one of the driver's kernel threads: a process of that name that does nothing, there to be found,
- * placed on a CPU and given a priority.
- */
+// A look-alike of one of the driver's kernel threads: a process of that name that does nothing, there to be found,
+// placed on a CPU and given a priority.
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>

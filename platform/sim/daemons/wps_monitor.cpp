@@ -1,13 +1,11 @@
-/** @file
- * The WPS daemon: the control protocol on UDP 127.0.0.1:40500 ("GET", "SET key=value ...") and, for the simulation's
- * enrollees, "ENROL ifname= mac= method=pbc|pin [pin=] [seconds=]" on the same port.
- */
-#include "bcmnvram.h"
-#include "client.h"
+// The WPS daemon: the control protocol on UDP 127.0.0.1:40500 ("GET", "SET key=value ...") and, for the simulation's
+// enrollees, "ENROL ifname= mac= method=pbc|pin [pin=] [seconds=]" on the same port.
 #include "daemon.h"
+#include "nvram_store.h"
+#include "sim_log.h"
+#include "sim_socket.h"
 #include "wps_session.h"
 
-#include <arpa/inet.h>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -21,13 +19,12 @@
 namespace wlsim {
 namespace {
 
-constexpr std::uint16_t kPort = 40500;
 constexpr const char *kPidFile = "/tmp/wps_monitor.pid";
 
 void store(const std::string &key, const std::string &value) {
     int result = value.empty() ? nvram_unset(key.c_str()) : nvram_set(key.c_str(), value.c_str());
     if (result != 0)
-        std::printf("%s: the store refused the value\n", key.c_str());
+        logLine("wps", key + ": the store refused the value");
 }
 
 bool beaconing(const std::string &ifname) {
@@ -50,17 +47,13 @@ std::string randomHex(int bytes) {
 class WpsMonitor {
   public:
     void openSocket() {
-        m_socket = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(kPort);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        if (m_socket < 0 || bind(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
-            throw std::runtime_error("port " + std::to_string(kPort) + ": " + std::strerror(errno));
+        m_socket = loopbackSocket(kWpsPort, bind);
+        if (m_socket < 0)
+            throw std::runtime_error("port " + std::to_string(kWpsPort) + ": " + std::strerror(errno));
     }
 
     [[noreturn]] void serve() {
-        WpsRegistrar registrar({[](const std::string &key) { return variable(key); }, store, beaconing, randomHex});
+        WpsRegistrar registrar({[](const std::string &key) { return stored(key); }, store, beaconing, randomHex});
         for (;;) {
             pollfd waiting{m_socket, POLLIN, 0};
             if (poll(&waiting, 1, 250) > 0)
@@ -91,13 +84,13 @@ class WpsMonitor {
         else if (verb == "ENROL")
             enrol(registrar, fields, reply);
         else
-            std::printf("ignored: %zd bytes that are no command\n", got);
+            logLine("wps", format("ignored: %zd bytes that are no command", got));
     }
 
     static void set(WpsRegistrar &registrar, const Fields &fields) {
         std::string why;
         if (!registrar.command(fields, time(nullptr), &why))
-            std::printf("refused: %s\n", why.c_str());
+            logLine("wps", "refused: " + why);
     }
 
     static void enrol(WpsRegistrar &registrar, Fields &fields, std::function<void(const std::string &)> reply) {

@@ -1,6 +1,6 @@
 #include "wps_session.h"
 
-#include "daemon.h"
+#include "sim_text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -24,23 +24,13 @@ std::string lower(std::string text) {
     return text;
 }
 
-std::string hex(const std::string &bytes) {
-    static const char digits[] = "0123456789abcdef";
-    std::string text;
-    for (unsigned char byte : bytes) {
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
-}
-
 bool anyStation(const std::string &mac) { return mac.empty() || lower(mac) == "ff:ff:ff:ff:ff:ff"; }
 
 } // namespace
 
 Fields readFields(const std::string &text) {
     Fields fields;
-    for (const std::string &token : words(text)) {
+    for (const std::string &token : splitWords(text)) {
         std::size_t equals = token.find('=');
         if (equals != std::string::npos)
             fields[token.substr(0, equals)] = token.substr(equals + 1);
@@ -63,7 +53,7 @@ WpsRegistrar::WpsRegistrar(WpsPlatform platform) : m_platform(std::move(platform
 
 void WpsRegistrar::readRadios() {
     for (const char *group : {"lan", "lan1", "lan2", "lan3", "lan4", "lan5", "lan6", "lan7", "lan8", "lan9"}) {
-        for (const std::string &ifname : words(m_platform.get(std::string(group) + "_ifnames"))) {
+        for (const std::string &ifname : splitWords(m_platform.get(std::string(group) + "_ifnames"))) {
             auto setting = [&](const char *key) { return m_platform.get(ifname + "_wps_" + key); };
             if (setting("mode") == "enabled")
                 m_radios[ifname] = {setting("enable_pbc") == "1", setting("enable_stapin") == "1",
@@ -77,7 +67,7 @@ bool WpsRegistrar::command(const Fields &fields, time_t now, std::string *why) {
     if (what == "1")
         return start(fields, now, why);
     if (what == "2") {
-        finish(WpsProgress::idle);
+        finish(WpsProgress::kIdle);
         return true;
     }
     *why = "wps_config_command is \"" + what + "\"";
@@ -101,12 +91,12 @@ bool WpsRegistrar::start(const Fields &fields, time_t now, std::string *why) {
     else if (!m_platform.onAir(ifname))
         *why = ifname + " is down";
     if (!why->empty()) {
-        finish(WpsProgress::failed);
+        finish(WpsProgress::kFailed);
         return false;
     }
     m_session = fields;
     m_deadline = now + walkTime();
-    m_platform.set("wps_proc_status", std::to_string(static_cast<int>(WpsProgress::processing)));
+    m_platform.set("wps_proc_status", std::to_string(static_cast<int>(WpsProgress::kProcessing)));
     m_platform.set("wps_proc_mac", "");
     meet();
     return true;
@@ -133,8 +123,8 @@ bool WpsRegistrar::matches(const Enrollee &enrollee) const {
            enrollee.byPin == (field(m_session, "wps_method") == kPinMethod);
 }
 
-/** Brings the session and the devices that wait for it together. Two that pushed their buttons are an overlap: nobody
- * can tell which one the user meant, so that nobody gets in. */
+// Brings the session and the devices that wait for it together. Two that pushed their buttons are an overlap: nobody
+// can tell which one the user meant, so that nobody gets in.
 void WpsRegistrar::meet() {
     if (m_session.empty())
         return;
@@ -152,7 +142,7 @@ void WpsRegistrar::meet() {
     matching.front().answer(done ? credentials() : "FAIL " + reason);
     for (std::size_t i = 1; i < matching.size(); ++i)
         matching[i].answer("FAIL session overlap");
-    finish(done ? WpsProgress::done : WpsProgress::failed);
+    finish(done ? WpsProgress::kDone : WpsProgress::kFailed);
 }
 
 std::string WpsRegistrar::refusal(const Enrollee &enrollee) const {
@@ -166,7 +156,7 @@ std::string WpsRegistrar::refusal(const Enrollee &enrollee) const {
     return {};
 }
 
-/** What the enrollee receives, and what the host finds in the store: an unconfigured network is secured on the way. */
+// What the enrollee receives, and what the host finds in the store: an unconfigured network is secured on the way.
 std::string WpsRegistrar::credentials() {
     std::string ifname = field(m_session, "wps_ifname");
     Radio &radio = m_radios.at(ifname);
@@ -175,12 +165,12 @@ std::string WpsRegistrar::credentials() {
     radio.configured = true;
     // The platform's lists of key managements end in a blank, which is how the host knows a session's result.
     std::string akm;
-    for (const std::string &suite : words(m_platform.get(ifname + "_akm")))
+    for (const std::string &suite : splitWords(m_platform.get(ifname + "_akm")))
         akm += suite + " ";
     m_platform.set(ifname + "_akm", akm);
     auto value = [&](const char *key) { return m_platform.get(ifname + "_" + key); };
-    return "OK ssid_hex=" + hex(value("ssid")) + " akm_hex=" + hex(value("akm")) + " crypto=" + value("crypto") +
-           " key_hex=" + hex(value("wpa_psk"));
+    return "OK ssid_hex=" + hexText(value("ssid")) + " akm_hex=" + hexText(value("akm")) +
+           " crypto=" + value("crypto") + " key_hex=" + hexText(value("wpa_psk"));
 }
 
 void WpsRegistrar::configure(const std::string &ifname) {
@@ -195,7 +185,7 @@ void WpsRegistrar::configure(const std::string &ifname) {
 
 void WpsRegistrar::tick(time_t now) {
     if (!m_session.empty() && now >= m_deadline)
-        finish(WpsProgress::timedOut);
+        finish(WpsProgress::kTimedOut);
     auto late = std::stable_partition(m_waiting.begin(), m_waiting.end(),
                                       [now](const Enrollee &enrollee) { return now < enrollee.deadline; });
     std::vector<Enrollee> expired(late, m_waiting.end());
@@ -216,7 +206,7 @@ std::string WpsRegistrar::state() const {
     return authorised.empty() ? text : text + " wps_autho_sta_mac=" + authorised;
 }
 
-/** Two minutes; a test may not want to wait that long. */
+// Two minutes; a test may not want to wait that long.
 time_t WpsRegistrar::walkTime() const {
     int seconds = std::atoi(m_platform.get("wlsim_wps_walk_time").c_str());
     return seconds > 0 ? seconds : kWalkSeconds;

@@ -1,9 +1,6 @@
-/** @file
- * A WPS registrar's session, apart from sockets and the clock: commands and enrollees go in, states and outcomes come
- * out.
- */
-#ifndef WLSIM_WPS_SESSION_H
-#define WLSIM_WPS_SESSION_H
+// A WPS registrar's session, apart from sockets and the clock: commands and enrollees go in, states and outcomes come
+// out.
+#pragma once
 
 #include <ctime>
 #include <functional>
@@ -15,14 +12,14 @@ namespace wlsim {
 
 using Fields = std::map<std::string, std::string>;
 
-/** The key=value tokens of a command's text; a token without "=" is left out, a repeated key keeps its last value. */
+// The key=value tokens of a command's text; a token without "=" is left out, a repeated key keeps its last value.
 Fields readFields(const std::string &text);
 
-/** Eight digits with the right checksum, or four. */
+// Eight digits with the right checksum, or four.
 bool validPin(const std::string &pin);
 
-/** What the configuration store's wps_proc_status tells of the last session. */
-enum class WpsProgress { idle = 0, processing = 1, done = 2, failed = 3, timedOut = 4 };
+// What the configuration store's wps_proc_status tells of the last session.
+enum class WpsProgress { kIdle = 0, kProcessing = 1, kDone = 2, kFailed = 3, kTimedOut = 4 };
 
 struct Enrollee {
     std::string ifname;
@@ -30,30 +27,31 @@ struct Enrollee {
     bool byPin = false;
     std::string pin;
     time_t deadline = 0;
-    std::function<void(const std::string &)> answer; ///< called once, with "OK ..." or "FAIL reason"
+    // Called once, with "OK ..." or "FAIL reason".
+    std::function<void(const std::string &)> answer;
 };
 
-/** The platform around a session. */
+// The platform around a session.
 struct WpsPlatform {
     std::function<std::string(const std::string &key)> get;
     std::function<void(const std::string &key, const std::string &value)> set;
-    std::function<bool(const std::string &ifname)> onAir; ///< the BSS sends beacons
+    // The BSS sends beacons.
+    std::function<bool(const std::string &ifname)> onAir;
     std::function<std::string(int bytes)> randomHex;
 };
 
-/** The registrar. Which radios do WPS, and how, is read once, when it is made: a changed configuration takes a restart.
- */
+// The registrar. Which radios do WPS, and how, is read once, when it is made: a changed configuration takes a restart.
 class WpsRegistrar {
   public:
     explicit WpsRegistrar(WpsPlatform platform);
 
-    /** A SET command: wps_config_command 1 starts a session, 2 stops it. @return false with the reason in `why`. */
+    // A SET command: wps_config_command 1 starts a session, 2 stops it. Returns false with the reason in `why`.
     bool command(const Fields &fields, time_t now, std::string *why);
-    /** A device that wants in. It is answered when a session takes or refuses it, or when its own walk time ends. */
+    // A device that wants in. It is answered when a session takes or refuses it, or when its own walk time ends.
     void enrol(Enrollee enrollee, time_t now);
-    /** Ends what ran out of time. */
+    // Ends what ran out of time.
     void tick(time_t now);
-    /** The state as the reply to GET tells it. */
+    // The state as the reply to GET tells it.
     std::string state() const;
 
   private:
@@ -74,11 +72,10 @@ class WpsRegistrar {
 
     WpsPlatform m_platform;
     std::map<std::string, Radio> m_radios;
-    Fields m_session; ///< the start command's fields; empty while no session runs
+    // The start command's fields; empty while no session runs.
+    Fields m_session;
     time_t m_deadline = 0;
     std::vector<Enrollee> m_waiting;
 };
 
 } // namespace wlsim
-
-#endif

@@ -1,13 +1,13 @@
 // Driver commands that change something.
-#include "commands.h"
-#include "security.h"
+#include "bss_security.h"
+#include "driver_commands.h"
 
 #include <algorithm>
 
 namespace wlsim {
 namespace {
 
-/** Takes "-C N" off the arguments and moves the target to that BSS of the radio; a text that says what is wrong. */
+// Takes "-C N" off the arguments and moves the target to that BSS of the radio; a text that says what is wrong.
 std::string selectBss(Radio &radio, Bss **bss, Words *arguments) {
     if (arguments->empty() || (*arguments)[0] != "-C") {
         return "";
@@ -25,7 +25,7 @@ std::string upTrouble(const Radio &radio, const Bss &bss) {
     if (!bss.exists) {
         return "no such BSS";
     }
-    if (!radio.up || radio.stage < Stage::secured) {
+    if (!radio.up || radio.stage < Stage::kSecured) {
         return "the radio is not up";
     }
     return !bss.refusal.empty() ? bss.refusal : bss.ssid.empty() ? "no SSID" : "";

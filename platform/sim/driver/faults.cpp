@@ -1,6 +1,7 @@
 #include "faults.h"
 
-#include <cstring>
+#include "sim_driver.h"
+
 #include <fnmatch.h>
 
 namespace wlsim {
@@ -16,37 +17,64 @@ std::string garbage(size_t size) {
     return out;
 }
 
-void cut(Reply *reply) { reply->out.resize(reply->out.size() / 2); }
-void empty(Reply *reply) { reply->out.clear(); }
-void scramble(Reply *reply) { reply->out = garbage(600); }
-void leave(Reply *) {}
+bool isWild(const std::string &pattern) { return pattern.find_first_of("*?[") != std::string::npos; }
 
-constexpr struct {
-    const char *name;
-    void (*apply)(Reply *);
-} kModes[] = {{"fail", leave}, {"empty", empty}, {"garbage", scramble}, {"cut", cut}, {"slow", leave}};
-
-bool fits(const Fault &fault, const std::string &line) {
-    bool wild = fault.match.find_first_of("*?[") != std::string::npos;
-    std::string pattern = wild ? fault.match : "*" + fault.match + "*";
+bool matches(const std::string &pattern, const std::string &line) {
     return fnmatch(pattern.c_str(), line.c_str(), 0) == 0;
+}
+
+bool fits(const std::string &pattern, const std::string &line) {
+    return matches(isWild(pattern) ? pattern : "*" + pattern + "*", line);
+}
+
+// Every command line that can be made to fail, without the arguments at its end.
+Words commandLines(const Model &model) {
+    Words radios = {"wl0"}, interfaces = {"wl0"}, lines;
+    for (const Radio &radio : model.radios) {
+        radios.push_back(radio.name);
+        for (const Bss &bss : radio.bss) {
+            interfaces.push_back(bss.ifName);
+        }
+    }
+    auto add = [&](const char *tool, const Words &names, const Words &commands) {
+        for (const std::string &name : names) {
+            for (const std::string &command : commands) {
+                lines.push_back(std::string(tool) + name + " " + command);
+            }
+        }
+    };
+    add("wlctl -i ", interfaces, driverCommandNames(false));
+    add("wl -i ", interfaces, driverCommandNames(false));
+    add("dhdctl -i ", interfaces, driverCommandNames(true));
+    add("wlconf ", radios, wlconfVerbs());
+    add("acs_cli -i ", radios, {"acs_policy", "csscan_force", "dump"});
+    return lines;
 }
 
 } // namespace
 
-bool isFaultMode(const std::string &mode) {
-    for (const auto &row : kModes) {
-        if (mode == row.name) {
-            return true;
+std::string patternTrouble(const Model &model, const std::string &pattern) {
+    // Any argument may follow a whole command.
+    Words commands;
+    for (size_t cut = pattern.find(' '); cut != std::string::npos; cut = pattern.find(' ', cut + 1)) {
+        commands.push_back(isWild(pattern) ? pattern.substr(0, cut) : "*" + pattern.substr(0, cut));
+    }
+    for (const std::string &line : commandLines(model)) {
+        bool possible = fits(pattern, line);
+        for (const std::string &command : commands) {
+            possible = possible || matches(command, line);
+        }
+        if (possible) {
+            return "";
         }
     }
-    return false;
+    return "no command that can fail fits '" + pattern + "'; those of wlctl, wl, dhdctl, wlconf and acs_cli can";
 }
 
-Fault *takeFault(std::vector<Fault> &faults, const std::vector<std::string> &words) {
+Fault *takeFault(std::vector<Fault> &faults, const Words &words) {
     std::string line = joinWords(words);
     for (Fault &fault : faults) {
-        if (fault.count != 0 && fits(fault, line)) {
+        if (fault.count != 0 && fits(fault.match, line)) {
             fault.count -= fault.count > 0 ? 1 : 0;
             fault.hits++;
             return &fault;
@@ -55,13 +83,10 @@ Fault *takeFault(std::vector<Fault> &faults, const std::vector<std::string> &wor
     return nullptr;
 }
 
-void spoil(const Fault &fault, Reply *reply) {
-    reply->delayMs = fault.ms;
-    for (const auto &row : kModes) {
-        if (fault.mode == row.name) {
-            row.apply(reply);
-        }
-    }
+std::string spoilt(const std::string &mode, const std::string &output) {
+    return mode == "empty"     ? ""
+           : mode == "garbage" ? garbage(600)
+                               : output.substr(0, output.size() / (mode == "cut" ? 2 : 1));
 }
 
 } // namespace wlsim

@@ -1,18 +1,22 @@
 // Failures that a scenario or a test asks the driver for.
 #pragma once
 
-#include "driver.h"
+#include "model.h"
+#include "sim_socket.h"
 
 namespace wlsim {
 
-/** The ways a command can go wrong. */
-bool isFaultMode(const std::string &mode);
+// The ways a command can go wrong.
+constexpr char kFaultModes[] = "fail empty garbage cut slow";
 
-/** The first live fault whose pattern fits the command line, counted as hit; null when none does. A pattern without
- * wildcards fits anywhere in the line. */
-Fault *takeFault(std::vector<Fault> &faults, const std::vector<std::string> &words);
+// Why no command of the gateway's tools can ever fit the pattern; empty when one can.
+std::string patternTrouble(const Model &model, const std::string &pattern);
 
-/** Turns a good answer into what the fault wants to be seen. */
-void spoil(const Fault &fault, Reply *reply);
+// The first live fault whose pattern fits the command line, counted as hit; null when none does. A pattern without
+// wildcards fits anywhere in the line.
+Fault *takeFault(std::vector<Fault> &faults, const Words &words);
+
+// What the mode makes of the output of a command that went well.
+std::string spoilt(const std::string &mode, const std::string &output);
 
 } // namespace wlsim

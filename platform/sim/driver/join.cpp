@@ -7,7 +7,8 @@ namespace {
 
 struct Refusal {
     std::string reason;
-    unsigned pruneReason = 0; ///< 0: the driver says nothing
+    // 0: the driver says nothing.
+    unsigned pruneReason = 0;
 };
 
 constexpr unsigned kPruneSecurity = 1, kPruneMacDenied = 3, kPruneLimit = 4, kReasonBadKey = 15;
@@ -16,7 +17,7 @@ bool answers(Driver &driver, const JoinRequest &request, const Radio &radio, con
     return driver.onAir(radio, bss) && bss.ssid == *request.ssid && (!request.band || *request.band == radio.band);
 }
 
-/** The BSS the station means, on the air or not. */
+// The BSS the station means, on the air or not.
 std::optional<Target> findNetwork(Driver &driver, const JoinRequest &request) {
     if (!request.ifName.empty()) {
         return driver.find(request.ifName);
@@ -44,7 +45,7 @@ std::string airTrouble(Driver &driver, const JoinRequest &request, const Target 
 
 bool filtered(const Bss &bss, const Mac &mac) {
     bool listed = std::find(bss.macList.begin(), bss.macList.end(), mac) != bss.macList.end();
-    return (bss.macMode == MacMode::deny && listed) || (bss.macMode == MacMode::allow && !listed);
+    return (bss.macMode == MacMode::kDeny && listed) || (bss.macMode == MacMode::kAllow && !listed);
 }
 
 bool full(const Radio &radio, Bss &bss, const Mac &mac) {
@@ -61,13 +62,49 @@ bool full(const Radio &radio, Bss &bss, const Mac &mac) {
     return all >= limit || (bssLimit > 0 && others(bss) >= bssLimit);
 }
 
-const char *bestPhy(const Radio &radio) {
-    const char *legacy = radio.band == Band::ghz5 ? "a" : radio.gmode == 0 ? "b" : "g";
-    return radio.vht && radio.band == Band::ghz5 ? "ac" : radio.n ? "n" : legacy;
+// What a station of each PHY speaks in a band, the best first.
+constexpr struct {
+    const char *phy, *ghz2, *ghz5;
+} kStationModes[] = {
+    {"ac", "n g b", "ac n a"}, {"n", "n g b", "n a"}, {"g", "g b", ""}, {"a", "", "a"}, {"b", "b", ""}};
+
+Words radioModes(const Radio &radio) {
+    Words modes;
+    if (radio.vht && radio.band == Band::kGhz5) {
+        modes.push_back("ac");
+    }
+    if (radio.n) {
+        modes.push_back("n");
+    }
+    if (radio.band == Band::kGhz5) {
+        modes.push_back("a");
+        return modes;
+    }
+    constexpr long kOnlyB = 0, kOnlyG = 2, kPerformance = 4;
+    if (radio.gmode != kOnlyB) {
+        modes.push_back("g");
+    }
+    if (radio.gmode != kOnlyG && radio.gmode != kPerformance) {
+        modes.push_back("b");
+    }
+    return modes;
 }
 
-/** Worst to best, so that station and radio meet at the lower one. */
-int rank(const std::string &phy) { return phy == "ac" ? 3 : phy == "n" ? 2 : phy == "b" ? 0 : 1; }
+// The best mode that station and radio share, or empty.
+std::string commonMode(const Radio &radio, const std::string &phy) {
+    Words offered = radioModes(radio);
+    for (const auto &row : kStationModes) {
+        if (phy != row.phy) {
+            continue;
+        }
+        for (const std::string &mode : splitWords(radio.band == Band::kGhz5 ? row.ghz5 : row.ghz2)) {
+            if (contains(offered, mode)) {
+                return mode;
+            }
+        }
+    }
+    return "";
+}
 
 bool nRequired(const Radio &radio) {
     auto required = radio.settings.find("nreqd");
@@ -77,14 +114,18 @@ bool nRequired(const Radio &radio) {
 Refusal decide(Driver &driver, const JoinRequest &request, const Target &target) {
     const Bss &bss = target.bss;
     const Mac &mac = request.station.mac;
-    std::string phy = request.phyGiven ? request.station.phy : bestPhy(target.radio);
+    std::string mode = commonMode(target.radio, request.station.phy);
+    if (mode.empty()) {
+        return {"no common 802.11 mode: the station is " + request.station.phy + ", the radio speaks " +
+                joinWords(radioModes(target.radio)) + (target.radio.band == Band::kGhz5 ? " at 5 GHz" : " at 2.4 GHz")};
+    }
     if (filtered(bss, mac)) {
         return {"denied by the MAC filter", kPruneMacDenied};
     }
     if (full(target.radio, target.bss, mac)) {
         return {"station limit reached", kPruneLimit};
     }
-    if (nRequired(target.radio) && rank(phy) < 2) {
+    if (nRequired(target.radio) && mode != "ac" && mode != "n") {
         return {"802.11n required"};
     }
     std::string mismatch = securityMismatch(bss.security, request.credentials);
@@ -98,7 +139,7 @@ Refusal decide(Driver &driver, const JoinRequest &request, const Target &target)
     return {keyFits(bss.security, request.credentials) ? "" : "wrong passphrase"};
 }
 
-/** Highest rate of a PHY, width and number of streams, in kbit/s. */
+// Highest rate of a PHY, width and number of streams, in kbit/s.
 uint32_t bestRate(const std::string &phy, int width, int streams) {
     constexpr struct {
         const char *phy;
@@ -116,10 +157,7 @@ uint32_t bestRate(const std::string &phy, int width, int streams) {
 
 Station admitted(Driver &driver, const JoinRequest &request, const Radio &radio) {
     Station station = request.station;
-    std::string best = bestPhy(radio);
-    if (!request.phyGiven || rank(station.phy) >= rank(best)) {
-        station.phy = best;
-    }
+    station.phy = commonMode(radio, station.phy);
     station.streams = std::min(station.streams, radio.streams());
     bool wide = station.phy == "ac" || station.phy == "n";
     station.width = wide ? std::min(radio.chanspec->width, station.phy == "n" ? 40 : 80) : 20;
@@ -129,7 +167,7 @@ Station admitted(Driver &driver, const JoinRequest &request, const Radio &radio)
     return station;
 }
 
-/** The steps a station takes on the air; the driver tells each one. */
+// The steps a station takes on the air; the driver tells each one.
 void announce(Driver &driver, const std::string &ifName, const Mac &mac, bool again) {
     driver.emit({kEventAuthInd, ifName, mac, 0, 0});
     driver.emit({again ? kEventReassocInd : kEventAssocInd, ifName, mac, 0, 0});

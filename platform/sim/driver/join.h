@@ -1,29 +1,31 @@
 // Stations that come and go.
 #pragma once
 
-#include "driver.h"
-#include "security.h"
+#include "bss_security.h"
+#include "sim_driver.h"
 
 namespace wlsim {
 
 struct JoinRequest {
-    std::string ifName; ///< empty: whichever BSS announces the SSID
+    // Empty: whichever BSS announces the SSID.
+    std::string ifName;
     std::optional<std::string> ssid;
     std::optional<Band> band;
     Credentials credentials;
     Station station;
-    bool phyGiven = false;
 };
 
 struct JoinResult {
-    std::string ifName;  ///< the BSS joined
-    std::string refusal; ///< why not; empty when joined
+    // The BSS joined.
+    std::string ifName;
+    // Why not; empty when joined.
+    std::string refusal;
 };
 
-/** Lets a station try: what the bring-up made of the radio decides. */
+// Lets a station try: what the bring-up made of the radio decides.
 JoinResult join(Driver &driver, const JoinRequest &request);
 
-/** @return the interface it left, or empty. */
+// Returns the interface it left, or empty.
 std::string leave(Driver &driver, const Mac &mac);
 
 } // namespace wlsim

@@ -1,26 +1,30 @@
 // The state of the simulated driver: radios, their BSSs, stations and neighbours.
 #pragma once
 
-#include "channels.h"
-#include "text.h"
+#include "chanspec.h"
+#include "sim_text.h"
 
 #include <cstdint>
 #include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace wlsim {
 
 constexpr int kDefaultNoise = -90;
 
-/** What a BSS demands of its stations. A non-empty `broken` refuses every station and says why. */
+// The counters of a radio, as its report orders them, and what it measures of its channel.
+constexpr char kCounterNames[] =
+    "txframe txbyte txretrans txerror rxframe rxbyte rxerror rxcrc txnoassoc rxbadda txphyerr rxnobuf";
+constexpr char kChanimNames[] = "tx inbss obss nocat nopkt doze goodtx badtx glitch badplcp";
+
+// What a BSS demands of its stations. A non-empty `broken` refuses every station and says why.
 struct Security {
     bool wep = false;
-    bool sharedKey = false; ///< 802.11 shared-key authentication
+    // 802.11 shared-key authentication.
+    bool sharedKey = false;
     bool wpaPsk = false, wpa2Psk = false, wpa = false, wpa2 = false;
     bool aes = false, tkip = false;
-    int mfp = 0; ///< 0 off, 1 capable, 2 required
+    // 0 off, 1 capable, 2 required.
+    int mfp = 0;
     std::string key;
     std::string broken;
 
@@ -37,29 +41,34 @@ struct StationCounters {
 
 struct Station {
     Mac mac;
-    std::string phy = "ac"; ///< ac, n, a, g or b
+    // ac, n, a, g or b.
+    std::string phy = "ac";
     int streams = 2;
     int rssi = -50;
     int width = 20;
-    uint32_t txRate = 0, rxRate = 0; ///< kbit/s
-    int trafficKbit = 0;             ///< load that moves the counters
+    // kbit/s.
+    uint32_t txRate = 0, rxRate = 0;
+    // Load that moves the counters.
+    int trafficKbit = 0;
     int64_t joinedMs = 0, countedMs = 0;
     std::string security;
     StationCounters counters;
 };
 
-enum class MacMode { off = 0, deny = 1, allow = 2 };
+enum class MacMode { kOff = 0, kDeny = 1, kAllow = 2 };
 
 struct Bss {
     int index = 0;
     std::string ifName;
-    bool exists = false; ///< has an interface
+    // Has an interface.
+    bool exists = false;
     bool up = false;
     std::string ssid;
     Security security;
-    MacMode macMode = MacMode::off;
+    MacMode macMode = MacMode::kOff;
     std::vector<Mac> macList;
-    std::string refusal; ///< configuration error that keeps the BSS down
+    // Configuration error that keeps the BSS down.
+    std::string refusal;
     int dtim = 1;
     std::map<std::string, long> settings;
     std::map<std::string, uint64_t> counters;
@@ -85,12 +94,12 @@ struct ChannelSwitch {
     bool done = false;
 };
 
-/** How far wlconf has taken a radio. */
-enum class Stage { down, configured, secured, started };
+// How far wlconf has taken a radio.
+enum class Stage { kDown, kConfigured, kSecured, kStarted };
 
 struct Radio {
     std::string name;
-    Band band = Band::ghz5;
+    Band band = Band::kGhz5;
     // the chip
     long deviceId = 0x43c5, chip = 0x4366, coreRev = 65, phyType = 11, txChain = 15;
     Mac mac;
@@ -100,7 +109,7 @@ struct Radio {
     long maxAssoc = 128;
     // the run-time state
     bool up = false;
-    Stage stage = Stage::down;
+    Stage stage = Stage::kDown;
     std::string country = "US";
     long countryRev = 0;
     std::optional<Chanspec> chanspec;
@@ -108,13 +117,16 @@ struct Radio {
     int maxWidth = 80;
     bool n = true, vht = true;
     long gmode = 1;
-    std::string fixedRate; ///< empty: left to the driver
+    // Empty: left to the driver.
+    std::string fixedRate;
     int beaconPeriod = 100;
     std::map<std::string, long> settings;
     std::map<std::string, uint64_t> counters, chanim;
-    std::vector<Bss> bss; ///< one for each BSS the chip can carry; the first is the radio's own
+    // One for each BSS the chip can carry; the first is the radio's own.
+    std::vector<Bss> bss;
     std::vector<Neighbour> neighbours;
-    std::optional<std::vector<Neighbour>> scanned; ///< what the last scan saw
+    // What the last scan saw.
+    std::optional<std::vector<Neighbour>> scanned;
     std::vector<ChannelSwitch> switches;
 
     int streams() const { return __builtin_popcountl(static_cast<unsigned long>(txChain)); }
@@ -124,21 +136,27 @@ struct Radio {
 
 struct Fault {
     std::string match, mode = "fail";
-    int count = 1; ///< below 0: for ever
+    // Below 0: for ever.
+    int count = 1;
     int ms = 0;
     int hits = 0;
 };
 
-struct Model {
-    std::vector<Radio> radios;
-    std::vector<Fault> faults;
-    std::map<std::string, std::string> nvram; ///< factory values
+struct Bridge {
+    std::string name;
+    // With its prefix length; may be empty.
+    std::string address;
+    Words ports;
 };
 
-/** Number of BSSs that the capability words promise. */
-size_t bssCapacity(const std::string &caps);
-
-/** The veth peer of an interface: air0.1 for wl0.1. No name with "wl" in it, or it would pass for a radio. */
-std::string peerName(const std::string &ifName);
+struct Model {
+    std::vector<Radio> radios;
+    std::vector<Bridge> bridges;
+    // Names of the driver's kernel threads.
+    Words threads;
+    std::vector<Fault> faults;
+    // Factory values.
+    std::map<std::string, std::string> nvram;
+};
 
 } // namespace wlsim

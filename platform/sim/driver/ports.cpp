@@ -1,6 +1,7 @@
 #include "ports.h"
 
-#include <arpa/inet.h>
+#include "sim_socket.h"
+
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -45,8 +46,8 @@ std::string MemoryNet::bridge(const std::string &name) const {
 
 namespace {
 
-/** Runs `ip` and waits for it. @return its exit status, or -1. */
-int runIp(std::vector<std::string> words) {
+// Runs `ip` and waits for it. Returns its exit status, or -1.
+int runIp(Words words) {
     words.insert(words.begin(), "ip");
     std::vector<char *> argv;
     for (std::string &word : words) {
@@ -133,7 +134,7 @@ class KernelProcesses : public Processes {
     }
 
   private:
-    /** A process that was killed and not yet collected serves nobody. */
+    // A process that was killed and not yet collected serves nobody.
     static bool isLive(const std::string &pid, const std::string &name) {
         if (pid.find_first_not_of("0123456789") != std::string::npos) {
             return false;
@@ -148,19 +149,17 @@ class KernelProcesses : public Processes {
 
 class EventSocket : public EventSink {
   public:
-    EventSocket() : socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {}
     ~EventSocket() override { close(socket_); }
+    // Nobody listening is no failure of the driver's.
     void send(const std::string &datagram) override {
-        sockaddr_in to{};
-        to.sin_family = AF_INET;
-        to.sin_port = htons(44032);
-        to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        // Nobody listening is no failure of the driver's.
-        sendto(socket_, datagram.data(), datagram.size(), MSG_DONTWAIT, reinterpret_cast<sockaddr *>(&to), sizeof to);
+        // A refusal of the one before is told once instead of sending.
+        for (int tries = 0; tries < 2 && ::send(socket_, datagram.data(), datagram.size(), MSG_DONTWAIT) < 0;) {
+            tries++;
+        }
     }
 
   private:
-    int socket_;
+    int socket_ = loopbackSocket(kEventPort, connect);
 };
 
 class MonotonicClock : public Clock {

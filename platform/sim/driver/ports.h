@@ -1,7 +1,7 @@
 // What the driver model needs of the machine it runs on, so that it also runs without one.
 #pragma once
 
-#include "text.h"
+#include "sim_text.h"
 
 #include <cstdint>
 #include <map>
@@ -12,18 +12,18 @@
 
 namespace wlsim {
 
-/** Network interfaces. Other programs change them behind the driver's back, so every question is asked anew. */
+// Network interfaces. Other programs change them behind the driver's back, so every question is asked anew.
 class Net {
   public:
     virtual ~Net() = default;
-    /** Creates an interface and its peer. @return an error text, empty when done. */
+    // Creates an interface and its peer. Returns an error text, empty when done.
     virtual std::string create(const std::string &name, const std::string &peer, const Mac &mac) = 0;
     virtual void remove(const std::string &name) = 0;
     virtual bool exists(const std::string &name) const = 0;
     virtual bool up(const std::string &name) const = 0;
     virtual std::optional<Mac> mac(const std::string &name) const = 0;
     virtual bool setMac(const std::string &name, const Mac &mac) = 0;
-    /** The bridge it is a member of, or empty. */
+    // The bridge it is a member of, or empty.
     virtual std::string bridge(const std::string &name) const = 0;
 };
 
@@ -33,7 +33,7 @@ class Processes {
     virtual bool running(const std::string &name) const = 0;
 };
 
-/** Takes event messages on their way to the module. */
+// Takes event messages on their way to the module.
 class EventSink {
   public:
     virtual ~EventSink() = default;
@@ -53,7 +53,7 @@ struct Ports {
     Clock &clock;
 };
 
-/** Interfaces that are a table in memory; new ones are down, as the kernel's are. */
+// Interfaces that are a table in memory; new ones are down, as the kernel's are.
 class MemoryNet : public Net {
   public:
     struct Interface {
@@ -70,14 +70,15 @@ class MemoryNet : public Net {
     std::string bridge(const std::string &name) const override;
 
     std::map<std::string, Interface> interfaces;
-    bool startUp = false; ///< new interfaces come up by themselves
+    // New interfaces come up by themselves.
+    bool startUp = false;
 };
 
-/** veth pairs of the kernel's, in this process's network namespace. */
+// veth pairs of the kernel's, in this process's network namespace.
 std::unique_ptr<Net> makeKernelNet();
-/** The processes of this pid namespace, by command name. */
+// The processes of this pid namespace, by command name.
 std::unique_ptr<Processes> makeKernelProcesses();
-/** UDP to the module's event port on the loopback interface. */
+// UDP to the module's event port on the loopback interface.
 std::unique_ptr<EventSink> makeEventSocket();
 std::unique_ptr<Clock> makeMonotonicClock();
 

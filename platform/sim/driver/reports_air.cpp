@@ -1,5 +1,5 @@
 // Driver reports on stations, on the beacon and on what else is on the air.
-#include "commands.h"
+#include "driver_commands.h"
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ Reply unknownStation(const Bss &bss, const std::string &text) {
     return refuse(text + " is not associated with " + bss.ifName);
 }
 
-/** A 40 MHz station on a 20 MHz channel still says what it could do. */
+// A 40 MHz station on a 20 MHz channel still says what it could do.
 std::string capabilityLines(const Station &station) {
     bool wide = station.width >= 40;
     std::string out;
@@ -70,7 +70,7 @@ std::vector<int> htOperation(const Radio &radio) {
     return body;
 }
 
-/** Two bits a stream: 2 for MCS 0 to 9, 3 for a stream that is not there. */
+// Two bits a stream: 2 for MCS 0 to 9, 3 for a stream that is not there.
 int vhtMap(int streams) {
     int map = 0xffff;
     for (int stream = 0; stream < streams; stream++) {

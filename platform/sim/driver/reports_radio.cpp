@@ -1,14 +1,14 @@
 // Driver reports on a radio, in the driver's formats.
-#include "commands.h"
+#include "driver_commands.h"
 
 #include <algorithm>
 
 namespace wlsim {
 
 std::string legacyRates(Band band, bool bOnly) {
-    return bOnly                ? "[ 1(b) 2(b) 5.5(b) 11(b) ]"
-           : band == Band::ghz2 ? "[ 1(b) 2(b) 5.5(b) 6 9 11(b) 12 18 24 36 48 54 ]"
-                                : "[ 6(b) 9 12(b) 18 24(b) 36 48 54 ]";
+    return bOnly                 ? "[ 1(b) 2(b) 5.5(b) 11(b) ]"
+           : band == Band::kGhz2 ? "[ 1(b) 2(b) 5.5(b) 6 9 11(b) 12 18 24 36 48 54 ]"
+                                 : "[ 6(b) 9 12(b) 18 24(b) 36 48 54 ]";
 }
 
 std::string vhtStreams(int streams, const std::string &indent) {
@@ -30,7 +30,7 @@ namespace {
 
 std::string highestMcs(const Radio &radio) { return std::to_string(8 * radio.streams() - 1); }
 
-uint64_t counter(const std::map<std::string, uint64_t> &counters, const char *name) {
+uint64_t counter(const std::map<std::string, uint64_t> &counters, const std::string &name) {
     auto found = counters.find(name);
     return found == counters.end() ? 0 : found->second;
 }
@@ -93,7 +93,7 @@ Reply cmdIsUp(Driver &, Target target, const Words &) {
 }
 
 // No line end: this is the one report whose readers compare it whole.
-Reply cmdBand(Driver &, Target target, const Words &) { return done(target.radio.band == Band::ghz2 ? "b" : "1"); }
+Reply cmdBand(Driver &, Target target, const Words &) { return done(target.radio.band == Band::kGhz2 ? "b" : "1"); }
 
 Reply cmdChanspecs(Driver &, Target target, const Words &arguments) {
     const Radio &radio = target.radio;
@@ -152,19 +152,12 @@ Reply cmdStatus(Driver &driver, Target target, const Words &) {
 }
 
 Reply cmdCounters(Driver &, Target target, const Words &) {
-    constexpr const char *kLines[][4] = {{"txframe", "txbyte", "txretrans", "txerror"},
-                                         {"rxframe", "rxbyte", "rxerror", "rxcrc"},
-                                         {"txnoassoc", "rxbadda", "txphyerr", "rxnobuf"}};
     const auto &own = target.bss.counters;
     std::string out;
-    for (const auto &line : kLines) {
-        std::string separator;
-        for (const char *name : line) {
-            uint64_t value = counter(own, name) + (target.bss.index == 0 ? counter(target.radio.counters, name) : 0);
-            out += separator + format("%s %u", name, static_cast<uint32_t>(value));
-            separator = " ";
-        }
-        out += "\n";
+    int column = 0;
+    for (const std::string &name : splitWords(kCounterNames)) {
+        uint64_t value = counter(own, name) + (target.bss.index == 0 ? counter(target.radio.counters, name) : 0);
+        out += format("%s %u%s", name.c_str(), static_cast<uint32_t>(value), ++column % 4 == 0 ? "\n" : " ");
     }
     return done(out);
 }
@@ -189,8 +182,8 @@ Reply cmdRateSet(Driver &, Target target, const Words &) {
     return done(out);
 }
 
-Reply cmdRate2g(Driver &, Target target, const Words &) { return fixedRate(target, Band::ghz2); }
-Reply cmdRate5g(Driver &, Target target, const Words &) { return fixedRate(target, Band::ghz5); }
+Reply cmdRate2g(Driver &, Target target, const Words &) { return fixedRate(target, Band::kGhz2); }
+Reply cmdRate5g(Driver &, Target target, const Words &) { return fixedRate(target, Band::kGhz5); }
 
 Reply cmdNoise(Driver &, Target target, const Words &) { return done(format("%d\n", target.radio.noise)); }
 

@@ -45,15 +45,10 @@ Mac toMac(const json &value, const std::string &where) {
     return mac ? *mac : (wrong(where, "no hardware address"), Mac{});
 }
 
-/** One of the words of a blank-separated list. */
+// One of the words of a blank-separated list.
 std::string toWord(const json &value, const std::string &where, const std::string &words) {
     std::string text = toText(value, where);
-    for (const std::string &word : splitWords(words)) {
-        if (text == word) {
-            return text;
-        }
-    }
-    wrong(where, "'" + text + "' is not one of: " + words);
+    return contains(splitWords(words), text) ? text : (wrong(where, "'" + text + "' is not one of: " + words), "");
 }
 
 template <typename Record> using Field = std::function<void(Record &, const json &, const std::string &where)>;
@@ -88,9 +83,11 @@ void readList(const json &array, const std::string &where, std::function<Record(
     }
 }
 
-void readNumbers(const json &object, const std::string &where, std::map<std::string, uint64_t> *numbers) {
+void readNumbers(const json &object, const std::string &where, const char *names,
+                 std::map<std::string, uint64_t> *numbers) {
     requireObject(object, where);
     for (const auto &[key, value] : object.items()) {
+        toWord(key, where, names);
         (*numbers)[key] = static_cast<uint64_t>(toRange(value, where + "." + key, 0, INT64_MAX));
     }
 }
@@ -146,7 +143,7 @@ Neighbour neighbourFrom(const json &object, const std::string &where, Band band)
         {"phy", word(&Neighbour::phy, "ac n a g b")},
     };
     Neighbour ap;
-    ap.chanspec = *parseChanspec(band, band == Band::ghz2 ? "1" : "36");
+    ap.chanspec = *parseChanspec(band, band == Band::kGhz2 ? "1" : "36");
     readRecord(object, where, fields, &ap);
     return ap;
 }
@@ -178,8 +175,9 @@ const Fields<Radio> &radioFields() {
         {"cpu", number(&Radio::cpu, 0, 63)},
         {"noise", number(&Radio::noise, -120, 0)},
         {"maxassoc", number(&Radio::maxAssoc, 1, 1024)},
-        {"counters", [](Radio &r, const json &v, const std::string &w) { readNumbers(v, w, &r.counters); }},
-        {"chanim", [](Radio &r, const json &v, const std::string &w) { readNumbers(v, w, &r.chanim); }},
+        {"counters",
+         [](Radio &r, const json &v, const std::string &w) { readNumbers(v, w, kCounterNames, &r.counters); }},
+        {"chanim", [](Radio &r, const json &v, const std::string &w) { readNumbers(v, w, kChanimNames, &r.chanim); }},
         {"neighbours",
          [](Radio &radio, const json &value, const std::string &where) {
              auto read = [&](const json &ap, const std::string &at) { return neighbourFrom(ap, at, radio.band); };
@@ -189,7 +187,17 @@ const Fields<Radio> &radioFields() {
     return fields;
 }
 
-/** Gives the radio one BSS for each that the chip can carry, and a first channel. */
+// Number of BSSs that the capability words promise.
+size_t bssCapacity(const std::string &caps) {
+    for (size_t count : {16, 8, 4}) {
+        if (contains(splitWords(caps), format("mbss%zu", count))) {
+            return count;
+        }
+    }
+    return 1;
+}
+
+// Gives the radio one BSS for each that the chip can carry, and a first channel.
 void finish(Radio &radio) {
     radio.bss.resize(bssCapacity(radio.caps));
     for (size_t i = 0; i < radio.bss.size(); i++) {
@@ -198,7 +206,7 @@ void finish(Radio &radio) {
     }
     radio.bss[0].exists = true;
     radio.vht = radio.acPhy();
-    radio.maxWidth = radio.band == Band::ghz5 && radio.vht ? 80 : 40;
+    radio.maxWidth = radio.band == Band::kGhz5 && radio.vht ? 80 : 40;
     radio.chanspec = allowedChanspecs(radio.locale(), radio.band, 20).front();
 }
 
@@ -206,7 +214,7 @@ Radio typical(Band band) {
     Radio radio;
     radio.band = band;
     radio.chanim = {{"inbss", 2}, {"obss", 5}, {"nocat", 1}, {"nopkt", 1}, {"goodtx", 2}, {"badtx", 0}};
-    if (band == Band::ghz5) {
+    if (band == Band::kGhz5) {
         radio.mac = *parseMac("00:10:18:AA:BB:C0");
         radio.caps = "ap sta wet mbss16 802.11d 802.11h rm wme pio ampdu ampdu_tx ampdu_rx amsdurx amsdutx wmf wds "
                      "radio_pwrsave rxchain_pwrsave mfp dfrts txpwrcache multi-user-beamformer 802.11ac";
@@ -239,7 +247,7 @@ Radio radioFrom(const json &object, const std::string &where) {
     if (band != 2 && band != 5) {
         wrong(where + ".band", "2 or 5");
     }
-    Radio radio = typical(band == 2 ? Band::ghz2 : Band::ghz5);
+    Radio radio = typical(band == 2 ? Band::kGhz2 : Band::kGhz5);
     radio.name = name;
     readRecord(object, where, radioFields(), &radio);
     finish(radio);
@@ -249,13 +257,47 @@ Radio radioFrom(const json &object, const std::string &where) {
 Fault faultFrom(const json &object, const std::string &where) {
     static const Fields<Fault> fields = {
         {"match", text(&Fault::match)},
-        {"mode", word(&Fault::mode, "fail empty garbage cut slow")},
+        {"mode", word(&Fault::mode, kFaultModes)},
         {"count", number(&Fault::count, -1, 1000000)},
         {"ms", number(&Fault::ms, 0, 600000)},
     };
     Fault fault;
     readRecord(object, where, fields, &fault);
     return fault.match.empty() ? (wrong(where, "a fault has a match"), fault) : fault;
+}
+
+std::string toName(const json &value, const std::string &where) {
+    std::string name = toText(value, where);
+    bool good = !name.empty() && name.size() <= 15 && name[0] != '-' && escapeBytes(name) == name &&
+                name.find_first_of(" '") == std::string::npos;
+    return good ? name : (wrong(where, "'" + name + "' is no name of 1 to 15 characters"), "");
+}
+
+std::string toAddress(const json &value, const std::string &where) {
+    std::string address = toText(value, where);
+    bool good = !address.empty() && address.find_first_not_of("0123456789abcdef.:/") == std::string::npos;
+    return good ? address : (wrong(where, "no address"), "");
+}
+
+Bridge bridgeFrom(const json &object, const std::string &where) {
+    static const Fields<Bridge> fields = {
+        {"name", [](Bridge &b, const json &v, const std::string &w) { b.name = toName(v, w); }},
+        {"address", [](Bridge &b, const json &v, const std::string &w) { b.address = toAddress(v, w); }},
+        {"ports",
+         [](Bridge &b, const json &v, const std::string &w) { readList<std::string>(v, w, toName, &b.ports); }},
+    };
+    Bridge bridge;
+    readRecord(object, where, fields, &bridge);
+    return bridge.name.empty() ? (wrong(where, "a bridge has a name"), bridge) : bridge;
+}
+
+void checkFaults(const Model &model) {
+    for (size_t i = 0; i < model.faults.size(); i++) {
+        std::string trouble = patternTrouble(model, model.faults[i].match);
+        if (!trouble.empty()) {
+            wrong(format("scenario.faults[%zu].match", i), trouble);
+        }
+    }
 }
 
 void checkNames(const std::vector<Radio> &radios) {
@@ -273,6 +315,10 @@ Model modelFrom(const json &document) {
     bool radios = document.is_object() && document.contains("radios");
     const Fields<Model> fields = {
         {"radios", [](Model &m, const json &v, const std::string &w) { readList<Radio>(v, w, radioFrom, &m.radios); }},
+        {"bridges",
+         [](Model &m, const json &v, const std::string &w) { readList<Bridge>(v, w, bridgeFrom, &m.bridges); }},
+        {"threads",
+         [](Model &m, const json &v, const std::string &w) { readList<std::string>(v, w, toName, &m.threads); }},
         {"faults", [](Model &m, const json &v, const std::string &w) { readList<Fault>(v, w, faultFrom, &m.faults); }},
         {"nvram",
          [](Model &m, const json &v, const std::string &w) {
@@ -287,6 +333,7 @@ Model modelFrom(const json &document) {
     if (!radios) {
         model.radios = defaultModel().radios;
     }
+    checkFaults(model);
     return model;
 }
 
@@ -306,7 +353,7 @@ json parseText(const std::string &text) { return json::parse(text, nullptr, true
 
 Model defaultModel() {
     Model model;
-    model.radios = {typical(Band::ghz5), typical(Band::ghz2)};
+    model.radios = {typical(Band::kGhz5), typical(Band::kGhz2)};
     for (size_t i = 0; i < model.radios.size(); i++) {
         model.radios[i].name = format("wl%zu", i);
         finish(model.radios[i]);
@@ -316,6 +363,27 @@ Model defaultModel() {
 
 bool readScenario(const std::string &text, Model *model, std::string *error) {
     return guarded(error, [&] { *model = modelFrom(parseText(text)); });
+}
+
+std::string bootSteps(const Model &model) {
+    std::string steps;
+    auto add = [&](const char *what, const std::string &name, const std::string &value) {
+        steps += std::string(what) + "\t" + name + "\t" + value + "\n";
+    };
+    for (const Bridge &bridge : model.bridges) {
+        add("bridge", bridge.name, "");
+        if (!bridge.address.empty()) {
+            add("address", bridge.name, bridge.address);
+        }
+        for (const std::string &port : bridge.ports) {
+            add("port", port, "");
+            add("member", bridge.name, port);
+        }
+    }
+    for (const std::string &thread : model.threads) {
+        add("thread", thread, "");
+    }
+    return steps;
 }
 
 bool readNeighbour(const std::string &text, Band band, Neighbour *neighbour, std::string *error) {

@@ -141,7 +141,7 @@ std::string stateTable(Driver &driver) {
                              "SECURITY", "STATIONS");
     for (const Radio &radio : driver.model.radios) {
         out += format("%s: %s GHz, %s, channel %s, %s, country %s/%ld\n", radio.name.c_str(),
-                      radio.band == Band::ghz5 ? "5" : "2.4", radio.up ? "up" : "down", radio.chanspec->text().c_str(),
+                      radio.band == Band::kGhz5 ? "5" : "2.4", radio.up ? "up" : "down", radio.chanspec->text().c_str(),
                       stageName(radio.stage), radio.country.c_str(), radio.countryRev);
         for (const Bss &bss : radio.bss) {
             if (!bss.exists) {

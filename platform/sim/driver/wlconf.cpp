@@ -1,14 +1,13 @@
 // wlconf: takes the stored configuration of a radio into the driver. The store is its only source.
-#include "driver.h"
-#include "security.h"
+#include "bss_security.h"
+#include "nvram_store.h"
+#include "sim_driver.h"
 
 #include <algorithm>
 #include <climits>
 
 namespace wlsim {
 namespace {
-
-using Problems = std::vector<std::string>;
 
 struct NumberKey {
     const char *key;
@@ -33,15 +32,11 @@ constexpr struct {
     {"wme_no_ack", "on off"},   {"gmode_protection", "auto off"}, {"nmode_protection", "auto off"},
 };
 
-bool contains(const std::vector<std::string> &words, const std::string &word) {
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
-
 long number(const std::string &prefix, const char *key, long otherwise) {
     return parseNumber(stored(prefix, key)).value_or(otherwise);
 }
 
-template <size_t N> void checkNumbers(const std::string &prefix, const NumberKey (&keys)[N], Problems *problems) {
+template <size_t N> void checkNumbers(const std::string &prefix, const NumberKey (&keys)[N], Words *problems) {
     for (const NumberKey &row : keys) {
         std::string text = stored(prefix, row.key);
         auto value = parseNumber(text);
@@ -51,7 +46,7 @@ template <size_t N> void checkNumbers(const std::string &prefix, const NumberKey
     }
 }
 
-void checkWords(const std::string &prefix, Problems *problems) {
+void checkWords(const std::string &prefix, Words *problems) {
     for (const auto &row : kRadioWords) {
         std::string text = stored(prefix, row.key);
         if (!text.empty() && !contains(splitWords(row.words), text)) {
@@ -60,7 +55,7 @@ void checkWords(const std::string &prefix, Problems *problems) {
     }
 }
 
-void readCountry(Radio &radio, Problems *problems) {
+void readCountry(Radio &radio, Words *problems) {
     std::string code = stored(radio.name, "country_code");
     if (code.empty()) {
         return;
@@ -73,10 +68,10 @@ void readCountry(Radio &radio, Problems *problems) {
     radio.countryRev = number(radio.name, "country_rev", 0);
 }
 
-/** Which of the chip's abilities the configuration leaves on, and so how wide a channel may be. */
-void readModes(Radio &radio, Problems *problems) {
+// Which of the chip's abilities the configuration leaves on, and so how wide a channel may be.
+void readModes(Radio &radio, Words *problems) {
     long band = number(radio.name, "nband", 0);
-    if (band != 0 && band != (radio.band == Band::ghz5 ? 1 : 2)) {
+    if (band != 0 && band != (radio.band == Band::kGhz5 ? 1 : 2)) {
         problems->push_back("nband " + std::to_string(band) + " is not this radio's band");
     }
     radio.n = number(radio.name, "nmode", -1) != 0;
@@ -84,7 +79,7 @@ void readModes(Radio &radio, Problems *problems) {
     radio.gmode = number(radio.name, "gmode", 1);
     long cap = number(radio.name, "bw_cap", 7);
     int offered = (cap & 4) != 0 ? 80 : (cap & 2) != 0 ? 40 : 20;
-    int able = radio.band == Band::ghz5 && radio.vht ? 80 : radio.n ? 40 : 20;
+    int able = radio.band == Band::kGhz5 && radio.vht ? 80 : radio.n ? 40 : 20;
     radio.maxWidth = std::min(offered, able);
 }
 
@@ -95,7 +90,7 @@ std::string channelTrouble(const Radio &radio, const Chanspec &chanspec) {
     return chanspec.width > radio.maxWidth ? format("is wider than the %d MHz configured", radio.maxWidth) : "";
 }
 
-void readChannel(Radio &radio, Problems *problems) {
+void readChannel(Radio &radio, Words *problems) {
     std::string text = stored(radio.name, "chanspec");
     text = text.empty() ? stored(radio.name, "channel") : text;
     radio.autoChannel = text.empty() || text == "0";
@@ -131,8 +126,8 @@ void readRates(Radio &radio) {
     }
 }
 
-Problems readRadio(Radio &radio) {
-    Problems problems;
+Words readRadio(Radio &radio) {
+    Words problems;
     checkNumbers(radio.name, kRadioNumbers, &problems);
     checkWords(radio.name, &problems);
     readCountry(radio, &problems);
@@ -142,10 +137,10 @@ Problems readRadio(Radio &radio) {
     return problems;
 }
 
-void readMacFilter(Bss &bss, Problems *problems) {
+void readMacFilter(Bss &bss, Words *problems) {
     std::string mode = stored(bss.ifName, "macmode");
-    bss.macMode = mode == "deny" ? MacMode::deny : mode == "allow" ? MacMode::allow : MacMode::off;
-    if (bss.macMode == MacMode::off && !mode.empty() && mode != "disable" && mode != "disabled") {
+    bss.macMode = mode == "deny" ? MacMode::kDeny : mode == "allow" ? MacMode::kAllow : MacMode::kOff;
+    if (bss.macMode == MacMode::kOff && !mode.empty() && mode != "disable" && mode != "disabled") {
         problems->push_back("unknown macmode " + mode);
     }
     bss.macList.clear();
@@ -159,7 +154,7 @@ void readMacFilter(Bss &bss, Problems *problems) {
     }
 }
 
-void readAddress(Driver &driver, Bss &bss, Problems *problems) {
+void readAddress(Driver &driver, Bss &bss, Words *problems) {
     std::string text = stored(bss.ifName, "hwaddr");
     if (text.empty()) {
         return;
@@ -171,7 +166,7 @@ void readAddress(Driver &driver, Bss &bss, Problems *problems) {
 }
 
 void readBss(Driver &driver, Bss &bss) {
-    Problems problems;
+    Words problems;
     checkNumbers(bss.ifName, kBssNumbers, &problems);
     bss.ssid = stored(bss.ifName, "ssid");
     bss.dtim = static_cast<int>(number(bss.ifName, "dtim", 1));
@@ -189,9 +184,9 @@ void readBss(Driver &driver, Bss &bss) {
 
 bool enabled(const Bss &bss) { return stored(bss.ifName, "bss_enabled") == "1"; }
 
-/** Interfaces of the virtual BSSs follow the list: new ones are created, those no longer listed go away. */
-void matchInterfaces(Driver &driver, Radio &radio, Problems *problems) {
-    std::vector<std::string> listed = splitWords(stored(radio.name, "vifs"));
+// Interfaces of the virtual BSSs follow the list: new ones are created, those no longer listed go away.
+void matchInterfaces(Driver &driver, Radio &radio, Words *problems) {
+    Words listed = splitWords(stored(radio.name, "vifs"));
     for (Bss &bss : radio.bss) {
         bool wanted = bss.index == 0 || contains(listed, bss.ifName);
         if (bss.exists && !wanted) {
@@ -219,16 +214,10 @@ void takeDown(Driver &driver, Radio &radio) {
         bss.up = false;
     }
     radio.up = false;
-    radio.stage = Stage::down;
+    radio.stage = Stage::kDown;
 }
 
-Reply report(const Problems &problems) {
-    std::string text;
-    for (const std::string &problem : problems) {
-        text += (text.empty() ? "" : "; ") + problem;
-    }
-    return problems.empty() ? done() : refuse(text);
-}
+Reply report(const Words &problems) { return problems.empty() ? done() : refuse(joinWords(problems, "; ")); }
 
 Reply down(Driver &driver, Radio &radio) {
     takeDown(driver, radio);
@@ -240,7 +229,7 @@ Reply up(Driver &driver, Radio &radio) {
     if (stored(radio.name, "radio") == "0") {
         return done(radio.name + ": radio is switched off\n");
     }
-    Problems problems = readRadio(radio);
+    Words problems = readRadio(radio);
     if (!problems.empty()) {
         return report(problems);
     }
@@ -251,15 +240,15 @@ Reply up(Driver &driver, Radio &radio) {
         }
     }
     radio.up = true;
-    radio.stage = Stage::configured;
+    radio.stage = Stage::kConfigured;
     return report(problems);
 }
 
 Reply security(Driver &, Radio &radio) {
-    if (radio.stage < Stage::configured) {
+    if (radio.stage < Stage::kConfigured) {
         return refuse(radio.name + " is not up: security comes after up");
     }
-    Problems problems;
+    Words problems;
     for (Bss &bss : radio.bss) {
         if (!bss.exists || !enabled(bss)) {
             continue;
@@ -269,7 +258,7 @@ Reply security(Driver &, Radio &radio) {
             problems.push_back(bss.ifName + ": " + bss.security.broken);
         }
     }
-    radio.stage = std::max(radio.stage, Stage::secured);
+    radio.stage = std::max(radio.stage, Stage::kSecured);
     return report(problems);
 }
 
@@ -290,10 +279,10 @@ std::string startTrouble(Driver &driver, const Radio &radio, const Bss &bss) {
 }
 
 Reply start(Driver &driver, Radio &radio) {
-    if (radio.stage < Stage::secured) {
+    if (radio.stage < Stage::kSecured) {
         return refuse(radio.name + ": start comes after up and security");
     }
-    Problems problems;
+    Words problems;
     for (Bss &bss : radio.bss) {
         if (!bss.exists || !enabled(bss)) {
             continue;
@@ -304,7 +293,7 @@ Reply start(Driver &driver, Radio &radio) {
             problems.push_back(bss.ifName + ": " + trouble);
         }
     }
-    radio.stage = Stage::started;
+    radio.stage = Stage::kStarted;
     return report(problems);
 }
 
@@ -315,7 +304,15 @@ constexpr struct {
 
 } // namespace
 
-Reply runWlconf(Driver &driver, const std::vector<std::string> &words) {
+Words wlconfVerbs() {
+    Words names;
+    for (const auto &verb : kVerbs) {
+        names.push_back(verb.name);
+    }
+    return names;
+}
+
+Reply runWlconf(Driver &driver, const Words &words) {
     if (words.size() != 3) {
         return refuse("usage: wlconf RADIO down|up|security|start", 2);
     }

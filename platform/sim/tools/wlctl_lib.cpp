@@ -1,14 +1,14 @@
 // libwlctl: one command line, without a shell and in the caller's process.
 #include "wlctl_lib.h"
 
-#include "client.h"
+#include "sim_socket.h"
 
 #include <cstdio>
 
 namespace {
 
-/** Splits at blanks; quotes group and vanish. False for a quote left open. */
-bool splitLine(const char *line, std::vector<std::string> *words) {
+// Splits at blanks; quotes group and vanish. False for a quote left open.
+bool splitLine(const char *line, wlsim::Words *words) {
     char quote = 0;
     bool inWord = false;
     std::string word;
@@ -36,13 +36,10 @@ bool splitLine(const char *line, std::vector<std::string> *words) {
 } // namespace
 
 __attribute__((visibility("default"))) int wlctl_cmd(char *line) {
-    std::vector<std::string> words;
+    wlsim::Words words;
     if (!line || !splitLine(line, &words) || words.empty()) {
         fprintf(stderr, "wlctl: malformed command line\n");
         return 2;
     }
-    std::string output;
-    int status = wlsim::request(words, &output);
-    fwrite(output.data(), 1, output.size(), stdout);
-    return status;
+    return wlsim::requestAndShow(words);
 }

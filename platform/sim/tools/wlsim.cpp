@@ -1,10 +1,11 @@
 // wlsim: hands its words to the driver, apart from what happens beside the driver: waiting for it, WPS enrollees,
 // senders and receivers of events.
-#include "client.h"
-#include "events.h"
-#include "options.h"
+#include "event_message.h"
+#include "sim_log.h"
+#include "sim_options.h"
+#include "sim_socket.h"
+#include "wps_device.h"
 
-#include <arpa/inet.h>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -16,9 +17,7 @@
 namespace {
 
 using wlsim::Options;
-using Words = std::vector<std::string>;
-
-constexpr uint16_t kEventPort = 44032, kAgentPort = 13727;
+using wlsim::Words;
 
 int fail(const char *what) {
     fprintf(stderr, "wlsim: %s: %s\n", what, strerror(errno));
@@ -30,19 +29,6 @@ int usage(const std::string &text, const std::string &error = "") {
     return 2;
 }
 
-int loopbackSocket(uint16_t port, int (*attach)(int, const sockaddr *, socklen_t)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (fd >= 0 && attach(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) {
-        close(fd);
-        return -1;
-    }
-    return fd;
-}
-
 int waitForDriver(const Words &words) {
     auto seconds = wlsim::parseNumber(words.empty() ? "10" : words[0]);
     if (words.size() > 1 || !seconds || *seconds < 0 || *seconds > 3600) {
@@ -50,26 +36,16 @@ int waitForDriver(const Words &words) {
     }
     constexpr int kStepsPerSecond = 50;
     for (long step = 0; step <= *seconds * kStepsPerSecond; step++) {
-        if (wlsim::driverAccepts()) {
+        if (wlsim::accepts(wlsim::driverSocket())) {
             return 0;
         }
         usleep(1000000 / kStepsPerSecond);
     }
-    fprintf(stderr, "wlsim: the driver does not run (%s)\n", wlsim::socketPath().c_str());
+    fprintf(stderr, "wlsim: the driver does not run (%s)\n", wlsim::driverSocket().c_str());
     return wlsim::kNoDriver;
 }
 
-int wps(const Words &words) {
-    std::vector<char *> argv{const_cast<char *>("wlsim-wps")};
-    for (const std::string &word : words) {
-        argv.push_back(const_cast<char *>(word.c_str()));
-    }
-    argv.push_back(nullptr);
-    execvp(argv[0], argv.data());
-    return fail("wlsim-wps");
-}
-
-/** Sends past the driver, which stays free to answer whoever receives. */
+// Sends past the driver, which stays free to answer whoever receives.
 int flood(const Words &words) {
     Options options = wlsim::readOptions(words, "", "--count --number --mac");
     long count = options.number("--count", 100000, 1, 100000000);
@@ -79,7 +55,7 @@ int flood(const Words &words) {
         return usage("flood IF [--count N] [--number EVENT] [--mac MAC]", options.error);
     }
     std::string message = wlsim::eventMessage({number, options.plain[0], *mac, 0, 0});
-    int fd = loopbackSocket(kEventPort, connect);
+    int fd = wlsim::loopbackSocket(wlsim::kEventPort, connect);
     if (fd < 0) {
         return fail("event port");
     }
@@ -88,13 +64,15 @@ int flood(const Words &words) {
     for (long i = 0; i < count; i++) {
         refused += send(fd, message.data(), message.size(), 0) < 0 ? 1 : 0;
     }
+    wlsim::logLine("event", wlsim::format("%s number %u station %s %ld times past the driver", options.plain[0].c_str(),
+                                          number, mac->text().c_str(), count));
     std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     close(fd);
     printf("sent %ld events in %.3f s, %ld refused\n", count, seconds.count(), refused);
     return refused == count ? 1 : 0;
 }
 
-/** One line per datagram; what it lacks reads as zero. */
+// One line per datagram; what it lacks reads as zero.
 void printForwarded(const std::string &message) {
     constexpr size_t kNumber = 28, kStation = 48, kName = 54, kNameSize = 16;
     auto byte = [&](size_t at) { return at < message.size() ? static_cast<unsigned char>(message[at]) : 0u; };
@@ -109,14 +87,14 @@ void printForwarded(const std::string &message) {
     fflush(stdout);
 }
 
-/** The steering agent's end of the forwarding. */
+// The steering agent's end of the forwarding.
 int agent(const Words &words) {
     Options options = wlsim::readOptions(words, "", "--count");
     long count = options.number("--count", LONG_MAX, 1, LONG_MAX);
     if (!options.plain.empty() || !options.error.empty()) {
         return usage("agent [--count N]", options.error);
     }
-    int fd = loopbackSocket(kAgentPort, bind);
+    int fd = wlsim::loopbackSocket(wlsim::kAgentPort, bind);
     if (fd < 0) {
         return fail("port of the steering agent");
     }
@@ -136,15 +114,7 @@ int agent(const Words &words) {
 constexpr struct {
     const char *name;
     int (*run)(const Words &);
-} kLocal[] = {{"wait", waitForDriver}, {"wps", wps}, {"flood", flood}, {"agent", agent}};
-
-int askDriver(Words words) {
-    words.insert(words.begin(), "wlsim");
-    std::string output;
-    int status = wlsim::request(words, &output);
-    fwrite(output.data(), 1, output.size(), stdout);
-    return fflush(stdout) == 0 ? status : 1;
-}
+} kLocal[] = {{"wait", waitForDriver}, {"wps", wlsim::wpsCommand}, {"flood", flood}, {"agent", agent}};
 
 } // namespace
 
@@ -155,5 +125,6 @@ int main(int argc, char **argv) {
             return command.run(Words(words.begin() + 1, words.end()));
         }
     }
-    return askDriver(words);
+    words.insert(words.begin(), "wlsim");
+    return wlsim::requestAndShow(words);
 }

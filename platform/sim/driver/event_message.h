@@ -1,11 +1,11 @@
 // The driver's event messages.
 #pragma once
 
-#include "driver.h"
+#include "sim_driver.h"
 
 namespace wlsim {
 
-/** The message as it stands in one datagram, numbers big-endian. */
+// The message as it stands in one datagram, numbers big-endian.
 std::string eventMessage(const Event &event);
 
 } // namespace wlsim

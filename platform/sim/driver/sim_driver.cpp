@@ -1,21 +1,22 @@
-#include "driver.h"
+#include "sim_driver.h"
 
-#include "events.h"
+#include "event_message.h"
 #include "faults.h"
 #include "nvram_store.h"
+#include "sim_log.h"
 
 #include <algorithm>
 
 namespace wlsim {
 
-Reply done(std::string out) { return {0, std::move(out), "", 0}; }
+namespace {
 
-Reply refuse(const std::string &why, int status) { return {status, "", why, 0}; }
-
-std::string stored(const std::string &prefix, const std::string &key) {
-    const char *value = nvram_get((prefix + "_" + key).c_str());
-    return value ? value : "";
+// The veth peer of an interface: air0.1 for wl0.1. No name with "wl" in it, or it would pass for a radio.
+std::string peerName(const std::string &ifName) {
+    return ifName.compare(0, 2, "wl") == 0 ? "air" + ifName.substr(2) : "air-" + ifName;
 }
+
+} // namespace
 
 Driver::Driver(Model initial, Ports machine) : model(initial), ports(machine), initial_(std::move(initial)) {}
 
@@ -94,7 +95,7 @@ bool Driver::onAir(const Radio &radio, const Bss &bss) const {
 
 Mac Driver::address(const Radio &radio, const Bss &bss) const { return ports.net.mac(bss.ifName).value_or(radio.mac); }
 
-bool Driver::dropStation(Bss &bss, const Mac &mac, EventNumber event, unsigned reason) {
+bool Driver::dropStation(Bss &bss, const Mac &mac, unsigned event, unsigned reason) {
     auto same = [&](const Station &station) { return station.mac == mac; };
     auto found = std::find_if(bss.stations.begin(), bss.stations.end(), same);
     if (found == bss.stations.end()) {
@@ -105,7 +106,7 @@ bool Driver::dropStation(Bss &bss, const Mac &mac, EventNumber event, unsigned r
     return true;
 }
 
-void Driver::dropStations(Bss &bss, EventNumber event, unsigned reason) {
+void Driver::dropStations(Bss &bss, unsigned event, unsigned reason) {
     while (!bss.stations.empty()) {
         Mac mac = bss.stations.back().mac;
         dropStation(bss, mac, event, reason);
@@ -119,25 +120,25 @@ std::string Driver::authenticatorTrouble(const std::string &ifName) const {
         }
     }
     for (int group = 0; group < 10; group++) {
-        auto members = splitWords(stored(group ? format("lan%d", group) : "lan", "ifnames"));
-        if (std::find(members.begin(), members.end(), ifName) != members.end()) {
+        if (contains(splitWords(stored(group ? format("lan%d", group) : "lan", "ifnames")), ifName)) {
             return "";
         }
     }
     return "no LAN group lists " + ifName;
 }
 
-/** The event daemon passes events on, and only when the configuration asks for them. */
-bool Driver::eventsPass() const {
-    const char *enabled = nvram_get("mevent_enable");
-    return enabled && std::string(enabled) == "1" && ports.processes.running("eapd");
-}
+// The event daemon passes events on, and only when the configuration asks for them.
+bool Driver::eventsPass() const { return stored("mevent_enable") == "1" && ports.processes.running("eapd"); }
 
-void Driver::emit(const Event &event) {
+void Driver::emit(const Event &event, long count) {
     if (!eventsPass_) {
         eventsPass_ = eventsPass();
     }
-    if (*eventsPass_) {
+    logLine("event", format("%s number %u station %s reason %u status %u", event.ifName.c_str(), event.number,
+                            event.station.text().c_str(), event.reason, event.status) +
+                         (count > 1 ? format(" %ld times", count) : "") +
+                         (*eventsPass_ ? "" : " kept back: mevent_enable is not 1 or eapd does not run"));
+    for (long i = 0; *eventsPass_ && i < count; i++) {
         ports.events.send(eventMessage(event));
     }
 }
@@ -178,7 +179,7 @@ void Driver::finishSwitches(Radio &radio) {
     }
 }
 
-/** Takes in what happened since the last command: time passed, and others may have taken interfaces down. */
+// Takes in what happened since the last command: time passed, and others may have taken interfaces down.
 void Driver::catchUp() {
     for (Radio &radio : model.radios) {
         finishSwitches(radio);
@@ -191,10 +192,10 @@ void Driver::catchUp() {
     }
 }
 
-Reply Driver::dispatch(const std::vector<std::string> &words) {
+Reply Driver::dispatch(const Words &words) {
     constexpr struct {
         const char *tool;
-        Reply (*run)(Driver &, const std::vector<std::string> &);
+        Reply (*run)(Driver &, const Words &);
     } kTools[] = {{"wlctl", runDriverCommand},
                   {"wl", runDriverCommand},
                   {"dhdctl", runDriverCommand},
@@ -208,19 +209,37 @@ Reply Driver::dispatch(const std::vector<std::string> &words) {
     return refuse("no such tool", 2);
 }
 
-Reply Driver::run(const std::vector<std::string> &words) {
+Reply Driver::spoiltDispatch(const Words &words) {
+    Fault *fault = words[0] == "wlsim" ? nullptr : takeFault(model.faults, words);
+    Reply reply = fault && fault->mode == "fail" ? refuse("driver error (injected)") : dispatch(words);
+    if (fault) {
+        reply.delayMs = fault->ms;
+        reply.out = spoilt(fault->mode, reply.out);
+    }
+    return reply;
+}
+
+// Tools whose work is done elsewhere ask beforehand, with "fault" before their words, and are told the way to go wrong.
+Reply Driver::faultOf(const Words &words) {
+    Fault *fault = takeFault(model.faults, words);
+    Reply reply = fault && fault->mode == "fail" ? refuse("driver error (injected)") : done(fault ? fault->mode : "");
+    reply.delayMs = fault ? fault->ms : 0;
+    return reply;
+}
+
+Reply Driver::run(const Words &words) {
     if (words.empty()) {
         return refuse("empty request\n", 2);
     }
     eventsPass_.reset();
     catchUp();
-    Fault *fault = words[0] == "wlsim" ? nullptr : takeFault(model.faults, words);
-    Reply reply = fault && fault->mode == "fail" ? refuse("driver error (injected)") : dispatch(words);
-    if (fault) {
-        spoil(*fault, &reply);
+    bool asks = words[0] == "fault" && words.size() > 1;
+    Reply reply = asks ? faultOf(Words(words.begin() + 1, words.end())) : spoiltDispatch(words);
+    if (!asks) {
+        logCommand(words, reply.status, reply.err);
     }
     if (!reply.err.empty()) {
-        reply.err = words[0] + ": " + reply.err + (reply.err.back() == '\n' ? "" : "\n");
+        reply.err = words[asks ? 1 : 0] + ": " + reply.err + (reply.err.back() == '\n' ? "" : "\n");
     }
     return reply;
 }

@@ -1,10 +1,11 @@
 // wlsim: what a person or a test does to the simulated surroundings.
-#include "driver.h"
+#include "sim_driver.h"
 
 #include "faults.h"
 #include "join.h"
-#include "options.h"
 #include "scenario.h"
+#include "sim_log.h"
+#include "sim_options.h"
 #include "state.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@
 
 namespace wlsim {
 namespace {
-
-using Words = std::vector<std::string>;
 
 Reply usage(const std::string &text) { return refuse("usage: wlsim " + text, 2); }
 
@@ -31,25 +30,19 @@ constexpr char kJoinUsage[] =
     "       [--cipher aes|tkip] [--no-pmf] [--band 2|5] [--phy ac|n|a|g|b] [--rssi DBM] [--streams N]\n"
     "       [--traffic KBIT] [--count N]";
 
-bool isOneOf(const std::string &word, const char *words) {
-    auto list = splitWords(words);
-    return std::find(list.begin(), list.end(), word) != list.end();
-}
-
-/** Fills the request from the options; an error text for what does not fit. */
+// Fills the request from the options; an error text for what does not fit.
 std::string readStation(Options &options, JoinRequest *request) {
     auto mac = parseMac(options.text("--mac", "02:00:00:00:00:01"));
     std::string phy = options.text("--phy", "ac"), cipher = options.text("--cipher");
     if (!mac) {
         return "--mac takes an address";
     }
-    if (!isOneOf(phy, "ac n a g b") || (!cipher.empty() && !isOneOf(cipher, "aes tkip"))) {
+    if (!contains({"ac", "n", "a", "g", "b"}, phy) || !contains({"", "aes", "tkip"}, cipher)) {
         return "unknown --phy or --cipher";
     }
     Station &station = request->station;
     station.mac = *mac;
     station.phy = phy;
-    request->phyGiven = options.has("--phy");
     station.rssi = static_cast<int>(options.number("--rssi", -50, -120, -1));
     station.streams = static_cast<int>(options.number("--streams", 2, 1, 4));
     station.trafficKbit = static_cast<int>(options.number("--traffic", 0, 0, 10000000));
@@ -69,7 +62,7 @@ std::string readNetwork(Options &options, JoinRequest *request) {
     }
     if (options.has("--band")) {
         std::string band = options.text("--band");
-        request->band = band == "2" ? Band::ghz2 : Band::ghz5;
+        request->band = band == "2" ? Band::kGhz2 : Band::kGhz5;
         options.error = band == "2" || band == "5" ? options.error : "--band takes 2 or 5";
     }
     if (!isSecurityWord(credentials.security)) {
@@ -118,6 +111,11 @@ Reply joinCommand(Driver &driver, const Words &words) {
     for (long i = 0; i < count && reply.err.empty(); i++) {
         request.station.mac = following(first, i);
         JoinResult result = join(driver, request);
+        logLine("join",
+                request.station.mac.text() + " " +
+                    (result.refusal.empty()
+                         ? "joined " + result.ifName
+                         : "refused by " + (request.ifName.empty() ? "all" : request.ifName) + ": " + result.refusal));
         if (result.refusal.empty()) {
             reply.out += joinedText(driver, result.ifName, request.station.mac);
         } else {
@@ -222,6 +220,10 @@ Reply setCommand(Driver &driver, const Words &words) {
     if (!radio || (!chanim && words[0] != "counters") || *value < 0) {
         return refuse(radio ? "cannot set " + words[0] : "no such radio " + words[1], radio ? 2 : 1);
     }
+    const char *names = chanim ? kChanimNames : kCounterNames;
+    if (!contains(splitWords(names), words[2])) {
+        return refuse("unknown key " + words[2] + "; there are: " + names, 2);
+    }
     (chanim ? radio->chanim : radio->counters)[words[2]] = static_cast<uint64_t>(*value);
     return done();
 }
@@ -273,9 +275,7 @@ Reply eventCommand(Driver &driver, const Words &words) {
     if (number < 0 || number > INT_MAX || !mac || !options.error.empty()) {
         return usage("event IF NUMBER [--mac MAC] [--reason N] [--status N] [--count N]  " + options.error);
     }
-    for (long i = 0; i < count; i++) {
-        driver.emit({static_cast<unsigned>(number), options.plain[0], *mac, reason, result});
-    }
+    driver.emit({static_cast<unsigned>(number), options.plain[0], *mac, reason, result}, count);
     return done();
 }
 
@@ -303,11 +303,15 @@ Reply failCommand(Driver &driver, const Words &words) {
     fault.ms = static_cast<int>(options.number("--ms", 0, 0, 600000));
     std::string count = options.plain.size() > 1 ? options.plain[1] : "1";
     auto times = count == "forever" ? std::optional<long>(-1) : parseNumber(count);
-    if (options.plain.empty() || options.plain.size() > 2 || !isFaultMode(fault.mode) || !times || *times == 0 ||
-        *times < -1 || *times > INT_MAX || !options.error.empty()) {
+    if (options.plain.empty() || options.plain.size() > 2 || !contains(splitWords(kFaultModes), fault.mode) || !times ||
+        *times == 0 || *times < -1 || *times > INT_MAX || !options.error.empty()) {
         return usage("fail PATTERN [COUNT|forever] [--mode fail|empty|garbage|cut|slow] [--ms N] | --list | --clear");
     }
     fault.match = options.plain[0];
+    std::string trouble = patternTrouble(driver.model, fault.match);
+    if (!trouble.empty()) {
+        return refuse(trouble);
+    }
     fault.count = static_cast<int>(*times);
     driver.model.faults.push_back(fault);
     return done();

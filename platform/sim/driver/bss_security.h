@@ -5,20 +5,22 @@
 
 namespace wlsim {
 
-/** The security that the configuration store describes for one BSS. */
+// The security that the configuration store describes for one BSS.
 Security readSecurity(const std::string &ifName);
 
-/** A station's side of the agreement. */
+// A station's side of the agreement.
 struct Credentials {
-    std::string security = "open"; ///< open, wep, wpapsk, wpa2psk, wpa, wpa2
+    // open, wep, wpapsk, wpa2psk, wpa, wpa2.
+    std::string security = "open";
     std::string passphrase;
-    std::string cipher; ///< aes, tkip, or empty for either
+    // aes, tkip, or empty for either.
+    std::string cipher;
     bool pmf = true;
 };
 
 bool isSecurityWord(const std::string &word);
 
-/** Why a station is refused before keys come into it; empty when both sides agree on how to talk. */
+// Why a station is refused before keys come into it; empty when both sides agree on how to talk.
 std::string securityMismatch(const Security &security, const Credentials &station);
 
 bool keyFits(const Security &security, const Credentials &station);

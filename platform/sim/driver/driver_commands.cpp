@@ -1,9 +1,19 @@
-#include "commands.h"
+#include "driver_commands.h"
 
 #include <climits>
 
 namespace wlsim {
 namespace {
+
+struct Command {
+    const char *name;
+    CommandFunction *run;
+    // Number of arguments.
+    size_t least, most;
+    const char *usage;
+};
+
+constexpr size_t kAnyNumber = 512;
 
 constexpr Command kCommands[] = {
     {"up", cmdUp, 0, 0, "up"},
@@ -43,7 +53,7 @@ constexpr Command kCommands[] = {
     {"scanresults", cmdScanResults, 0, 0, "scanresults"},
 };
 
-/** Numbers that the driver keeps and gives back. */
+// Numbers that the driver keeps and gives back.
 struct Setting {
     const char *name;
     long lowest, highest, initial;
@@ -93,25 +103,35 @@ Reply runCommand(const Command &command, Driver &driver, Target target, const Wo
     return command.run(driver, target, arguments);
 }
 
-template <size_t N> const Command *findCommand(const Command (&commands)[N], const std::string &name) {
-    for (const Command &command : commands) {
-        if (name == command.name) {
-            return &command;
+template <typename Row, size_t N> const Row *findRow(const Row (&rows)[N], const std::string &name) {
+    for (const Row &row : rows) {
+        if (name == row.name) {
+            return &row;
         }
     }
     return nullptr;
 }
 
-const Setting *findSetting(const std::string &name) {
-    for (const Setting &setting : kSettings) {
-        if (name == setting.name) {
-            return &setting;
-        }
+template <typename Row, size_t N> void addNames(const Row (&rows)[N], Words *names) {
+    for (const Row &row : rows) {
+        names->push_back(row.name);
     }
-    return nullptr;
 }
+
+// The one setting that a dongle's host driver has too.
+constexpr char kDhdSetting[] = "aspm";
 
 } // namespace
+
+Words driverCommandNames(bool dhd) {
+    if (dhd) {
+        return {kDhdCommands[0].name, kDhdSetting};
+    }
+    Words names;
+    addNames(kCommands, &names);
+    addNames(kSettings, &names);
+    return names;
+}
 
 Reply runDriverCommand(Driver &driver, const Words &words) {
     if (words.size() < 4 || words[1] != "-i") {
@@ -127,10 +147,10 @@ Reply runDriverCommand(Driver &driver, const Words &words) {
     }
     const std::string &name = words[3];
     Words arguments(words.begin() + 4, words.end());
-    if (const Command *command = dhd ? findCommand(kDhdCommands, name) : findCommand(kCommands, name)) {
+    if (const Command *command = dhd ? findRow(kDhdCommands, name) : findRow(kCommands, name)) {
         return runCommand(*command, driver, *target, arguments);
     }
-    const Setting *setting = dhd && name != "aspm" ? nullptr : findSetting(name);
+    const Setting *setting = dhd && name != kDhdSetting ? nullptr : findRow(kSettings, name);
     if (!setting) {
         return refuse(name + ": unknown command");
     }

@@ -1,5 +1,7 @@
 #include "nvram_store.h"
 
+#include "sim_log.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -31,7 +33,7 @@ int complain(const char *what, const std::string &subject) {
 
 int complainErrno(const std::string &path) { return complain(strerror(errno), path); }
 
-/** Serialises writers. The kernel drops the lock when its holder dies, so a crash leaves nothing to clean up. */
+// Serialises writers. The kernel drops the lock when its holder dies, so a crash leaves nothing to clean up.
 class WriteLock {
   public:
     WriteLock() : fd_(open((storePath() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
@@ -103,8 +105,8 @@ Variables parse(std::string_view text) {
     return all;
 }
 
-/** A store that was not written since boot has the committed values. Files are only ever replaced whole, so reading
- * needs no lock. */
+// A store that was not written since boot has the committed values. Files are only ever replaced whole, so reading
+// needs no lock.
 Variables load() {
     std::string text;
     if (!readAll(storePath(), &text)) {
@@ -144,14 +146,15 @@ int save(const Variables &all, const std::string &path) {
 
 bool validKey(const char *key) {
     size_t length = key ? strlen(key) : 0;
-    if (length == 0 || length > WLSIM_NVRAM_KEY_MAX || strpbrk(key, "=\n")) {
+    if (length == 0 || length > kNvramKeyMax || strpbrk(key, "=\n")) {
         complain("invalid variable name", key ? key : "(null)");
         return false;
     }
     return true;
 }
 
-template <typename Change> int update(const std::string &target, Change change) {
+template <typename Change> int update(const std::string &what, const std::string &target, Change change) {
+    wlsim::logLine("nvram", what);
     WriteLock lock;
     if (!lock.held()) {
         return complainErrno(storePath());
@@ -181,21 +184,22 @@ int nvram_set(const char *name, const char *value) {
     if (!validKey(name)) {
         return -1;
     }
-    if (!value || strlen(value) > WLSIM_NVRAM_VALUE_MAX) {
+    if (!value || strlen(value) > kNvramValueMax) {
         return complain(value ? "value too long" : "no value", name);
     }
-    return update(storePath(), [&](Variables &all) { all[name] = value; });
+    std::string what = std::string("set ") + name + "=" + wlsim::shownValue(name, value);
+    return update(what, storePath(), [&](Variables &all) { all[name] = value; });
 }
 
 int nvram_unset(const char *name) {
     if (!validKey(name)) {
         return -1;
     }
-    return update(storePath(), [&](Variables &all) { all.erase(name); });
+    return update(std::string("unset ") + name, storePath(), [&](Variables &all) { all.erase(name); });
 }
 
 int nvram_commit(void) {
-    return update(committedPath(), [](Variables &) {});
+    return update("commit", committedPath(), [](Variables &) {});
 }
 
 int nvram_reboot(void) {

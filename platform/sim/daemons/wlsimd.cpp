@@ -1,16 +1,15 @@
 // wlsimd: the process that plays the wireless driver.
-#include "client.h"
-#include "options.h"
+#include "daemon.h"
 #include "scenario.h"
-#include "server.h"
+#include "sim_driver.h"
+#include "sim_options.h"
 
 #include <csignal>
 #include <cstdio>
-#include <fcntl.h>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace {
 
@@ -34,7 +33,7 @@ bool loadScenario(const std::string &path, Model *model, std::string *error) {
     return good;
 }
 
-/** Termination as a readable descriptor, so that the serving loop ends in an orderly way. */
+// Termination as a readable descriptor, so that the serving loop ends in an orderly way.
 int terminationFd() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -44,21 +43,7 @@ int terminationFd() {
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
-/** Leaves the caller's terminal; the caller goes on once the socket accepts. */
-bool goToBackground() {
-    pid_t pid = fork();
-    if (pid > 0) {
-        _exit(0);
-    }
-    setsid();
-    int null = open("/dev/null", O_RDWR);
-    for (int fd = 0; null >= 0 && fd < 2; fd++) {
-        dup2(null, fd);
-    }
-    return pid == 0;
-}
-
-/** Without interfaces or daemons to look at, everything that is asked for is there. */
+// Without interfaces or daemons to look at, everything that is asked for is there.
 class AssumedProcesses : public Processes {
     bool running(const std::string &) const override { return true; }
 };
@@ -66,14 +51,17 @@ class AssumedProcesses : public Processes {
 } // namespace
 
 int main(int argc, char **argv) {
-    Options options = readOptions({argv + 1, argv + argc}, "--foreground --no-net", "--scenario");
+    Options options = readOptions({argv + 1, argv + argc}, "--foreground --no-net --boot-steps", "--scenario");
     if (!options.error.empty() || !options.plain.empty()) {
-        return fail("usage: wlsimd [--scenario FILE] [--foreground] [--no-net]", 2);
+        return fail("usage: wlsimd [--scenario FILE] [--foreground] [--no-net] | --boot-steps --scenario FILE", 2);
     }
     Model model = defaultModel();
     std::string error;
     if (options.has("--scenario") && !loadScenario(options.text("--scenario"), &model, &error)) {
         return fail(error, 2);
+    }
+    if (options.has("--boot-steps")) {
+        return fputs(bootSteps(model).c_str(), stdout) < 0;
     }
     auto memory = std::make_unique<MemoryNet>();
     memory->startUp = true;
@@ -83,19 +71,20 @@ int main(int argc, char **argv) {
     auto events = makeEventSocket();
     auto clock = makeMonotonicClock();
     Driver driver(model, {*net, *processes, *events, *clock});
-    Server server(driver);
+    Server server([&](const Words &words) { return driver.run(words); });
     int stopFd = terminationFd();
-    error = server.listen(socketPath());
-    if (error.empty()) {
-        error = driver.start();
-    }
-    if (!error.empty()) {
-        return fail(error);
-    }
-    if (!options.has("--foreground") && !goToBackground()) {
-        return fail("cannot fork");
-    }
-    server.serve(stopFd);
-    driver.stop();
-    return 0;
+    DaemonTask task;
+    task.name = "wlsimd";
+    task.prepare = [&] {
+        error = server.listen(driverSocket());
+        error = error.empty() ? driver.start() : error;
+        if (!error.empty()) {
+            throw std::runtime_error(error);
+        }
+    };
+    task.serve = [&] {
+        server.serve(stopFd);
+        driver.stop();
+    };
+    return options.has("--foreground") ? runInForeground(task) : startDaemon(task);
 }

@@ -1,4 +1,4 @@
-#include "events.h"
+#include "event_message.h"
 
 namespace wlsim {
 namespace {

@@ -1,6 +1,6 @@
-#include "security.h"
+#include "bss_security.h"
 
-#include "driver.h"
+#include "nvram_store.h"
 
 #include <algorithm>
 #include <strings.h>
@@ -64,7 +64,7 @@ std::string readKeys(const std::string &ifName, Security *security) {
     return (security->wpa || security->wpa2) && !radius ? "no RADIUS server" : "";
 }
 
-/** Every demand in turn; the first that the configuration does not meet makes the BSS unusable. */
+// Every demand in turn; the first that the configuration does not meet makes the BSS unusable.
 std::string readWpa(const std::string &ifName, const std::string &akm, Security *security) {
     std::string trouble = readAkm(akm, security);
     trouble = trouble.empty() ? readCrypto(stored(ifName, "crypto"), security) : trouble;
@@ -80,6 +80,31 @@ std::string readWpa(const std::string &ifName, const std::string &akm, Security 
 }
 
 } // namespace
+
+std::string Security::text() const {
+    if (!broken.empty()) {
+        return "broken: " + broken;
+    }
+    if (wep) {
+        return sharedKey ? "wep shared" : "wep";
+    }
+    Words suites;
+    for (const auto &suite : kSuites) {
+        if (this->*suite.flag) {
+            suites.emplace_back(suite.word);
+        }
+    }
+    if (suites.empty()) {
+        return "open";
+    }
+    return joinWords(suites, "+") +
+           (aes && tkip ? " tkip+aes"
+            : aes       ? " aes"
+                        : " tkip") +
+           (mfp == 2   ? " mfp required"
+            : mfp == 1 ? " mfp"
+                       : "");
+}
 
 Security readSecurity(const std::string &ifName) {
     Security security;

@@ -1,5 +1,6 @@
-#include "text.h"
+#include "sim_text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -20,23 +21,27 @@ std::string format(const char *pattern, ...) {
     return out;
 }
 
-std::vector<std::string> splitWords(std::string_view text) {
-    std::vector<std::string> words;
+Words splitWords(std::string_view text, const char *separators) {
+    Words words;
     size_t at = 0;
-    while ((at = text.find_first_not_of(' ', at)) != std::string_view::npos) {
-        size_t end = std::min(text.find(' ', at), text.size());
+    while ((at = text.find_first_not_of(separators, at)) != std::string_view::npos) {
+        size_t end = std::min(text.find_first_of(separators, at), text.size());
         words.emplace_back(text.substr(at, end - at));
         at = end;
     }
     return words;
 }
 
-std::string joinWords(const std::vector<std::string> &words) {
+std::string joinWords(const Words &words, const char *separator) {
     std::string out;
     for (const std::string &word : words) {
-        out += (out.empty() ? "" : " ") + word;
+        out += (&word == &words.front() ? "" : separator) + word;
     }
     return out;
+}
+
+bool contains(const Words &words, const std::string &word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
 }
 
 std::optional<long> parseNumber(const std::string &text) {

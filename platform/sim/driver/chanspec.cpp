@@ -1,6 +1,6 @@
-#include "channels.h"
+#include "chanspec.h"
 
-#include "text.h"
+#include "sim_text.h"
 
 #include <algorithm>
 
@@ -13,7 +13,8 @@ enum RangeBit : unsigned { kLow = 1, kLowRadar = 2, kMid = 4, kMid144 = 8, kHigh
 constexpr struct {
     int first, last;
     unsigned bit;
-    int block; ///< where the wide-channel raster of this range starts
+    // Where the wide-channel raster of this range starts.
+    int block;
 } kRanges[] = {
     {36, 48, kLow, 36},       {52, 64, kLowRadar, 36}, {100, 140, kMid, 100},
     {144, 144, kMid144, 100}, {149, 161, kHigh, 149},  {165, 165, kHigh165, 165},
@@ -52,11 +53,11 @@ std::optional<Slot> slot5g(int channel) {
 }
 
 Chanspec plain(Band band, int channel) {
-    unsigned bits = (band == Band::ghz5 ? 0xc000u : 0u) | 0x1000u | static_cast<unsigned>(channel);
+    unsigned bits = (band == Band::kGhz5 ? 0xc000u : 0u) | 0x1000u | static_cast<unsigned>(channel);
     return {band, channel, 20, static_cast<uint16_t>(bits), {channel}};
 }
 
-/** A wide channel of `count` 20 MHz channels on the 5 GHz raster; nothing when the range ends before it does. */
+// A wide channel of `count` 20 MHz channels on the 5 GHz raster; nothing when the range ends before it does.
 std::optional<Chanspec> wide5g(int control, int count) {
     auto slot = slot5g(control);
     if (!slot) {
@@ -75,7 +76,7 @@ std::optional<Chanspec> wide5g(int control, int count) {
     unsigned width = count == 2 ? 0x1800u : 0x2000u;
     unsigned centre = static_cast<unsigned>(first + 2 * (count - 1));
     unsigned bits = 0xc000u | width | static_cast<unsigned>(position) << 8 | centre;
-    return Chanspec{Band::ghz5, control, 20 * count, static_cast<uint16_t>(bits), members};
+    return Chanspec{Band::kGhz5, control, 20 * count, static_cast<uint16_t>(bits), members};
 }
 
 std::optional<Chanspec> wide2g(int control, bool upper) {
@@ -85,7 +86,7 @@ std::optional<Chanspec> wide2g(int control, bool upper) {
     }
     unsigned centre = static_cast<unsigned>((control + other) / 2);
     unsigned bits = 0x1800u | (upper ? 0x100u : 0u) | centre;
-    return Chanspec{Band::ghz2, control, 40, static_cast<uint16_t>(bits), {control, other}};
+    return Chanspec{Band::kGhz2, control, 40, static_cast<uint16_t>(bits), {control, other}};
 }
 
 std::optional<Chanspec> make2g(int channel, const std::string &suffix) {
@@ -93,7 +94,7 @@ std::optional<Chanspec> make2g(int channel, const std::string &suffix) {
         return std::nullopt;
     }
     if (suffix.empty() || suffix == "/20") {
-        return plain(Band::ghz2, channel);
+        return plain(Band::kGhz2, channel);
     }
     if (suffix == "/40") {
         auto lower = wide2g(channel, false);
@@ -107,7 +108,7 @@ std::optional<Chanspec> make5g(int channel, const std::string &suffix) {
         return wide5g(channel, 4);
     }
     if (suffix.empty() || suffix == "/20") {
-        return slot5g(channel) ? std::optional<Chanspec>(plain(Band::ghz5, channel)) : std::nullopt;
+        return slot5g(channel) ? std::optional<Chanspec>(plain(Band::kGhz5, channel)) : std::nullopt;
     }
     auto pair = suffix == "/40" || suffix == "l" || suffix == "u" ? wide5g(channel, 2) : std::nullopt;
     bool sideFits = pair && (suffix == "/40" || pair->upper() == (suffix == "u"));
@@ -124,7 +125,7 @@ std::string Chanspec::text() const {
 std::string Chanspec::report() const { return text() + format(" (0x%04x)", value); }
 
 std::string Chanspec::longReport() const {
-    return format("%s channel %d %dMHz (0x%04x)", band == Band::ghz2 ? "2.4GHz" : "5GHz", centre(), width, value);
+    return format("%s channel %d %dMHz (0x%04x)", band == Band::kGhz2 ? "2.4GHz" : "5GHz", centre(), width, value);
 }
 
 std::optional<Chanspec> parseChanspec(Band band, const std::string &text) {
@@ -134,7 +135,7 @@ std::optional<Chanspec> parseChanspec(Band band, const std::string &text) {
     }
     int channel = std::stoi(text.substr(0, digits));
     std::string suffix = text.substr(digits);
-    return band == Band::ghz2 ? make2g(channel, suffix) : make5g(channel, suffix);
+    return band == Band::kGhz2 ? make2g(channel, suffix) : make5g(channel, suffix);
 }
 
 const Country *findCountry(const std::string &code) {
@@ -148,7 +149,7 @@ const Country *findCountry(const std::string &code) {
 
 bool isAllowed(const Country &country, const Chanspec &chanspec) {
     return std::all_of(chanspec.members.begin(), chanspec.members.end(), [&](int channel) {
-        if (chanspec.band == Band::ghz2) {
+        if (chanspec.band == Band::kGhz2) {
             return channel <= country.last2g;
         }
         auto slot = slot5g(channel);
@@ -157,8 +158,7 @@ bool isAllowed(const Country &country, const Chanspec &chanspec) {
 }
 
 std::vector<Chanspec> allowedChanspecs(const Country &country, Band band, int width) {
-    std::vector<std::string> suffixes =
-        width == 40 ? std::vector<std::string>{"l", "u"} : std::vector<std::string>{"/" + std::to_string(width)};
+    Words suffixes = width == 40 ? Words{"l", "u"} : Words{"/" + std::to_string(width)};
     std::vector<Chanspec> list;
     for (int channel = 1; channel <= 165; channel++) {
         for (const std::string &suffix : suffixes) {

@@ -1,8 +1,4 @@
-#include "options.h"
-
-#include "text.h"
-
-#include <algorithm>
+#include "sim_options.h"
 
 namespace wlsim {
 
@@ -23,22 +19,19 @@ long Options::number(const std::string &name, long otherwise, long lowest, long 
     return *value;
 }
 
-Options readOptions(const std::vector<std::string> &words, const std::string &flags, const std::string &valued) {
-    auto listed = [](const std::string &list, const std::string &word) {
-        auto names = splitWords(list);
-        return std::find(names.begin(), names.end(), word) != names.end();
-    };
+Options readOptions(const Words &words, const std::string &flags, const std::string &valued) {
+    const Words flagNames = splitWords(flags), valuedNames = splitWords(valued);
     Options options;
     for (size_t i = 0; i < words.size() && options.error.empty(); i++) {
         const std::string &word = words[i];
         if (word.compare(0, 2, "--") != 0) {
             options.plain.push_back(word);
-        } else if (listed(flags, word)) {
+        } else if (contains(flagNames, word)) {
             options.given[word] = "1";
-        } else if (listed(valued, word) && i + 1 < words.size()) {
+        } else if (contains(valuedNames, word) && i + 1 < words.size()) {
             options.given[word] = words[++i];
         } else {
-            options.error = listed(valued, word) ? word + " takes a value" : "unknown option " + word;
+            options.error = contains(valuedNames, word) ? word + " takes a value" : "unknown option " + word;
         }
     }
     return options;

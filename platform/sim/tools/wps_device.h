@@ -1,0 +1,11 @@
+// wlsim's "wps" command.
+#pragma once
+
+#include "sim_text.h"
+
+namespace wlsim {
+
+// Returns the exit status.
+int wpsCommand(const Words &words);
+
+} // namespace wlsim
