@@ -70,3 +70,16 @@ test_requests_that_fail_say_so() {
     assert_status 1 acs_cli -i wl1 csscan_force
     assert_lacks "$output" 'Request finished'
 }
+
+test_commands_fail_as_asked() {
+    start_radio wl1 2 1
+    start_acsd wl1
+    assert_status 0 wlsim fail 'acs_cli * csscan_force'
+    assert_status 1 acs_cli -i wl1 csscan_force
+    assert_status 0 wlsim fail 'acs_cli*' 1 --mode empty
+    assert_status 0 acs_cli -i wl1 csscan_force
+    assert_eq '' "$output"
+    assert_status 0 acs_cli -i wl1 csscan_force
+    assert_contains "$output" 'Request finished'
+    assert_eq 2 "$(wlsim fail --list | grep -c 'hits 1 ')" 'faults that were met'
+}

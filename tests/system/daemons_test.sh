@@ -76,3 +76,39 @@ test_driver_threads_have_their_names() {
         assert_contains "$(cat /proc/[0-9]*/stat 2>/dev/null)" " ($thread) S " "$thread"
     done
 }
+
+test_bridges_are_shown() {
+    ip link set wl0 master br1
+    assert_eq 'br0 eth0 eth1 br1 wl0' "$(brctl show | awk 'NR > 1 { print (NF > 1 ? $1 " " $4 : $1) }' | xargs)"
+    assert_contains "$(brctl show br1)" "8000.$(tr -d : </sys/class/net/wl0/address)"
+    assert_status 1 brctl show br9
+}
+
+# TEXT: the log's last line with it, without the time.
+logged() { grep -F "$1" /var/log/gateway.log | tail -n 1 | cut -d' ' -f2-; }
+
+test_the_log_tells_what_happened() {
+    nvram set 'wl0_ssid=Home Net'
+    nvram set wl0_wpa_psk='correct horse'
+    wlsim join wl0 --mac 02:00:00:00:0A:01 --passphrase 'correct horse' 2>/dev/null
+    wlctl -i wl0 isup >/dev/null
+    wlconf wl0 sideways 2>/dev/null
+    wlsim event wl0 8 --mac 02:00:00:00:0A:02
+    flow_cache_rule -D wl7 2>/dev/null
+    assert_eq 'nvram nvram set wl0_ssid=Home Net' "$(logged wl0_ssid)"
+    assert_eq 'nvram nvram set wl0_wpa_psk=(hidden)' "$(logged wl0_wpa_psk)"
+    assert_eq 'wlsimd join 02:00:00:00:0A:01 refused by wl0: BSS is down: the radio is down' "$(logged ' join 02')"
+    assert_eq 'wlsimd command wlctl -i wl0 isup -> 0' "$(logged isup)"
+    assert_eq 'wlsimd command wlconf wl0 sideways -> 2 unknown verb sideways' "$(logged sideways)"
+    assert_contains "$(logged ' event wl0 number')" 'number 8 station 02:00:00:00:0A:02 reason 0 status 0 kept back'
+    assert_contains "$(logged wl7)" '-> 255 Sorry'
+    assert_lacks "$(cat /var/log/gateway.log)" 'correct horse'
+}
+
+test_the_log_stays_small() {
+    head -c 3000000 /dev/zero >>/var/log/gateway.log
+    nvram set a=1
+    nvram set a=2
+    assert_eq "$(logged set)" "$(cut -d' ' -f2- /var/log/gateway.log)" 'the only line'
+    assert_contains "$(tail -n 1 /var/log/gateway.log.1)" 'set a=1'
+}

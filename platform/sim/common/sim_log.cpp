@@ -33,7 +33,8 @@ std::string timeText() {
 
 // Whoever holds the lock and still finds its file under the name moves it; the others write into it once more.
 void turnOver(int fd, const std::string &path) {
-    struct stat ours{}, named{};
+    struct stat ours {
+    }, named{};
     bool full = fstat(fd, &ours) == 0 && ours.st_size >= kMostBytes && flock(fd, LOCK_EX | LOCK_NB) == 0;
     if (full && stat(path.c_str(), &named) == 0 && named.st_ino == ours.st_ino &&
         rename(path.c_str(), (path + ".1").c_str()) == 0) {

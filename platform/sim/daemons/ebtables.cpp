@@ -1,5 +1,7 @@
 // Recording stand-in for ebtables' broute table, which a kernel seldom has and a user namespace never gets: the chain
 // SKIP_FCACHE that the platform's firewall set-up provides, with the rules that programs add to it.
+#include "sim_log.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -7,10 +9,8 @@
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
-#include <string>
 #include <sys/file.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -20,7 +20,7 @@ constexpr const char *kTarget = "SKIPLOG";
 constexpr const char *kRules = "/var/sim/ebtables";
 constexpr const char *kUsage = "ebtables -t broute {-A|-D} SKIP_FCACHE -i INTERFACE -j SKIPLOG | -L [SKIP_FCACHE]";
 
-using Words = std::vector<std::string>;
+using wlsim::Words;
 
 [[noreturn]] void refuse(const std::string &why) { throw std::runtime_error(why); }
 
@@ -137,13 +137,18 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "usage: %s\n", kUsage);
         return 1;
     }
+    Words words(argv, argv + argc);
+    words[0] = "ebtables";
+    std::string trouble;
     try {
-        Command command = read(Words(argv + 1, argv + argc));
+        Command command = read(Words(words.begin() + 1, words.end()));
         check(command);
         run(command);
     } catch (const std::exception &error) {
+        trouble = error.what();
         std::fprintf(stderr, "ebtables: %s\n", error.what());
-        return 255;
     }
-    return 0;
+    int status = trouble.empty() ? 0 : 255;
+    wlsim::logCommand(words, status, trouble);
+    return status;
 }

@@ -1,7 +1,7 @@
 // The state of the simulated driver: radios, their BSSs, stations and neighbours.
 #pragma once
 
-#include "chanspec.h"
+#include "sim_chanspec.h"
 #include "sim_text.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "chanspec.h"
+#include "sim_chanspec.h"
 
 #include "sim_text.h"
 
