@@ -16,11 +16,6 @@ namespace {
 constexpr off_t kMostBytes = 2 << 20;
 constexpr char kHidden[] = "(hidden)";
 
-std::string logPath() {
-    const char *path = getenv("WLSIM_LOG");
-    return path && *path ? path : "/var/log/gateway.log";
-}
-
 std::string timeText() {
     timeval now{};
     gettimeofday(&now, nullptr);
@@ -47,6 +42,11 @@ bool endsWith(const std::string &text, const std::string &end) {
 }
 
 } // namespace
+
+std::string logPath() {
+    const char *path = getenv("WLSIM_LOG");
+    return path && *path ? path : "/var/log/gateway.log";
+}
 
 void logLine(const char *kind, const std::string &text) {
     std::string path = logPath();

@@ -5,8 +5,11 @@
 
 namespace wlsim {
 
-// Appends a line to the log file, which is WLSIM_LOG or /var/log/gateway.log. The boot makes the file; where there is
-// none, as outside a gateway, nothing is written.
+// WLSIM_LOG, or /var/log/gateway.log.
+std::string logPath();
+
+// Appends a line to the log file. The boot makes the file; where there is none, as outside a gateway, nothing is
+// written.
 void logLine(const char *kind, const std::string &text);
 
 // A command and how it ended. The reason may be empty.

@@ -54,9 +54,9 @@ void writeFurtherPidFile(const std::string &path, pid_t pid) {
     close(fd);
 }
 
-void detach(const std::string &name) {
+void detach() {
     setsid();
-    std::string log = "/var/log/" + name + ".log";
+    std::string log = logPath();
     int in = open("/dev/null", O_RDONLY | O_CLOEXEC);
     int out = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     if (in < 0 || out < 0)
@@ -72,13 +72,13 @@ void detach(const std::string &name) {
 
 [[noreturn]] void background(const DaemonTask &task) {
     try {
-        detach(task.name);
+        detach();
         logLine("daemon", "started");
         task.serve();
         logLine("daemon", "ended");
         std::_Exit(0);
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "%s: %s\n", task.name.c_str(), error.what());
+        logLine("daemon", std::string("ended: ") + error.what());
     }
     std::_Exit(1);
 }
