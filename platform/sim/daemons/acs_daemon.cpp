@@ -102,20 +102,20 @@ constexpr struct {
 class Acsd {
   public:
     void listen() {
-        std::string error = m_server.listen(kAcsSocket);
+        std::string error = server_.listen(kAcsSocket);
         if (!error.empty())
             throw std::runtime_error(error);
     }
 
     void serve() {
         for (const std::string &name : splitWords(stored("acs_ifnames")))
-            m_radios[name].name = name;
-        for (auto &[name, radio] : m_radios) {
+            radios_[name].name = name;
+        for (auto &[name, radio] : radios_) {
             radio.policy = number(radio, "acs_pol_idx");
             survey(radio);
         }
-        m_server.serve(-1, 1000, [this] {
-            for (auto &[name, radio] : m_radios) {
+        server_.serve(-1, 1000, [this] {
+            for (auto &[name, radio] : radios_) {
                 if (radio.nextScan && time(nullptr) >= radio.nextScan)
                     survey(radio);
             }
@@ -147,8 +147,8 @@ class Acsd {
     }
 
     void perform(const Words &words, std::string *text) {
-        auto radio = words.size() < 4 ? m_radios.end() : m_radios.find(words[2]);
-        if (radio == m_radios.end())
+        auto radio = words.size() < 4 ? radios_.end() : radios_.find(words[2]);
+        if (radio == radios_.end())
             throw std::runtime_error((words.size() < 4 ? "nothing" : words[2]) + " is not in acs_ifnames");
         for (const auto &request : kRequests) {
             if (words[3] == request.word)
@@ -157,8 +157,8 @@ class Acsd {
         throw std::runtime_error("unknown request " + words[3]);
     }
 
-    Server m_server{[this](const Words &words) { return answer(words); }};
-    std::map<std::string, SelectedRadio> m_radios;
+    Server server_{[this](const Words &words) { return answer(words); }};
+    std::map<std::string, SelectedRadio> radios_;
 };
 
 } // namespace

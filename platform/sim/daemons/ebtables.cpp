@@ -27,46 +27,46 @@ using wlsim::Words;
 // The rules under a lock: two radios' set-ups may run at the same time.
 class Chain {
   public:
-    Chain() : m_lock(open("/var/sim/ebtables.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
-        if (m_lock < 0 || flock(m_lock, LOCK_EX) != 0)
+    Chain() : lock_(open("/var/sim/ebtables.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+        if (lock_ < 0 || flock(lock_, LOCK_EX) != 0)
             refuse(std::string("cannot lock the rules: ") + std::strerror(errno));
         std::ifstream file(kRules);
         for (std::string rule; std::getline(file, rule);)
-            m_rules.push_back(rule);
+            rules_.push_back(rule);
     }
-    ~Chain() { close(m_lock); }
+    ~Chain() { close(lock_); }
     Chain(const Chain &) = delete;
     Chain &operator=(const Chain &) = delete;
 
     void append(const std::string &rule) {
-        m_rules.push_back(rule);
+        rules_.push_back(rule);
         save();
     }
     void remove(const std::string &rule) {
-        auto found = std::find(m_rules.begin(), m_rules.end(), rule);
-        if (found == m_rules.end())
+        auto found = std::find(rules_.begin(), rules_.end(), rule);
+        if (found == rules_.end())
             refuse("Sorry, rule does not exist.");
-        m_rules.erase(found);
+        rules_.erase(found);
         save();
     }
     void list() const {
         std::printf("Bridge table: %s\n\nBridge chain: %s, entries: %zu, policy: RETURN\n", kTable, kChain,
-                    m_rules.size());
-        for (const std::string &rule : m_rules)
+                    rules_.size());
+        for (const std::string &rule : rules_)
             std::printf("%s\n", rule.c_str());
     }
 
   private:
     void save() const {
         std::ofstream file(kRules, std::ios::trunc);
-        for (const std::string &rule : m_rules)
+        for (const std::string &rule : rules_)
             file << rule << '\n';
         if (!file.flush())
             refuse("cannot write the rules");
     }
 
-    int m_lock;
-    Words m_rules;
+    int lock_;
+    Words rules_;
 };
 
 struct Command {

@@ -47,15 +47,15 @@ std::string randomHex(int bytes) {
 class WpsMonitor {
   public:
     void openSocket() {
-        m_socket = loopbackSocket(kWpsPort, bind);
-        if (m_socket < 0)
+        socket_ = loopbackSocket(kWpsPort, bind);
+        if (socket_ < 0)
             throw std::runtime_error("port " + std::to_string(kWpsPort) + ": " + std::strerror(errno));
     }
 
     [[noreturn]] void serve() {
         WpsRegistrar registrar({[](const std::string &key) { return stored(key); }, store, beaconing, randomHex});
         for (;;) {
-            pollfd waiting{m_socket, POLLIN, 0};
+            pollfd waiting{socket_, POLLIN, 0};
             if (poll(&waiting, 1, 250) > 0)
                 receive(registrar);
             registrar.tick(time(nullptr));
@@ -67,12 +67,12 @@ class WpsMonitor {
         char buffer[2048];
         sockaddr_in peer{};
         socklen_t length = sizeof peer;
-        ssize_t got = recvfrom(m_socket, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(&peer), &length);
+        ssize_t got = recvfrom(socket_, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr *>(&peer), &length);
         if (got <= 0)
             return;
         std::string text(buffer, strnlen(buffer, static_cast<std::size_t>(got)));
         auto reply = [this, peer](const std::string &answer) {
-            sendto(m_socket, answer.c_str(), answer.size() + 1, 0, reinterpret_cast<const sockaddr *>(&peer),
+            sendto(socket_, answer.c_str(), answer.size() + 1, 0, reinterpret_cast<const sockaddr *>(&peer),
                    sizeof peer);
         };
         std::string verb = text.substr(0, text.find(' '));
@@ -102,7 +102,7 @@ class WpsMonitor {
         registrar.enrol(std::move(enrollee), now);
     }
 
-    int m_socket = -1;
+    int socket_ = -1;
 };
 
 } // namespace

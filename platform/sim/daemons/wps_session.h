@@ -70,12 +70,12 @@ class WpsRegistrar {
     void configure(const std::string &ifname);
     time_t walkTime() const;
 
-    WpsPlatform m_platform;
-    std::map<std::string, Radio> m_radios;
+    WpsPlatform platform_;
+    std::map<std::string, Radio> radios_;
     // The start command's fields; empty while no session runs.
-    Fields m_session;
-    time_t m_deadline = 0;
-    std::vector<Enrollee> m_waiting;
+    Fields session_;
+    time_t deadline_ = 0;
+    std::vector<Enrollee> waiting_;
 };
 
 } // namespace wlsim

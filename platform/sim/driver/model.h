@@ -46,7 +46,7 @@ struct Station {
     int streams = 2;
     int rssi = -50;
     int width = 20;
-    // kbit/s.
+    // In kbit/s.
     uint32_t txRate = 0, rxRate = 0;
     // Load that moves the counters.
     int trafficKbit = 0;

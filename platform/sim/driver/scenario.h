@@ -5,9 +5,9 @@
 //
 //   radios      list of radios              default: wl0 (5 GHz) and wl1 (2.4 GHz); [] is a gateway without any
 //   bridges     list of bridges             default: none
-//   nvram       {key: text}                 factory values, stored at the start where the key is not set; default: none
-//   threads     list of names               look-alikes of the driver's kernel threads, 1 to 15 characters; default:
-//   none faults      list of faults              default: none
+//   nvram       {key: text}                 factory values, stored at the start where not set; default: none
+//   threads     list of names               look-alikes of the driver's kernel threads; default: none
+//   faults      list of faults              default: none
 //
 // A radio:                                                                     5 GHz        2.4 GHz
 //   name        1 to 10 of a-z and 0-9      needed
@@ -54,7 +54,7 @@
 // A fault, as "wlsim fail" makes them:
 //   match       pattern of command lines    needed
 //   mode        fail, empty, garbage, cut, slow                        fail
-//   count       so many times; -1: for ever                            1
+//   count       0 to 1000000 times; -1: for ever                       1
 //   ms          0 to 600000 milliseconds that the answer takes         0
 #pragma once
 

@@ -177,7 +177,9 @@ Reply assign(const Key (&keys)[N], Record *record, const std::string &owner, con
     if (!record) {
         return refuse("no such " + owner);
     }
+    Words names;
     for (const Key &key : keys) {
+        names.push_back(key.name);
         if (name != key.name) {
             continue;
         }
@@ -187,7 +189,7 @@ Reply assign(const Key (&keys)[N], Record *record, const std::string &owner, con
         key.set(*record, value);
         return done();
     }
-    return refuse("unknown key " + name, 2);
+    return refuse("unknown key " + name + "; there are: " + joinWords(names), 2);
 }
 
 Station *findStation(Driver &driver, const std::string &text) {
