@@ -154,14 +154,12 @@ bool validKey(const char *key) {
 }
 
 template <typename Change> int update(const std::string &what, const std::string &target, Change change) {
-    wlsim::logLine("nvram", what);
     WriteLock lock;
-    if (!lock.held()) {
-        return complainErrno(storePath());
-    }
     Variables all = load();
     change(all);
-    return save(all, target);
+    int result = lock.held() ? save(all, target) : complainErrno(storePath());
+    wlsim::logLine("nvram", what + (result == 0 ? "" : " failed"));
+    return result;
 }
 
 } // namespace
