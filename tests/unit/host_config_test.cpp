@@ -398,18 +398,16 @@ TEST(HostConfig, RadiosThatCannotDoIt) {
               "t:6: radios[0].ssids[1].ifname: \"wl0.1\" does not exist; wl0 carries at most 1 SSIDs");
 }
 
-std::filesystem::path examples() {
-    return std::filesystem::path(__FILE__).parent_path().parent_path().parent_path() / "examples";
-}
+const std::filesystem::path kExamples = WLHOST_EXAMPLES;
 
 TEST(HostConfig, SchemaBesideTheExamplesIsTheTables) {
-    json schema = Document::load(examples() / "wlbrcm.schema.json").root;
+    json schema = Document::load(kExamples / "wlbrcm.schema.json").root;
     EXPECT_EQ(json::diff(schema, configSchema()), json::array()) << "wlhost schema > examples/wlbrcm.schema.json";
 }
 
 TEST(HostConfig, ExamplesAreSound) {
     int checked = 0;
-    for (const auto &entry : std::filesystem::directory_iterator(examples()))
+    for (const auto &entry : std::filesystem::directory_iterator(kExamples))
         if (entry.path().filename() != "wlbrcm.schema.json") {
             EXPECT_NO_THROW(Config::load(entry.path())) << entry.path();
             ++checked;
