@@ -8,10 +8,37 @@
 namespace wlhost {
 namespace {
 
-constexpr const char *kNumberItems[] = {"MaxBitRate",  "CurChannel", "WPSStatus", "CurBandwidth",
-                                        "CurChanspec", "SideBand",   "Noise"};
+enum class ItemType { kNumber, kText, kCounters };
 
-bool contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
+struct KnownItem {
+    const char *name;
+    ItemType type;
+    bool partial = false; // found anywhere in a name
+};
+
+// The items whose values this host can read, in the order in which the module looks a name up.
+constexpr KnownItem kKnownItems[] = {{"20M_Channel", ItemType::kText},
+                                     {"40M_UpperChannel", ItemType::kText},
+                                     {"40M_LowerChannel", ItemType::kText},
+                                     {"80M_Channel", ItemType::kText},
+                                     {"MaxBitRate", ItemType::kNumber},
+                                     {"RadioStatus", ItemType::kText},
+                                     {"CurChannel", ItemType::kNumber},
+                                     {"CurRate", ItemType::kText},
+                                     {"WPSStatus", ItemType::kNumber},
+                                     {"CurBandwidth", ItemType::kNumber},
+                                     {"CurChanspec", ItemType::kNumber},
+                                     {"SideBand", ItemType::kNumber},
+                                     {"Noise", ItemType::kNumber},
+                                     {"TrafficInfo", ItemType::kCounters, true},
+                                     {"DataTransmitRates", ItemType::kText, true}};
+
+const KnownItem *findItem(const char *name) {
+    for (const KnownItem &item : kKnownItems)
+        if (item.partial ? std::strstr(name, item.name) != nullptr : std::strcmp(name, item.name) == 0)
+            return &item;
+    return nullptr;
+}
 
 json countersOf(const void *block) {
     WlTrafficCounters counters;
@@ -21,19 +48,18 @@ json countersOf(const void *block) {
             {"tx_no_assoc", counters.txnoassoc}, {"rx_bad_da", counters.rxbadda}};
 }
 
-// The kind of a value follows from the item's name, in the module's order: exact names first.
-json valueOf(const std::string &name, const void *block) {
-    if (!block)
+// A block tells neither its type nor its size. One of an item that a newer module added stays closed.
+json valueOf(const char *name, const void *block) {
+    const KnownItem *item = findItem(name);
+    if (!item || !block)
         return nullptr;
-    for (const char *number : kNumberItems)
-        if (name == number) {
-            int32_t value;
-            std::memcpy(&value, block, sizeof value);
-            return value;
-        }
-    if (contains(name, "TrafficInfo"))
+    if (item->type == ItemType::kText)
+        return escapeBytes(static_cast<const char *>(block));
+    if (item->type == ItemType::kCounters)
         return countersOf(block);
-    return escapeBytes(static_cast<const char *>(block));
+    int32_t number;
+    std::memcpy(&number, block, sizeof number);
+    return number;
 }
 
 json readItems(const WlModuleOps &ops, WlIntf &intf, const std::vector<std::string> &names) {
@@ -44,7 +70,7 @@ json readItems(const WlModuleOps &ops, WlIntf &intf, const std::vector<std::stri
     json values = json::object();
     for (size_t i = 0; i < items.size(); ++i) {
         Block<void> block(items[i].value);
-        values[names[i]] = valueOf(names[i], block.get());
+        values[names[i]] = valueOf(items[i].name, block.get());
     }
     Host::check(rc, intf.intfName, "statusUpdate");
     return values;

@@ -108,10 +108,15 @@ TEST_F(HostCommands, StatusWithAndWithoutTheOperation) {
     EXPECT_EQ(row["state"], "up");
     EXPECT_EQ(row["stations"], 2);
     EXPECT_TRUE(row["channel"].is_null()) << "0 is what a failed read gives";
-    json items = result("status", {{"radio", "wl0"}, {"items", {"Noise", "wl0_TrafficInfo", "Nonsense"}}})[0]["items"];
+    const std::string twoNames("Noise\0TrafficInfo", 17);
+    json items =
+        result("status", {{"radio", "wl0"},
+                          {"items", {"Noise", "wl0_TrafficInfo", "Nonsense", "NewNumber", twoNames}}})[0]["items"];
     EXPECT_EQ(items["Noise"], -91);
     EXPECT_EQ(items["wl0_TrafficInfo"]["rx_bytes"], 2);
     EXPECT_TRUE(items["Nonsense"].is_null());
+    EXPECT_TRUE(items["NewNumber"].is_null()) << "the type of its value is not known here";
+    EXPECT_EQ(items[twoNames], -91) << "the module reads up to the NUL";
 }
 
 TEST_F(HostCommands, SsidsKeepTheirBytes) {

@@ -54,7 +54,7 @@ inline int statusUpdate(WlIntf *, WlStatusItem *items, int count) {
     const WlTrafficCounters counters{1, 2, 3, 4, 5, 6, 7, 8};
     for (int i = 0; i < count; ++i) {
         std::string name = items[i].name;
-        if (name == "Noise")
+        if (name == "Noise" || name == "NewNumber")
             items[i].value = copied(&noise, sizeof noise);
         else if (name == "CurChannel")
             items[i].value = copied(&channel, sizeof channel);
