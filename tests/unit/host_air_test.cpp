@@ -3,10 +3,12 @@
 
 #include <climits>
 
-#include "air.h"
-#include "beacon.h"
-#include "events.h"
-#include "show.h"
+#include "host/base/escape.h"
+#include "host/base/word_lists.h"
+#include "host/commands/air.h"
+#include "host/commands/beacon_elements.h"
+#include "host/commands/station_events.h"
+#include "host/show/results.h"
 
 namespace wlhost {
 namespace {

@@ -1,6 +1,8 @@
 // The host's commands against a module that records what it was asked for.
 #include "host_fixture.h"
 
+#include "host/base/addresses.h"
+
 namespace wlhost {
 namespace {
 

@@ -4,8 +4,9 @@
 #include <cstring>
 #include <filesystem>
 
-#include "config.h"
-#include "text.h"
+#include "host/base/escape.h"
+#include "host/base/word_lists.h"
+#include "host/config/configuration.h"
 
 namespace wlhost {
 namespace {

@@ -11,11 +11,13 @@
 #include <cstring>
 #include <thread>
 
-#include "control.h"
-#include "failure.h"
-#include "module.h"
-#include "output.h"
-#include "text.h"
+#include "host/base/addresses.h"
+#include "host/base/escape.h"
+#include "host/base/failure.h"
+#include "host/base/word_lists.h"
+#include "host/control/control_socket.h"
+#include "host/show/tables.h"
+#include "host/state/loaded_module.h"
 
 namespace wlhost {
 namespace {

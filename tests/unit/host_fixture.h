@@ -10,9 +10,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "commands.h"
-#include "host.h"
-#include "text.h"
+#include "host/base/addresses.h"
+#include "host/base/escape.h"
+#include "host/control/dispatch.h"
+#include "host/state/host.h"
 
 namespace wlhost {
 

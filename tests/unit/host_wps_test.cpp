@@ -1,7 +1,8 @@
 // WPS sessions of the host, and the switch of the event forwarding.
 #include "host_fixture.h"
 
-#include "wps.h"
+#include "host/base/escape.h"
+#include "host/commands/wps_sessions.h"
 
 namespace wlhost {
 namespace {

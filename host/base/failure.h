@@ -1,0 +1,31 @@
+// The one way in which anything in the host reports that it could not do what it was asked to.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace wlhost {
+
+using nlohmann::json;
+
+/// Exit statuses of every command; the control socket carries them too.
+enum Status { kDone = 0, kFailed = 1, kUsage = 2, kNotFound = 3, kTimeout = 5, kEnvironment = 7 };
+
+/// Word for a status in machine-readable errors.
+const char *statusWord(int status);
+
+struct Failure : std::runtime_error {
+    int status;
+    std::string where; ///< radio, interface, file or operation; may be empty
+    std::string hint;  ///< what to do about it; may be empty
+
+    Failure(int status_, std::string where_, const std::string &text, std::string hint_ = {})
+        : std::runtime_error(text), status(status_), where(std::move(where_)), hint(std::move(hint_)) {}
+};
+
+// The error document of a failure: `code`, `where`, `text` and `hint`.
+json errorOf(const Failure &failure);
+
+} // namespace wlhost

@@ -1,0 +1,140 @@
+#include "host/cli/serving.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "host/commands/station_events.h"
+#include "host/control/control_socket.h"
+#include "host/control/dispatch.h"
+#include "host/show/tables.h"
+#include "host/state/host.h"
+
+namespace wlhost {
+namespace {
+
+// Signals become bytes in a pipe. They are not blocked: the daemons that the module starts would inherit that.
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int number) {
+    int saved = errno;
+    char byte = static_cast<char>(number);
+    [[maybe_unused]] ssize_t ignored = write(signalPipe[1], &byte, 1);
+    errno = saved;
+}
+
+void catchSignals() {
+    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        throw Failure(kEnvironment, "pipe", std::strerror(errno));
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART;
+    for (int number : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(number, &action, nullptr);
+}
+
+// The module and the commands it runs print on stdout; from here on that is stderr, and stdout is the host's own.
+FILE *takeStdout() {
+    std::fflush(stdout);
+    int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
+    FILE *stream = own < 0 ? nullptr : fdopen(own, "w");
+    if (!stream || dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
+        throw Failure(kEnvironment, "stdout", std::strerror(errno));
+    setvbuf(stdout, nullptr, _IOLBF, 0); // in order with the log
+    return stream;
+}
+
+bool isReadable(int fd) {
+    pollfd entry{fd, POLLIN, 0};
+    return poll(&entry, 1, 0) > 0;
+}
+
+// A burst at a time: events queue in a socket buffer that does not hold many, and commands must get their turn. An
+// association costs several driver commands, so the burst is bounded in time as well.
+void receiveEvents(Host &host, ControlServer &server) {
+    constexpr int kBurst = 64;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+    WlEvtHandler *handler = host.module().events;
+    int sock = static_cast<int>(handler->sock);
+    for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i) {
+        WlEvent *event = nullptr;
+        int rc = handler->receive(sock, &event);
+        Block<WlEvent> block(event);
+        if (rc != 0 || !event)
+            continue;
+        ++host.eventCount;
+        if (server.hasSubscribers())
+            server.publish(eventRow(*event, host.eventCount).dump());
+    }
+}
+
+void reloadOnSignal(Host &host) {
+    try {
+        host.reload("", "", false);
+    } catch (const Failure &failure) {
+        printError(failure, false);
+    }
+}
+
+// Takes the signals that came in. @return false when one of them ends the host.
+bool takeSignals(Host &host) {
+    char number;
+    while (read(signalPipe[0], &number, 1) == 1) {
+        if (number != SIGHUP)
+            return false;
+        reloadOnSignal(host);
+    }
+    return true;
+}
+
+void serve(Host &host, ControlServer &server) {
+    WlEvtHandler *events = host.module().events;
+    for (;;) {
+        std::vector<pollfd> fds = {{signalPipe[0], POLLIN, 0},
+                                   {events ? static_cast<int>(events->sock) : -1, POLLIN, 0}};
+        server.addTo(fds);
+        if (poll(fds.data(), fds.size(), server.timeout()) < 0 && errno != EINTR)
+            throw Failure(kFailed, "poll", std::strerror(errno));
+        if (!takeSignals(host))
+            return;
+        if (fds[1].revents != 0)
+            receiveEvents(host, server);
+        server.serve();
+    }
+}
+
+void report(FILE *out, const json &radios, const RunOptions &options) {
+    if (options.json)
+        std::fprintf(out, "%s\n", json{{"radios", radios}, {"socket", options.socket}}.dump(2).c_str());
+    else
+        std::fprintf(out, "%s", table({{"RADIO", "radio"}, {"ACTION", "action"}}, radios).c_str());
+    std::fflush(out);
+}
+
+} // namespace
+
+int runHost(const RunOptions &options) {
+    // What the file alone can get wrong is known before the module touches a radio.
+    Config config = Config::load(options.config);
+    FILE *out = takeStdout();
+    catchSignals();
+    std::unique_ptr<Host> host;
+    ControlServer server(options.socket, [&](const std::string &request) {
+        json reply = answer(*host, request);
+        return ControlServer::Reply(reply.dump(), reply["status"] == kDone && subscribes(request));
+    });
+    host = std::make_unique<Host>(loadModule(libraryName(options.library)), std::move(config));
+    report(out, host->bringUp(), options);
+    if (!options.once)
+        serve(*host, server);
+    std::fclose(out);
+    return kDone;
+}
+
+} // namespace wlhost

@@ -1,0 +1,13 @@
+// Capability elements of a beacon, decoded (IEEE 802.11 9.4).
+#pragma once
+
+#include "host/state/host.h"
+
+namespace wlhost {
+
+/// What a BSS announces; elements that its beacon lacks are null.
+json beaconRow(const std::string &ifname, const WlIntfInfo &info);
+
+json beacon(Host &host, const json &args);
+
+} // namespace wlhost

@@ -1,0 +1,67 @@
+#include "host/commands/station_events.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <iterator>
+
+#include "host/base/escape.h"
+#include "host/commands/arguments.h"
+#include "host/commands/station_rows.h"
+
+namespace wlhost {
+namespace {
+
+struct EventKind {
+    int32_t code;
+    const char *name;
+    bool describes; ///< the record tells more than who it was
+};
+constexpr EventKind kKinds[] = {{WLBRCM_EVENT_ASSOCIATED, "associated", true},
+                                {WLBRCM_EVENT_DEAUTHENTICATED, "deauthenticated", false},
+                                {WLBRCM_EVENT_REASSOCIATED, "reassociated", true},
+                                {WLBRCM_EVENT_PRUNED, "pruned", false}};
+
+std::string utcNow() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    tm parts{};
+    gmtime_r(&now.tv_sec, &parts);
+    char text[64];
+    size_t length = strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
+    snprintf(text + length, sizeof text - length, ".%03ldZ", now.tv_nsec / 1000000);
+    return text;
+}
+
+} // namespace
+
+json eventRow(const WlEvent &event, uint64_t sequence) {
+    const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                    [&](const EventKind &one) { return one.code == event.event; });
+    bool known = kind != std::end(kKinds);
+    WlStaInfo station;
+    std::memcpy(&station, event.sta, sizeof station);
+    json row = known && !kind->describes ? json::object() : stationRow(station);
+    row["mac"] = stationMac(station);
+    row["sequence"] = sequence;
+    row["time"] = utcNow();
+    row["event"] = known ? json(kind->name) : json();
+    row["radio"] = escapeBytes(event.radioName);
+    row["interface"] = escapeBytes(event.ifName);
+    return row;
+}
+
+json followEvents(Host &host, const json &) {
+    if (!host.module().events)
+        throw Failure(kFailed, "events", "the module registered no event handler", "is its event port in use?");
+    return {{"sequence", host.eventCount}};
+}
+
+json forward(Host &host, const json &args) {
+    bool on = switchArg(args, "state");
+    Host::check(host.operation(host.module().ops->enableFenraEvt, "enableFenraEvt")(on), "forward", "enableFenraEvt");
+    return {{"forward", on ? "on" : "off"}};
+}
+
+} // namespace wlhost

@@ -1,0 +1,16 @@
+// Stations: who is associated, and how one is sent away.
+#pragma once
+
+#include "host/state/host.h"
+
+namespace wlhost {
+
+/// One station as a row; what the driver did not tell is null.
+json stationRow(const WlStaInfo &station);
+
+json stationMac(const WlStaInfo &station);
+
+json listStations(Host &host, const json &args);
+json kick(Host &host, const json &args);
+
+} // namespace wlhost

@@ -1,0 +1,403 @@
+#include "host/config/fields.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <cctype>
+
+#include "host/base/addresses.h"
+#include "host/base/escape.h"
+
+// Offset and size of a record's member, the two columns that say where a value goes.
+#define AT(type, member) offsetof(type, member), sizeof(type::member)
+
+namespace wlhost {
+
+const std::vector<HtMode> kHtModes = {
+    {"HT20", 20, -1, false},  {"HT40+", 40, -1, false}, {"HT40-", 40, 1, false}, {"VHT20", 20, -1, true},
+    {"VHT40+", 40, -1, true}, {"VHT40-", 40, 1, true},  {"VHT80", 80, -1, true},
+};
+
+const std::vector<SecurityKind> kSecurityKinds = {
+    {"none", "open", "none"},       {"wep", "open", "wep"},     {"wep-shared", "shared", "wep"},
+    {"wep-auto", "wepauto", "wep"}, {"psk2", "wpa2psk", "aes"}, {"psk-mixed", "wpapskmix", "tkipaes"},
+    {"wpa2", "wpa2", "aes"},
+};
+
+const std::vector<HwMode> kHwModes = {
+    {"g", true, false, false, false},  {"b", true, false, false, false},  {"bg", true, false, false, false},
+    {"n", true, true, true, false},    {"bgn", true, false, true, false}, {"a", false, true, false, false},
+    {"an", false, true, true, false},  {"ac", false, true, true, true},   {"nac", false, true, true, true},
+    {"anac", false, true, true, true},
+};
+
+namespace {
+
+template <typename Rows> std::vector<Word> wordsOf(const Rows &rows) {
+    std::vector<Word> words;
+    for (const auto &row : rows)
+        words.push_back({row.name, static_cast<long>(words.size())});
+    return words;
+}
+
+std::string lengthOf(const std::string &text) { return "is " + std::to_string(text.size()) + " characters"; }
+
+bool onlyHex(const std::string &text) { return text.size() % 2 == 0 && fromHex(text).has_value(); }
+
+bool printableAscii(const std::string &text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
+std::string ssidProblem(std::string &text) {
+    if (text.find('\0') != std::string::npos)
+        return "holds a NUL";
+    return text.empty() || text.size() > 32 ? "is " + std::to_string(text.size()) + " bytes" : "";
+}
+
+std::string ssidHexProblem(std::string &text) {
+    auto bytes = fromHex(text);
+    if (!bytes)
+        return "is not pairs of hexadecimal digits";
+    text = *bytes;
+    return ssidProblem(text);
+}
+
+std::string pskProblem(std::string &text) {
+    if (text.size() == 64)
+        return onlyHex(text) ? "" : "is 64 characters, but not all hexadecimal digits";
+    if (text.size() < 8 || text.size() > 64)
+        return lengthOf(text);
+    return printableAscii(text) ? "" : "holds characters outside printable ASCII";
+}
+
+std::string wepProblem(std::string &text) {
+    if (text.size() == 5 || text.size() == 13)
+        return printableAscii(text) ? "" : "holds characters outside printable ASCII";
+    if (text.size() == 10 || text.size() == 26)
+        return onlyHex(text) ? "" : "is not all hexadecimal digits";
+    return lengthOf(text);
+}
+
+std::string interfaceProblem(std::string &text) { return isInterfaceName(text) ? "" : "is no interface name"; }
+
+std::string macProblem(std::string &text) {
+    auto mac = parseMac(text);
+    if (!mac)
+        return "is no MAC address";
+    if ((*mac)[0] & 1)
+        return "is a group address";
+    text = formatMac(*mac, true);
+    return "";
+}
+
+std::string countryProblem(std::string &text) {
+    size_t slash = std::min(text.find('/'), text.size());
+    std::string revision = text.substr(std::min(slash + 1, text.size()));
+    bool letters = slash == 2 && std::isupper(static_cast<unsigned char>(text[0])) &&
+                   std::isalnum(static_cast<unsigned char>(text[1])) &&
+                   !std::islower(static_cast<unsigned char>(text[1]));
+    bool digits = std::all_of(revision.begin(), revision.end(), [](char c) { return c >= '0' && c <= '9'; });
+    bool lengthFits = slash == text.size() || (!revision.empty() && revision.size() <= 3);
+    return letters && digits && lengthFits ? "" : "is no country";
+}
+
+std::string addressProblem(std::string &text) {
+    uint8_t bytes[16];
+    bool address = inet_pton(AF_INET, text.c_str(), bytes) == 1 || inet_pton(AF_INET6, text.c_str(), bytes) == 1;
+    return address ? "" : "is no IP address";
+}
+
+std::string secretProblem(std::string &text) {
+    if (text.empty() || text.size() > 255)
+        return lengthOf(text);
+    return printableAscii(text) ? "" : "holds characters outside printable ASCII";
+}
+
+std::string pathProblem(std::string &text) {
+    return text.empty() || text.size() > 35 ? lengthOf(text)
+           : printableAscii(text)           ? ""
+                                            : "holds characters outside printable ASCII";
+}
+
+std::string pinProblem(std::string &text) {
+    int sum = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] < '0' || text[i] > '9')
+            return "is not all digits";
+        sum += (text[i] - '0') * (i % 2 == 0 ? 3 : 1);
+    }
+    if (text.size() != 8)
+        return lengthOf(text);
+    return sum % 10 == 0 ? "" : "has a wrong checksum digit";
+}
+
+// The WPS daemon's reply has room for 35 characters: the record holds the digits alone.
+std::string uuidProblem(std::string &text) {
+    std::string digits = text;
+    if (text.size() == 36 && text[8] == '-' && text[13] == '-' && text[18] == '-' && text[23] == '-')
+        digits.erase(std::remove(digits.begin(), digits.end(), '-'), digits.end());
+    auto bytes = fromHex(digits);
+    if (!bytes || bytes->size() != 16)
+        return "is no UUID";
+    text = toHex(*bytes);
+    return "";
+}
+
+constexpr TextRule kSsidRule{ssidProblem, "1 to 32 bytes of UTF-8 without NUL", "^[^\\u0000]{1,32}$"};
+constexpr TextRule kSsidHexRule{ssidHexProblem, "1 to 32 bytes as pairs of hexadecimal digits, without 00",
+                                "^([0-9A-Fa-f]{2}){1,32}$"};
+constexpr TextRule kPskRule{pskProblem, "8 to 63, or 64 hexadecimal digits", "^([ -~]{8,63}|[0-9A-Fa-f]{64})$"};
+constexpr TextRule kWepRule{wepProblem, "5 or 13 characters, or 10 or 26 hexadecimal digits",
+                            "^([ -~]{5}|[ -~]{13}|[0-9A-Fa-f]{10}|[0-9A-Fa-f]{26})$"};
+constexpr TextRule kInterfaceRule{interfaceProblem, "1 to 15 of A-Z a-z 0-9 . _ -, the first not -",
+                                  "^[A-Za-z0-9._][A-Za-z0-9._-]{0,14}$"};
+constexpr TextRule kMacRule{macProblem, "six hexadecimal pairs of a station, such as 00:10:18:aa:bb:cc",
+                            "^[0-9A-Fa-f]{2}([:-][0-9A-Fa-f]{2}){5}$"};
+constexpr TextRule kCountryRule{countryProblem, "two capitals and perhaps a slash and a revision, such as DE/3",
+                                "^[A-Z][A-Z0-9](/[0-9]{1,3})?$"};
+constexpr TextRule kAddressRule{addressProblem, "an IPv4 or IPv6 address", "^[0-9A-Fa-f:.]{2,45}$"};
+constexpr TextRule kSecretRule{secretProblem, "1 to 255 characters of printable ASCII", "^[ -~]{1,255}$"};
+constexpr TextRule kPathRule{pathProblem, "1 to 35 characters of printable ASCII", "^[ -~]{1,35}$"};
+constexpr TextRule kPinRule{pinProblem, "8 digits, the last one the checksum", "^[0-9]{8}$"};
+constexpr TextRule kUuidRule{uuidProblem, "32 hexadecimal digits, with or without the four dashes",
+                             "^[0-9A-Fa-f]{8}-?([0-9A-Fa-f]{4}-?){3}[0-9A-Fa-f]{12}$"};
+
+Field flag(const char *name, size_t offset, size_t size, bool initial, const char *about) {
+    return {name, Kind::flag, offset, size, about, 0, -1, initial};
+}
+
+Field number(const char *name, size_t offset, size_t size, long low, long high, long initial, const char *about,
+             std::vector<Word> words = {}) {
+    return {name, Kind::number, offset, size, about, low, high, initial, false, false, std::move(words)};
+}
+
+Field oneOf(const char *name, size_t offset, size_t size, long initial, std::vector<Word> words, const char *about) {
+    return {name, Kind::number, offset, size, about, 0, -1, initial, false, false, std::move(words)};
+}
+
+Field choice(const char *name, size_t offset, size_t size, const char *initial, std::vector<Word> words,
+             const char *about) {
+    return {name, Kind::choice, offset, size, about, 0, -1, 0, false, false, std::move(words), nullptr, initial};
+}
+
+Field text(const char *name, size_t offset, size_t size, const TextRule &rule, const char *about,
+           const char *initial = "") {
+    return {name, Kind::text, offset, size, about, 0, -1, 0, false, false, {}, &rule, initial};
+}
+
+Field mac(const char *name, size_t offset, size_t size, const char *about) {
+    return {name, Kind::mac, offset, size, about, 0, -1, 0, false, false, {}, &kMacRule};
+}
+
+Field list(const char *name, size_t offset, size_t size, long most, const TextRule &rule, const char *about) {
+    return {name, Kind::list, offset, size, about, 0, most, 0, false, false, {}, &rule};
+}
+
+Field numbers(const char *name, size_t offset, size_t size, long most, char separator, const char *about) {
+    return {name, Kind::list, offset, size, about, 0, most, 0, false, false, {}, nullptr, "", separator};
+}
+
+Field nested(const char *name, Kind kind, long low, long high, const std::vector<Field> &children, const char *about) {
+    return {name, kind, 0, 0, about, low, high, 0, false, false, {}, nullptr, "", ' ', &children};
+}
+
+Field required(Field field) {
+    field.required = true;
+    return field;
+}
+
+Field inverted(Field field) {
+    field.inverted = true;
+    return field;
+}
+
+constexpr long kMonth = 31 * 24 * 3600;
+
+using R = RadioFields;
+using S = SsidFields;
+
+const std::vector<Field> &rxChainFields() {
+    static const std::vector<Field> fields = {
+        number("enable", AT(R, record.rxChainPwrsaveParams[0]), 0, 1, 0, "1 switches receive chains off when idle"),
+        number("quiet_time", AT(R, record.rxChainPwrsaveParams[1]), 0, 86400, 1800, "Idle seconds before"),
+        number("pps", AT(R, record.rxChainPwrsaveParams[2]), 0, 1000000, 10, "Packets per second that count as idle"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &radioPwrsaveFields() {
+    static const std::vector<Field> fields = {
+        number("enable", AT(R, record.radioPwrsaveParams[0]), 0, 1, 0, "1 duty-cycles the radio when idle"),
+        number("quiet_time", AT(R, record.radioPwrsaveParams[1]), 0, 86400, 1800, "Idle seconds before"),
+        number("pps", AT(R, record.radioPwrsaveParams[2]), 0, 1000000, 10, "Packets per second that count as idle"),
+        number("level", AT(R, record.radioPwrsaveParams[3]), 0, 7, 0, "Depth of the duty cycle"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &wpsFields() {
+    static const std::vector<Field> fields = {
+        flag("enabled", AT(S, record.wpsEnable), false, "Wi-Fi Protected Setup on this SSID"),
+        flag("configured", AT(S, record.wpsConfigured), true, "The network counts as configured"),
+        flag("version2", AT(S, record.wpsVersion2), true, "Protocol version 2"),
+        flag("push_button", AT(S, record.wpsPbcEnable), true, "Push button allowed"),
+        flag("station_pin", AT(S, record.wpsStaPinEnable), true, "Station PIN allowed"),
+        flag("ap_pin", AT(S, record.wpsApPinEnable), false, "PIN of the access point allowed"),
+        number("config_methods", AT(S, record.wpsConfigMethod), 0, 0xffff, 0,
+               "Bit mask of configuration methods; 0 takes the usual ones of the version"),
+        text("device_pin", AT(S, record.wpsDevicePin), kPinRule, "The device's own PIN"),
+        text("uuid", AT(S, record.wpsUuid), kUuidRule, "UUID; made from the radio's address when absent"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &radiusFields() {
+    static const std::vector<Field> fields = {
+        required(text("server", AT(S, record.radiusIpaddr), kAddressRule, "Address of the server")),
+        number("port", AT(S, record.radiusPort), 1, 65535, 1812, "UDP port of the server"),
+        required(text("secret", AT(S, record.radiusKey), kSecretRule, "Shared secret")),
+    };
+    return fields;
+}
+
+const std::vector<Field> &ssidFields() {
+    static const std::vector<Field> fields = {
+        text("ssid", AT(S, record.ssidName), kSsidRule, "Network name"),
+        text("ssid_hex", AT(S, record.ssidName), kSsidHexRule, "Network name that is no UTF-8, in place of ssid"),
+        inverted(flag("disabled", AT(S, record.enable), false, "The SSID is off")),
+        text("ifname", AT(S, record.ifName), kInterfaceRule,
+             "Interface; the radio's own for the first SSID, then wl0.1 and so on when absent"),
+        text("path", AT(S, record.objPath), kPathRule, "Object path; the interface name when absent"),
+        flag("main", AT(S, record.main), false,
+             "This SSID's maxassoc limits the whole radio; the first SSID does when none is marked"),
+        flag("hidden", AT(S, record.hideSsid), false, "Leave the SSID out of beacons"),
+        flag("isolate", AT(S, record.bssIsolation), false, "Stations do not reach each other"),
+        flag("wmf", AT(S, record.multicastFwd), false, "Wireless multicast forwarding"),
+        flag("wmm", AT(S, record.wmm), true, "WMM; the first SSID also decides for the radio"),
+        flag("uapsd", AT(S, record.wmmApsd), true, "WMM power save; the first SSID decides for the radio"),
+        oneOf("encryption", AT(S, security), 0, wordsOf(kSecurityKinds), "Security of the network"),
+        text("key", AT(S, record.wpaPsk), kPskRule, "Passphrase of psk2 and psk-mixed"),
+        text("key_fallback", AT(S, record.wpaPskFallback), kPskRule, "Passphrase used when there is no key"),
+        text("key1", AT(S, record.wepKeys[0]), kWepRule, "WEP key 1"),
+        text("key2", AT(S, record.wepKeys[1]), kWepRule, "WEP key 2"),
+        text("key3", AT(S, record.wepKeys[2]), kWepRule, "WEP key 3"),
+        text("key4", AT(S, record.wepKeys[3]), kWepRule, "WEP key 4"),
+        number("wep_default_key", AT(S, record.defaultKeyId), 1, 4, 1, "Number of the WEP key to send with"),
+        number("ieee80211w", AT(S, record.protectMF), 0, 2, 0, "Management frame protection: off, optional, required"),
+        number("wpa_group_rekey", AT(S, record.rekeyInterval), 0, kMonth, 3600,
+               "Group key lifetime in seconds, 0 none"),
+        number("eap_reauth_period", AT(S, record.netReauth), 0, kMonth, 36000, "RADIUS re-authentication in seconds"),
+        flag("rsn_preauth", AT(S, record.preauth), false, "WPA2 pre-authentication"),
+        number("maxassoc", AT(S, record.maxSta), 1, 512, 128, "Most stations at a time"),
+        choice("macfilter", AT(S, record.macFilterMode), "",
+               {{"disable", 0, ""}, {"deny", 1, "DENY"}, {"allow", 2, "ALLOW"}}, "What maclist means"),
+        list("maclist", AT(S, record.macFilterList), 85, kMacRule, "Stations of the MAC filter"),
+        text("network", AT(S, record.bridge), kInterfaceRule, "Bridge that the interface joins: a LAN group"),
+        number("limit_up", AT(S, record.upstreamRate), 0, 10000000, 0, "Limit from the stations in kbit/s, 0 none"),
+        number("limit_down", AT(S, record.downstreamRate), 0, 10000000, 0, "Limit to the stations in kbit/s, 0 none"),
+        oneOf("preset", AT(S, record.presetRole), 0, {{"none", 0}, {"on-demand", 1}, {"announcer", 2}},
+              "on-demand: down until switched on; announcer: announces channel switches before a reload"),
+        nested("wps", Kind::group, 0, 0, wpsFields(), "Wi-Fi Protected Setup, on the radio's first SSID"),
+        nested("radius", Kind::group, 0, 0, radiusFields(), "RADIUS server of wpa2"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &radioFields() {
+    static const std::vector<Word> kRifs = {{"off", 0}, {"auto", -1}};
+    static const std::vector<Field> fields = {
+        required(text("name", AT(R, record.ifName), kInterfaceRule, "Interface of the radio, such as wl0")),
+        inverted(flag("disabled", AT(R, record.radioOn), false, "The radio is off")),
+        number("index", AT(R, record.radioIndex), 1, 127, 0, "Number of the radio from 1; from its name when absent"),
+        oneOf("band", AT(R, record.band), 0, {{"2g", 2}, {"5g", 1}}, "Band, when the file is to be checked against it"),
+        number("channel", AT(R, record.channel), 1, 165, 0, "Control channel", {{"auto", 0}}),
+        oneOf("htmode", AT(R, htmode), 0, wordsOf(kHtModes), "Channel width"),
+        oneOf("hwmode", AT(R, record.wirelessMode), -1, wordsOf(kHwModes),
+              "802.11 modes admitted; those that fit band and htmode when absent"),
+        required(text("country", AT(R, record.countryCode), kCountryRule, "Regulatory country")),
+        oneOf("regmode", AT(R, record.regMode), 0, {{"off", 0}, {"h", 1}, {"d", 2}}, "802.11h or 802.11d"),
+        number("dfs_preism", AT(R, record.dfsPreIsm), -1, 99, -1, "Seconds of listening before use, -1 the driver's"),
+        number("dfs_postism", AT(R, record.dfsPostIsm), -1, 99, -1, "Seconds of listening after use, -1 the driver's"),
+        number("tpc_db", AT(R, record.tpcDb), 0, 63, 0, "Power reduction of 802.11h in dB"),
+        number("txpower", AT(R, record.txPower), 1, 100, 100, "Transmit power in percent"),
+        number("beacon_int", AT(R, record.beaconPeriod), 20, 1024, 100, "Beacon interval in time units"),
+        number("dtim_period", AT(R, record.dtimPeriod), 1, 255, 3, "DTIM period in beacons"),
+        number("rts", AT(R, record.rtsThreshold), 1, 2347, 2347, "RTS threshold in bytes"),
+        number("frag", AT(R, record.fragThreshold), 256, 2346, 2346, "Fragmentation threshold in bytes"),
+        number("rate", AT(R, record.rate), 0, 54000000, 0, "Fixed legacy rate in the driver's unit; needs mcs"),
+        number("mcs", AT(R, record.mcs), 0, 32, -1, "Fixed MCS index", {{"auto", -1}}),
+        number("mcast_rate", AT(R, record.multicastRate), 0, 54000000, 0,
+               "Multicast rate in the driver's unit, 0 automatic"),
+        number("acs_scan_timer", AT(R, record.acsScanTimer), 0, kMonth, 900, "Seconds between automatic channel scans"),
+        number("acs_policy", AT(R, record.acsPolicyIndex), 0, 255, 0, "Policy of the channel selection daemon"),
+        numbers("acs_exclude", AT(R, record.acsSkipList), 50, ',', "Channels that automatic selection skips"),
+        flag("frameburst", AT(R, record.frameBurst), true, "Frame bursting"),
+        flag("atf", AT(R, record.atfEnable), false, "Airtime fairness"),
+        flag("beamforming", AT(R, beamforming), true, "Transmit beamforming; false overrules the next three"),
+        flag("su_beamformer", AT(R, record.txbfBfr), true, "Send beamformed"),
+        flag("su_beamformee", AT(R, record.txbfBfe), true, "Help others to beamform"),
+        flag("mu_beamforming", AT(R, record.txbfMu), false, "Multi-user beamforming"),
+        flag("coexistence", AT(R, record.apCoex), true, "20/40 MHz coexistence"),
+        oneOf("bg_protection", AT(R, record.bgProtection), 1, {{"auto", 1}, {"off", 2}},
+              "Protection of 802.11b stations"),
+        flag("ht_protection", AT(R, record.htProtect), true, "Protection of stations without 802.11n"),
+        oneOf("preamble", AT(R, record.txPreamble), 1, {{"long", 0}, {"auto", 1}}, "802.11b preamble"),
+        oneOf("rifs", AT(R, record.rifsAdv), -1, kRifs, "RIFS advertisement"),
+        number("interference", AT(R, record.interferenceMode), -1, 4, -1, "Interference mitigation, -1 the driver's"),
+        choice("wds_mode", AT(R, record.wdsMode), "ap", {{"ap", 0, "ap"}, {"wds", 1, "wds"}},
+               "Access point or bridge link"),
+        flag("lazywds", AT(R, record.lazyWds), false, "Accept any WDS peer"),
+        list("wds_peers", AT(R, record.wdsMacList), 4, kMacRule, "WDS peers"),
+        nested("rxchain_pwrsave", Kind::group, 0, 0, rxChainFields(), "Receive-chain power save"),
+        nested("radio_pwrsave", Kind::group, 0, 0, radioPwrsaveFields(), "Radio power save"),
+        choice("phytype", AT(R, record.phyType), "",
+               {{"a", 0, "a"}, {"b", 0, "b"}, {"g", 0, "g"}, {"n", 0, "n"}, {"v", 0, "v"}},
+               "PHY letter; the driver's when absent"),
+        mac("macaddr", AT(R, record.baseMac), "Base of the BSS addresses; the radio's own when absent"),
+        nested("ssids", Kind::records, 0, WLBRCM_MAX_BSS, ssidFields(),
+               "Networks; the first is the radio's own interface"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &groupFields() {
+    static const std::vector<Field> fields = {
+        required(text("name", AT(GroupFields, name), kInterfaceRule, "Bridge")),
+        text("macaddr", AT(GroupFields, hwaddr), kMacRule, "Address of the bridge; the system's when absent"),
+        list("ports", AT(GroupFields, ports), 64, kInterfaceRule,
+             "Member interfaces; the interfaces of SSIDs that name this network join by themselves"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &lanFields() {
+    static const std::vector<Field> fields = {
+        nested("groups", Kind::records, 0, 10, groupFields(), "LAN groups; the first is the main one"),
+    };
+    return fields;
+}
+
+} // namespace
+
+const std::vector<Field> &rootFields() {
+    static const std::vector<Field> fields = {
+        {"$schema", Kind::ignored, 0, 0, "Schema for editors"},
+        nested("lan", Kind::group, 0, 0, lanFields(), "Bridges"),
+        nested("radios", Kind::records, 0, 16, radioFields(), "Radios to bring up; others are left alone"),
+    };
+    return fields;
+}
+
+const Field &fieldAt(const std::vector<std::string> &names) {
+    const Field *field = nullptr;
+    for (const std::string &name : names) {
+        const std::vector<Field> &fields = field ? *field->children : rootFields();
+        auto found = std::find_if(fields.begin(), fields.end(), [&](const Field &f) { return f.name == name; });
+        if (found == fields.end())
+            throw std::logic_error("no field " + name);
+        field = &*found;
+    }
+    return *field;
+}
+
+} // namespace wlhost

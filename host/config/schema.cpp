@@ -1,0 +1,94 @@
+#include "host/config/fields.h"
+
+namespace wlhost {
+namespace {
+
+json objectSchema(const std::vector<Field> &fields);
+
+json wordList(const Field &field) {
+    json words = json::array();
+    for (const Word &word : field.words)
+        words.push_back(word.name);
+    return words;
+}
+
+// The word or number that stands for the initial value; null when the initial value is made from other settings.
+json initialOf(const Field &field) {
+    for (const Word &word : field.words)
+        if (field.kind == Kind::choice ? std::string(word.text) == field.initialText : word.value == field.initial)
+            return word.name;
+    if (field.kind == Kind::flag)
+        return field.initial != 0;
+    bool inRange = field.kind == Kind::number && field.low <= field.initial && field.initial <= field.high;
+    return inRange ? json(field.initial) : json();
+}
+
+json numberSchema(const Field &field) {
+    json range = {{"type", "integer"}, {"minimum", field.low}, {"maximum", field.high}};
+    if (field.words.empty())
+        return range;
+    json words = {{"enum", wordList(field)}};
+    return field.low > field.high ? words : json{{"anyOf", {range, words}}};
+}
+
+json textSchema(const Field &field) { return {{"type", "string"}, {"pattern", field.rule->pattern}}; }
+
+json listSchema(const Field &field) {
+    json items = field.kind == Kind::records ? objectSchema(*field.children)
+                 : field.rule                ? textSchema(field)
+                                             : json{{"type", "integer"}, {"minimum", 1}, {"maximum", 165}};
+    json schema = {{"type", "array"}, {"maxItems", field.high}, {"items", items}};
+    if (field.kind == Kind::list)
+        schema["uniqueItems"] = true;
+    return schema;
+}
+
+json fieldSchema(const Field &field) {
+    switch (field.kind) {
+    case Kind::flag:
+        return {{"type", "boolean"}};
+    case Kind::number:
+        return numberSchema(field);
+    case Kind::choice:
+        return {{"enum", wordList(field)}};
+    case Kind::text:
+    case Kind::mac:
+        return textSchema(field);
+    case Kind::list:
+    case Kind::records:
+        return listSchema(field);
+    case Kind::group:
+        return objectSchema(*field.children);
+    case Kind::ignored:
+        break;
+    }
+    return json::object();
+}
+
+json objectSchema(const std::vector<Field> &fields) {
+    json properties = json::object(), required = json::array();
+    for (const Field &field : fields) {
+        json schema = fieldSchema(field);
+        schema["description"] = field.about;
+        if (json initial = initialOf(field); !initial.is_null())
+            schema["default"] = initial;
+        properties[field.name] = schema;
+        if (field.required)
+            required.push_back(field.name);
+    }
+    json schema = {{"type", "object"}, {"additionalProperties", false}, {"properties", properties}};
+    if (!required.empty())
+        schema["required"] = required;
+    return schema;
+}
+
+} // namespace
+
+json configSchema() {
+    json schema = objectSchema(rootFields());
+    schema["$schema"] = "http://json-schema.org/draft-07/schema#";
+    schema["title"] = "wlhost configuration";
+    return schema;
+}
+
+} // namespace wlhost

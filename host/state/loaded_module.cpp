@@ -1,0 +1,106 @@
+#include "host/state/loaded_module.h"
+
+#include <dlfcn.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "host/base/escape.h"
+#include "host/base/failure.h"
+
+namespace wlhost {
+namespace {
+
+// The registration callbacks carry no context for radios and events, so there is one module in a process.
+Module theModule;
+int logLevel = WLBRCM_LOG_ERR;
+
+int registerModule(WlModuleOps *ops, void *arg) {
+    static_cast<Module *>(arg)->ops = ops;
+    return 0;
+}
+
+int registerIntf(WlIntf *intf, const char *) {
+    theModule.radios.push_back(intf);
+    return 0;
+}
+
+int registerEvents(const char *, WlEvtHandler *handler) {
+    theModule.events = handler;
+    return 0;
+}
+
+__attribute__((format(printf, 5, 6))) void printLog(int level, const char *module, const char *function, int line,
+                                                    const char *format, ...) {
+    if (level > logLevel)
+        return;
+    char message[2048];
+    va_list args;
+    va_start(args, format);
+    int length = vsnprintf(message, sizeof message, format, args);
+    va_end(args);
+    std::string_view text(message, length < 0 ? 0 : strlen(message));
+    while (!text.empty() && text.back() == '\n')
+        text.remove_suffix(1);
+    fprintf(stderr, "%s %s:%d: %s\n", module, function, line, escapeBytes(text).c_str());
+}
+
+template <typename Function> Function *symbol(void *library, const char *name) {
+    return reinterpret_cast<Function *>(dlsym(library, name));
+}
+
+} // namespace
+
+WlIntf *Module::find(const std::string &radio) const {
+    for (WlIntf *intf : radios)
+        if (radio == intf->intfName)
+            return intf;
+    return nullptr;
+}
+
+std::vector<std::string> Module::names() const {
+    std::vector<std::string> all;
+    for (const WlIntf *intf : radios)
+        all.push_back(intf->intfName);
+    return all;
+}
+
+void setLogLevel(int level) { logLevel = level; }
+
+std::string libraryName(const std::string &option) {
+    const char *environment = getenv("WLHOST_LIBRARY");
+    if (!option.empty())
+        return option;
+    return environment && *environment ? environment : "libwlbrcm.so." + std::to_string(WLBRCM_ABI_VERSION);
+}
+
+Module &loadModule(const std::string &library) {
+    void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    if (!handle)
+        throw Failure(kEnvironment, "module", dlerror(), "name the module with --library or WLHOST_LIBRARY");
+    auto *init = symbol<decltype(wlModuleInit)>(handle, "wlModuleInit");
+    if (!init)
+        throw Failure(kEnvironment, library, "has no wlModuleInit", "this library is no module");
+    theModule.library = library;
+    theModule.phyType = symbol<decltype(qvWlanGetPhyType)>(handle, "qvWlanGetPhyType");
+    theModule.checkPin = symbol<decltype(qvWlanWscPincheck)>(handle, "qvWlanWscPincheck");
+    static WlModuleHostOps hostOps = {registerModule, registerIntf, registerEvents, printLog};
+    if (int rc = init(&hostOps, &theModule); rc != 0 || !theModule.ops)
+        throw Failure(kFailed, library, "wlModuleInit returned " + std::to_string(rc),
+                      "see its log with --log-level debug");
+    return theModule;
+}
+
+} // namespace wlhost
+
+int qvUtilStrReplace(char *text, const char *from, const char *to) {
+    if (!text || !from || !to || !*from)
+        return 0;
+    int count = 0;
+    size_t fromLength = strlen(from), toLength = strlen(to);
+    for (char *at = text; (at = strstr(at, from)) != nullptr; at += toLength, ++count)
+        memmove(at + toLength, at + fromLength, strlen(at + fromLength) + 1), memcpy(at, to, toLength);
+    return count;
+}
