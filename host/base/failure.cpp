@@ -2,15 +2,15 @@
 
 namespace wlhost {
 
-const char *statusWord(int status) {
+const char *statusWord(Status status) {
     switch (status) {
-    case kUsage:
+    case Status::kUsage:
         return "usage";
-    case kNotFound:
+    case Status::kNotFound:
         return "not-found";
-    case kTimeout:
+    case Status::kTimeout:
         return "timeout";
-    case kEnvironment:
+    case Status::kEnvironment:
         return "environment";
     default:
         return "failed";

@@ -10,18 +10,18 @@ namespace wlhost {
 
 using nlohmann::json;
 
-/// Exit statuses of every command; the control socket carries them too.
-enum Status { kDone = 0, kFailed = 1, kUsage = 2, kNotFound = 3, kTimeout = 5, kEnvironment = 7 };
+// Exit statuses of every command; the control socket carries them too.
+enum class Status { kDone = 0, kFailed = 1, kUsage = 2, kNotFound = 3, kTimeout = 5, kEnvironment = 7 };
 
-/// Word for a status in machine-readable errors.
-const char *statusWord(int status);
+// Word for a status in machine-readable errors.
+const char *statusWord(Status status);
 
 struct Failure : std::runtime_error {
-    int status;
-    std::string where; ///< radio, interface, file or operation; may be empty
-    std::string hint;  ///< what to do about it; may be empty
+    Status status;
+    std::string where; // radio, interface, file or operation; may be empty
+    std::string hint;  // what to do about it; may be empty
 
-    Failure(int status_, std::string where_, const std::string &text, std::string hint_ = {})
+    Failure(Status status_, std::string where_, const std::string &text, std::string hint_ = {})
         : std::runtime_error(text), status(status_), where(std::move(where_)), hint(std::move(hint_)) {}
 };
 

@@ -62,14 +62,14 @@ json radioArgs(const Values &values) { return {{"radio", values.radio}}; }
 json interfaceArgs(const Values &values) { return {{"interface", values.interface}}; }
 
 struct ClientCommand;
-int callCommand(const ClientCommand &command, const Values &values);
+Status callCommand(const ClientCommand &command, const Values &values);
 
 struct ClientCommand {
-    const char *name, *about; ///< "group name" stands below its group
+    const char *name, *about; // "group name" stands below its group
     void (*options)(CLI::App &, Values &);
     json (*args)(const Values &);
     std::string (*show)(const json &result);
-    int (*call)(const ClientCommand &, const Values &) = callCommand;
+    Status (*call)(const ClientCommand &, const Values &) = callCommand;
 };
 
 json requestOf(const ClientCommand &command, const Values &values) {
@@ -79,7 +79,7 @@ json requestOf(const ClientCommand &command, const Values &values) {
 // The result of an answer; throws what the host could not do.
 json resultOf(const std::string &line) {
     json answer = json::parse(line);
-    if (int status = answer.at("status"); status != kDone) {
+    if (Status status = answer.at("status"); status != Status::kDone) {
         const json &error = answer.at("error");
         auto known = [&](const char *key) { return error[key].is_string() ? error[key].get<std::string>() : ""; };
         throw Failure(status, known("where"), known("text"), known("hint"));
@@ -91,11 +91,11 @@ json ask(const json &request, const Values &values, const std::function<void(int
     return resultOf(callHost(values.socket, request.dump(), values.timeout, tick));
 }
 
-int callCommand(const ClientCommand &command, const Values &values) {
+Status callCommand(const ClientCommand &command, const Values &values) {
     return show(ask(requestOf(command, values), values), values, command.show);
 }
 
-int callScan(const ClientCommand &command, const Values &values) {
+Status callScan(const ClientCommand &command, const Values &values) {
     json result;
     {
         Progress progress;
@@ -108,18 +108,19 @@ int callScan(const ClientCommand &command, const Values &values) {
 }
 
 // What a session that ended means for who waited for it.
-int settle(const json &session, const Values &values) {
+Status settle(const json &session, const Values &values) {
     json result = session["result"];
     if (result == "done")
         return show(session, values, showWps);
     bool timedOut = result == "timed-out" || session["state"] == "running";
-    throw Failure(timedOut ? kTimeout : kFailed, session["radio"].is_string() ? session["radio"] : "wps",
+    throw Failure(timedOut ? Status::kTimeout : Status::kFailed,
+                  session["radio"].is_string() ? session["radio"] : "wps",
                   result == "not-taken" ? "the WPS daemon did not take the session"
                   : timedOut            ? "no station came within the time of the session"
                                         : "the session ended without a station: " + cell(result));
 }
 
-int callSession(const ClientCommand &command, const Values &values) {
+Status callSession(const ClientCommand &command, const Values &values) {
     constexpr int kGrace = 10; // for a daemon whose time runs longer than the host's
     json session = ask(requestOf(command, values), values);
     if (!values.wait)
@@ -136,24 +137,24 @@ int callSession(const ClientCommand &command, const Values &values) {
     return settle(session, values);
 }
 
-int callEvents(const ClientCommand &command, const Values &values) {
+Status callEvents(const ClientCommand &command, const Values &values) {
     ControlClient client(values.socket, requestOf(command, values).dump(), values.timeout);
     resultOf(client.nextLine(values.timeout));
     for (int seen = 0; values.count == 0 || seen < values.count; ++seen) {
         std::string line = client.nextLine(-1);
         std::printf("%s\n", values.json ? line.c_str() : command.show(json::parse(line)).c_str());
         if (std::fflush(stdout) != 0)
-            return kFailed;
+            return Status::kFailed;
     }
-    return kDone;
+    return Status::kDone;
 }
 
 // Without a host there is still this program's own version to tell.
-int callVersion(const ClientCommand &command, const Values &values) {
+Status callVersion(const ClientCommand &command, const Values &values) {
     try {
         return callCommand(command, values);
     } catch (const Failure &failure) {
-        if (failure.status != kEnvironment)
+        if (failure.status != Status::kEnvironment)
             throw;
         json own = {{"host", kHostVersion}, {"abi", WLBRCM_ABI_VERSION}, {"module", nullptr}};
         return show(own, values, showMembers);
@@ -313,9 +314,9 @@ CLI::App *subcommand(CLI::App &app, const ClientCommand &command) {
 
 } // namespace
 
-int show(const json &result, const Values &values, std::string (*text)(const json &)) {
+Status show(const json &result, const Values &values, std::string (*text)(const json &)) {
     std::fputs((values.json ? result.dump(2) + "\n" : text(result)).c_str(), stdout);
-    return kDone;
+    return Status::kDone;
 }
 
 std::string absolutePath(const std::string &path) {

@@ -17,17 +17,17 @@
 namespace wlhost {
 namespace {
 
-int doctor(const Values &values) {
+Status doctor(const Values &values) {
     json rows = examine(libraryName(values.library), values.socket);
     show(rows, values, [](const json &result) {
         return table({{"CHECK", "check"}, {"RESULT", "result"}, {"REQUIRED", "required"}, {"HINT", "hint"}}, result);
     });
     bool lacking = std::any_of(rows.begin(), rows.end(),
                                [](const json &row) { return row["required"] == true && row["result"] != "ok"; });
-    return lacking ? kEnvironment : kDone;
+    return lacking ? Status::kEnvironment : Status::kDone;
 }
 
-int run(const Values &values) {
+Status run(const Values &values) {
     setLogLevel(values.logLevel == "debug"  ? WLBRCM_LOG_DEBUG
                 : values.logLevel == "info" ? WLBRCM_LOG_INFO
                                             : WLBRCM_LOG_ERR);
@@ -64,7 +64,7 @@ void addLocalCommands(CLI::App &app, Values &values, Action &action) {
     schema->callback([&] {
         action = [] {
             std::printf("%s\n", configSchema().dump(2).c_str());
-            return kDone;
+            return Status::kDone;
         };
     });
 }
@@ -75,7 +75,7 @@ bool asksForJson(int argc, char **argv) {
 
 } // namespace
 
-int commandLine(int argc, char **argv) {
+Status commandLine(int argc, char **argv) {
     CLI::App app{"Reference host of the Wi-Fi driver adaptation module"};
     app.name("wlhost");
     app.require_subcommand(1);
@@ -92,16 +92,17 @@ int commandLine(int argc, char **argv) {
         values.socket = socketPath(values.socket);
         return action();
     } catch (const CLI::CallForHelp &help) {
-        return app.exit(help);
+        app.exit(help);
+        return Status::kDone;
     } catch (const CLI::ParseError &error) {
-        printError(Failure(kUsage, "arguments", error.what(), "see wlhost --help"), asksForJson(argc, argv));
-        return kUsage;
+        printError(Failure(Status::kUsage, "arguments", error.what(), "see wlhost --help"), asksForJson(argc, argv));
+        return Status::kUsage;
     } catch (const Failure &failure) {
         printError(failure, values.json);
         return failure.status;
     } catch (const std::exception &error) {
-        printError(Failure(kFailed, "internal", error.what()), values.json);
-        return kFailed;
+        printError(Failure(Status::kFailed, "internal", error.what()), values.json);
+        return Status::kFailed;
     }
 }
 

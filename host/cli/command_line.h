@@ -1,9 +1,10 @@
 // The command line of wlhost.
 #pragma once
 
+#include "host/base/failure.h"
+
 namespace wlhost {
 
-/// @return exit status, see Status.
-int commandLine(int argc, char **argv);
+Status commandLine(int argc, char **argv);
 
 } // namespace wlhost

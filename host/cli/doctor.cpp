@@ -17,7 +17,7 @@ namespace {
 using nlohmann::json;
 
 struct Tool {
-    const char *name; ///< looked up in PATH unless it is a path
+    const char *name; // looked up in PATH unless it is a path
     bool required;
     const char *hint;
 };

@@ -7,7 +7,7 @@
 
 namespace wlhost {
 
-/// Rows of `check`, `result` ("ok", "missing"), `required` and `hint`. Looks and changes nothing.
+// Rows of `check`, `result` ("ok", "missing"), `required` and `hint`. Looks and changes nothing.
 nlohmann::json examine(const std::string &library, const std::string &socket);
 
 } // namespace wlhost

@@ -31,7 +31,7 @@ void onSignal(int number) {
 
 void catchSignals() {
     if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
-        throw Failure(kEnvironment, "pipe", std::strerror(errno));
+        throw Failure(Status::kEnvironment, "pipe", std::strerror(errno));
     struct sigaction action {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
@@ -45,7 +45,7 @@ FILE *takeStdout() {
     int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
     FILE *stream = own < 0 ? nullptr : fdopen(own, "w");
     if (!stream || dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
-        throw Failure(kEnvironment, "stdout", std::strerror(errno));
+        throw Failure(Status::kEnvironment, "stdout", std::strerror(errno));
     setvbuf(stdout, nullptr, _IOLBF, 0); // in order with the log
     return stream;
 }
@@ -82,7 +82,7 @@ void reloadOnSignal(Host &host) {
     }
 }
 
-// Takes the signals that came in. @return false when one of them ends the host.
+// Takes the signals that came in; false when one of them ends the host.
 bool takeSignals(Host &host) {
     char number;
     while (read(signalPipe[0], &number, 1) == 1) {
@@ -100,7 +100,7 @@ void serve(Host &host, ControlServer &server) {
                                    {events ? static_cast<int>(events->sock) : -1, POLLIN, 0}};
         server.addTo(fds);
         if (poll(fds.data(), fds.size(), server.timeout()) < 0 && errno != EINTR)
-            throw Failure(kFailed, "poll", std::strerror(errno));
+            throw Failure(Status::kFailed, "poll", std::strerror(errno));
         if (!takeSignals(host))
             return;
         if (fds[1].revents != 0)
@@ -119,7 +119,7 @@ void report(FILE *out, const json &radios, const RunOptions &options) {
 
 } // namespace
 
-int runHost(const RunOptions &options) {
+Status runHost(const RunOptions &options) {
     // What the file alone can get wrong is known before the module touches a radio.
     Config config = Config::load(options.config);
     FILE *out = takeStdout();
@@ -127,14 +127,14 @@ int runHost(const RunOptions &options) {
     std::unique_ptr<Host> host;
     ControlServer server(options.socket, [&](const std::string &request) {
         json reply = answer(*host, request);
-        return ControlServer::Reply(reply.dump(), reply["status"] == kDone && subscribes(request));
+        return ControlServer::Reply(reply.dump(), reply["status"] == Status::kDone && subscribes(request));
     });
     host = std::make_unique<Host>(loadModule(libraryName(options.library)), std::move(config));
     report(out, host->bringUp(), options);
     if (!options.once)
         serve(*host, server);
     std::fclose(out);
-    return kDone;
+    return Status::kDone;
 }
 
 } // namespace wlhost

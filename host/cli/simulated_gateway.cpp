@@ -18,7 +18,7 @@ namespace {
 std::string realPath(const std::string &path) {
     char resolved[PATH_MAX];
     if (!realpath(path.c_str(), resolved))
-        throw Failure(kUsage, path, std::strerror(errno));
+        throw Failure(Status::kUsage, path, std::strerror(errno));
     return resolved;
 }
 
@@ -28,7 +28,7 @@ std::string launcher() {
     const char *environment = getenv("WLHOST_GATEWAY");
     std::string path = environment && *environment ? environment : WLHOST_GATEWAY;
     if (access(path.c_str(), X_OK) != 0)
-        throw Failure(kEnvironment, path, "the simulated gateway is not there",
+        throw Failure(Status::kEnvironment, path, "the simulated gateway is not there",
                       "name its launcher with WLHOST_GATEWAY");
     return path;
 }
@@ -37,15 +37,15 @@ std::string launcher() {
 std::string shareSocket(const std::string &socket) {
     std::string folder = socket + ".sim";
     if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
-        throw Failure(kEnvironment, folder, std::strerror(errno));
+        throw Failure(Status::kEnvironment, folder, std::strerror(errno));
     struct stat entry;
     if (lstat(folder.c_str(), &entry) != 0 || !S_ISDIR(entry.st_mode) || entry.st_uid != geteuid())
-        throw Failure(kEnvironment, folder, "is not this user's folder", "choose a path with --socket");
+        throw Failure(Status::kEnvironment, folder, "is not this user's folder", "choose a path with --socket");
     std::string target = realPath(folder) + "/wlhost.sock";
     if (lstat(socket.c_str(), &entry) == 0 && S_ISLNK(entry.st_mode))
         unlink(socket.c_str());
     if (symlink(target.c_str(), socket.c_str()) != 0)
-        throw Failure(kEnvironment, socket, std::strerror(errno), "choose a path with --socket");
+        throw Failure(Status::kEnvironment, socket, std::strerror(errno), "choose a path with --socket");
     return folderOf(target);
 }
 
@@ -92,7 +92,7 @@ void runInGateway(const RunOptions &options, const std::string &logLevel) {
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
     execv(arguments[0], arguments.data());
-    throw Failure(kEnvironment, words[0], std::strerror(errno));
+    throw Failure(Status::kEnvironment, words[0], std::strerror(errno));
 }
 
 } // namespace wlhost

@@ -87,7 +87,8 @@ json apRow(const WlIntf &intf, const WlScanAp &ap) {
 
 void checkReport(int rc, const WlIntf &intf) {
     if (rc != 0)
-        throw Failure(kFailed, intf.intfName, "there is no scan report; getChanScanRpt returned " + std::to_string(rc),
+        throw Failure(Status::kFailed, intf.intfName,
+                      "there is no scan report; getChanScanRpt returned " + std::to_string(rc),
                       std::string("scan first: wlhost scan ") + intf.intfName);
 }
 
@@ -108,7 +109,7 @@ json readRates(const WlIntf &intf) {
     std::string path = std::string("/tmp/") + intf.radio.ifName + "DataTxRates.txt";
     std::ifstream file(path);
     if (!file)
-        throw Failure(kFailed, path, "cannot be read");
+        throw Failure(Status::kFailed, path, "cannot be read");
     json found = {{"BasR", nullptr}, {"SupR", nullptr}};
     for (std::string line; std::getline(file, line);) {
         size_t colon = line.rfind(':');
@@ -171,7 +172,7 @@ json rates(Host &host, const json &args) {
     for (WlIntf *intf : radiosArg(host, args)) {
         json items = statusItems(host, *intf, {"DataTransmitRates", "MaxBitRate", "CurRate"});
         if (items["DataTransmitRates"] != "Done")
-            throw Failure(kFailed, intf->intfName, "the driver did not tell its rates", "is the radio up?");
+            throw Failure(Status::kFailed, intf->intfName, "the driver did not tell its rates", "is the radio up?");
         json lists = readRates(*intf);
         rows.push_back({{"radio", intf->intfName},
                         {"max_rate_mbps", unlessZero(items["MaxBitRate"])},
@@ -193,7 +194,8 @@ json load(Host &host, const json &args) {
         int free = INT_MIN;
         Host::check(getLoad(bss.intf->radio.ifName, bss.number(), &free), bss.record().ifName, "getFatIntfInfo");
         if (free == INT_MIN && !all)
-            throw Failure(kFailed, bss.record().ifName, "the driver gave no channel statistics", "is the BSS up?");
+            throw Failure(Status::kFailed, bss.record().ifName, "the driver gave no channel statistics",
+                          "is the BSS up?");
         bool known = free != INT_MIN;
         rows.push_back({{"interface", bss.record().ifName},
                         {"radio", bss.intf->intfName},

@@ -9,7 +9,7 @@ std::string textArg(const json &args, const char *name) {
     if (value == args.end() || value->is_null())
         return "";
     if (!value->is_string())
-        throw Failure(kUsage, name, "is not a text");
+        throw Failure(Status::kUsage, name, "is not a text");
     return value->get<std::string>();
 }
 
@@ -18,7 +18,7 @@ bool flagArg(const json &args, const char *name) {
     if (value == args.end() || value->is_null())
         return false;
     if (!value->is_boolean())
-        throw Failure(kUsage, name, "is not true or false");
+        throw Failure(Status::kUsage, name, "is not true or false");
     return value->get<bool>();
 }
 
@@ -26,7 +26,7 @@ std::vector<std::string> listArg(const json &args, const char *name) {
     std::vector<std::string> list;
     for (const json &value : args.value(name, json::array())) {
         if (!value.is_string())
-            throw Failure(kUsage, name, "holds something that is not a text");
+            throw Failure(Status::kUsage, name, "holds something that is not a text");
         list.push_back(value.get<std::string>());
     }
     return list;
@@ -35,16 +35,16 @@ std::vector<std::string> listArg(const json &args, const char *name) {
 bool switchArg(const json &args, const char *name) {
     std::string state = textArg(args, name);
     if (state != "on" && state != "off")
-        throw Failure(kUsage, state, "is not on or off");
+        throw Failure(Status::kUsage, state, "is not on or off");
     return state == "on";
 }
 
 MacBytes macOf(const std::string &text) {
     auto mac = parseMac(text);
     if (!mac)
-        throw Failure(kUsage, text, "is no MAC address", "six hexadecimal pairs, such as 00:10:18:aa:bb:cc");
+        throw Failure(Status::kUsage, text, "is no MAC address", "six hexadecimal pairs, such as 00:10:18:aa:bb:cc");
     if ((*mac)[0] & 1)
-        throw Failure(kUsage, text, "is a group address");
+        throw Failure(Status::kUsage, text, "is a group address");
     return *mac;
 }
 

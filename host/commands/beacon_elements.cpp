@@ -109,7 +109,7 @@ json beacon(Host &host, const json &args) {
         Host::check(getInfo(bss.intf->radio.ifName, bss.number(), &info), ifname, "getGenIntfInfo");
         rows.push_back(beaconRow(ifname, info));
         if (!all && isEmpty(rows.back()))
-            throw Failure(kFailed, ifname, "the driver gave no beacon", "is the BSS up?");
+            throw Failure(Status::kFailed, ifname, "the driver gave no beacon", "is the BSS up?");
     }
     return rows;
 }

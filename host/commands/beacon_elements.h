@@ -5,7 +5,7 @@
 
 namespace wlhost {
 
-/// What a BSS announces; elements that its beacon lacks are null.
+// What a BSS announces; elements that its beacon lacks are null.
 json beaconRow(const std::string &ifname, const WlIntfInfo &info);
 
 json beacon(Host &host, const json &args);

@@ -16,7 +16,7 @@ namespace {
 struct EventKind {
     int32_t code;
     const char *name;
-    bool describes; ///< the record tells more than who it was
+    bool describes; // the record tells more than who it was
 };
 constexpr EventKind kKinds[] = {{WLBRCM_EVENT_ASSOCIATED, "associated", true},
                                 {WLBRCM_EVENT_DEAUTHENTICATED, "deauthenticated", false},
@@ -54,7 +54,7 @@ json eventRow(const WlEvent &event, uint64_t sequence) {
 
 json followEvents(Host &host, const json &) {
     if (!host.module().events)
-        throw Failure(kFailed, "events", "the module registered no event handler", "is its event port in use?");
+        throw Failure(Status::kFailed, "events", "the module registered no event handler", "is its event port in use?");
     return {{"sequence", host.eventCount}};
 }
 

@@ -5,10 +5,10 @@
 
 namespace wlhost {
 
-/// One event as subscribers get it.
+// One event as subscribers get it.
 json eventRow(const WlEvent &event, uint64_t sequence);
 
-/// Answers a subscription; the events follow as lines of their own.
+// Answers a subscription; the events follow as lines of their own.
 json followEvents(Host &host, const json &args);
 json forward(Host &host, const json &args);
 

@@ -74,7 +74,7 @@ json stationRow(const WlStaInfo &station) {
 json listStations(Host &host, const json &args) {
     std::string order = textArg(args, "sort");
     if (!order.empty() && order != "signal")
-        throw Failure(kUsage, order, "is no order of stations", "signal");
+        throw Failure(Status::kUsage, order, "is no order of stations", "signal");
     bool all = textArg(args, "interface").empty();
     json rows = json::array();
     for (const Host::Bss &bss : bssArg(host, args))
@@ -96,7 +96,8 @@ json kick(Host &host, const json &args) {
         if (row["mac"].is_string())
             present.push_back(row["mac"]);
     if (std::count(present.begin(), present.end(), formatMac(mac)) == 0)
-        throw Failure(kNotFound, formatMac(mac), "is not associated with " + ifname, "associated: " + joined(present));
+        throw Failure(Status::kNotFound, formatMac(mac), "is not associated with " + ifname,
+                      "associated: " + joined(present));
     Host::check(disassociate(ifname.c_str(), formatMac(mac, true).c_str()), ifname, "disassociateSta");
     return {{"interface", ifname}, {"kicked", formatMac(mac)}};
 }

@@ -5,7 +5,7 @@
 
 namespace wlhost {
 
-/// One station as a row; what the driver did not tell is null.
+// One station as a row; what the driver did not tell is null.
 json stationRow(const WlStaInfo &station);
 
 json stationMac(const WlStaInfo &station);

@@ -60,9 +60,10 @@ json sessionState(Host &host) {
 void demandWps(const WlIntf &intf, uint8_t WlSsidCfg::*method, const char *what) {
     const WlSsidCfg &main = intf.bss[0];
     if (!intf.caps.wpsCapable || !intf.radio.radioOn || !main.enable || !main.wpsEnable)
-        throw Failure(kFailed, intf.intfName, "WPS is off", "wps.enabled of the radio's first SSID switches it on");
+        throw Failure(Status::kFailed, intf.intfName, "WPS is off",
+                      "wps.enabled of the radio's first SSID switches it on");
     if (method && !(main.*method))
-        throw Failure(kFailed, intf.intfName, std::string("WPS is configured without ") + what);
+        throw Failure(Status::kFailed, intf.intfName, std::string("WPS is configured without ") + what);
 }
 
 bool takesPushButton(const WlIntf &intf) {
@@ -78,19 +79,20 @@ WlIntf *choose(Host &host, const std::string &radio) {
         if (takesPushButton(*intf) && (!choice || intf->radio.band == WLBRCM_BAND_5G))
             choice = intf;
     if (!choice)
-        throw Failure(kFailed, "wps", "no radio takes a push button", "switch on wps.enabled of its first SSID");
+        throw Failure(Status::kFailed, "wps", "no radio takes a push button",
+                      "switch on wps.enabled of its first SSID");
     return choice;
 }
 
 // One session at a time, and no new one over a result that is not taken: it could not be told from its successor's.
-// @return what the daemon says meanwhile
+// What the daemon says meanwhile.
 json demandIdle(Host &host) {
     json progress = progressOf(host);
     std::string radio = host.wps ? host.wps->radio : "RADIO";
     if (isRunning(progress))
-        throw Failure(kFailed, "wps", "a session is under way", "end it with: wlhost wps cancel " + radio);
+        throw Failure(Status::kFailed, "wps", "a session is under way", "end it with: wlhost wps cancel " + radio);
     if (progress == kSucceeded)
-        throw Failure(kFailed, "wps", "the last session's result has not been taken",
+        throw Failure(Status::kFailed, "wps", "the last session's result has not been taken",
                       "take it with: wlhost wps apply " + radio);
     return progress;
 }
@@ -107,7 +109,7 @@ std::string pinArg(const json &args) {
     std::string pin = textArg(args, "pin");
     bool digits = std::all_of(pin.begin(), pin.end(), [](char c) { return c >= '0' && c <= '9'; });
     if (!digits || (pin.size() != 4 && pin.size() != 8))
-        throw Failure(kUsage, "pin", "is not 4 or 8 digits");
+        throw Failure(Status::kUsage, "pin", "is not 4 or 8 digits");
     return pin;
 }
 
@@ -121,7 +123,7 @@ json wpsPushButton(Host &host, const json &args) {
     bool hardware = flagArg(args, "hardware");
     std::string radio = textArg(args, "radio");
     if (hardware && !radio.empty())
-        throw Failure(kUsage, "wps", "takes a radio or --hardware, one of them");
+        throw Failure(Status::kUsage, "wps", "takes a radio or --hardware, one of them");
     WlIntf &intf = *choose(host, radio);
     demandWps(intf, &WlSsidCfg::wpsPbcEnable, "push button");
     const WlModuleOps &ops = *host.module().ops;
@@ -139,7 +141,7 @@ json wpsPin(Host &host, const json &args) {
     WlIntf &intf = *host.radio(textArg(args, "radio"));
     std::string pin = pinArg(args);
     if (!isValidPin(host, pin))
-        throw Failure(kUsage, "pin", "has a wrong checksum");
+        throw Failure(Status::kUsage, "pin", "has a wrong checksum");
     demandWps(intf, &WlSsidCfg::wpsStaPinEnable, "station PINs");
     auto *start = host.operation(host.module().ops->wpsStartStaPin, "wpsStartStaPin");
     return startSession(host, intf, "pin", "wpsStartStaPin", [&] { return start(&intf, pin.c_str()); });
@@ -148,7 +150,7 @@ json wpsPin(Host &host, const json &args) {
 json wpsCheckPin(Host &host, const json &args) {
     std::string pin = pinArg(args);
     if (!isValidPin(host, pin))
-        throw Failure(kFailed, "pin", "has a wrong checksum");
+        throw Failure(Status::kFailed, "pin", "has a wrong checksum");
     return {{"pin", pin}, {"valid", true}};
 }
 

@@ -10,7 +10,7 @@ json wpsPin(Host &host, const json &args);
 json wpsCheckPin(Host &host, const json &args);
 json wpsCancel(Host &host, const json &args);
 json wpsStatus(Host &host, const json &args);
-/// Takes over what a session agreed on.
+// Takes over what a session agreed on.
 json wpsApply(Host &host, const json &args);
 
 } // namespace wlhost

@@ -20,12 +20,12 @@ struct Config {
     std::vector<GroupFields> lan;
     std::vector<RadioConfig> radios;
 
-    /// Reads and checks a file. Throws a Failure that lists everything wrong with it.
+    // Reads and checks a file. Throws a Failure that lists everything wrong with it.
     static Config load(const std::string &file);
     static Config from(Document document);
 };
 
-/// What a radio is given: exactly the two parts of its record that the host fills.
+// What a radio is given: exactly the two parts of its record that the host fills.
 struct RadioRecords {
     WlRadioCfg radio;
     WlSsidCfg bss[WLBRCM_MAX_BSS];
@@ -33,15 +33,14 @@ struct RadioRecords {
     bool operator==(const RadioRecords &other) const;
 };
 
-/// Checks the configuration of one radio against the radio itself (band, number of BSSs), and completes it with what
-/// only the radio knows.
-/// @param phyType  PHY letter of the driver, or null.
+// Checks the configuration of one radio against the radio itself (band, number of BSSs), and completes it with what
+// only the radio knows. `phyType` is the PHY letter of the driver, or null.
 RadioRecords bindRadio(const Config &config, size_t index, const WlIntf &intf, const char *phyType, Problems &problems);
 
-/// Members of a LAN group: its ports, then the interfaces of the SSIDs that name it.
+// Members of a LAN group: its ports, then the interfaces of the SSIDs that name it.
 std::vector<std::string> lanMembers(const Config &config, const GroupFields &group);
 
-/// 2 of "wl0.2", 0 of the radio's own interface.
+// 2 of "wl0.2", 0 of the radio's own interface.
 int interfaceNumber(const std::string &ifname);
 
 } // namespace wlhost

@@ -160,9 +160,9 @@ Document Document::parse(const std::string &file, const std::string &text) {
     try {
         return {file, text, json::parse(text, TwiceCheck{}, true, true)};
     } catch (const json::exception &error) {
-        throw Failure(kUsage, "", file + ":" + position(error.what()));
+        throw Failure(Status::kUsage, "", file + ":" + position(error.what()));
     } catch (const std::invalid_argument &error) {
-        throw Failure(kUsage, "", file + ": " + error.what());
+        throw Failure(Status::kUsage, "", file + ": " + error.what());
     }
 }
 
@@ -170,9 +170,9 @@ Document Document::load(const std::string &file) {
     std::ifstream stream(file);
     std::ostringstream text;
     if (!stream || !(text << stream.rdbuf()))
-        throw Failure(kUsage, "", file + ": cannot be read, or is empty");
+        throw Failure(Status::kUsage, "", file + ": cannot be read, or is empty");
     if (text.str().size() > kLargestFile)
-        throw Failure(kUsage, "", file + ": larger than 1 MiB");
+        throw Failure(Status::kUsage, "", file + ": larger than 1 MiB");
     return parse(file, text.str());
 }
 
@@ -192,7 +192,7 @@ void Problems::throwIfAny() const {
         all += (i ? "\n" : "") + lines_[i];
     if (lines_.size() > kMostProblems)
         all += "\n... and " + std::to_string(lines_.size() - kMostProblems) + " more";
-    throw Failure(kUsage, "", all);
+    throw Failure(Status::kUsage, "", all);
 }
 
 } // namespace wlhost

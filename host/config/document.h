@@ -12,18 +12,18 @@ namespace wlhost {
 
 using nlohmann::json;
 
-/// Way from the root of a document to one value.
+// Way from the root of a document to one value.
 class Path {
   public:
     struct Step {
         std::string key;
-        int index = -1; ///< element of an array; negative for a member of an object
+        int index = -1; // element of an array; negative for a member of an object
     };
 
     Path operator/(const std::string &key) const;
     Path operator/(size_t index) const;
     const std::vector<Step> &steps() const { return steps_; }
-    /// "radios[0].ssids[2].key"
+    // "radios[0].ssids[2].key"
     std::string text() const;
 
   private:
@@ -35,14 +35,14 @@ struct Document {
     std::string text;
     json root;
 
-    /// Throws a Failure that names file, line and column when the file is missing or no JSON, or a name stands twice.
+    // Throws a Failure that names file, line and column when the file is missing or no JSON, or a name stands twice.
     static Document load(const std::string &file);
     static Document parse(const std::string &file, const std::string &text);
-    /// Line of the value at `path`, or of the nearest thing around it that exists.
+    // Line of the value at `path`, or of the nearest thing around it that exists.
     int lineOf(const Path &path) const;
 };
 
-/// Everything that is wrong with one document, so that the user mends it in one go.
+// Everything that is wrong with one document, so that the user mends it in one go.
 class Problems {
   public:
     explicit Problems(const Document &document) : document_(document) {}

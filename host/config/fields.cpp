@@ -163,38 +163,38 @@ constexpr TextRule kUuidRule{uuidProblem, "32 hexadecimal digits, with or withou
                              "^[0-9A-Fa-f]{8}-?([0-9A-Fa-f]{4}-?){3}[0-9A-Fa-f]{12}$"};
 
 Field flag(const char *name, size_t offset, size_t size, bool initial, const char *about) {
-    return {name, Kind::flag, offset, size, about, 0, -1, initial};
+    return {name, Kind::kFlag, offset, size, about, 0, -1, initial};
 }
 
 Field number(const char *name, size_t offset, size_t size, long low, long high, long initial, const char *about,
              std::vector<Word> words = {}) {
-    return {name, Kind::number, offset, size, about, low, high, initial, false, false, std::move(words)};
+    return {name, Kind::kNumber, offset, size, about, low, high, initial, false, false, std::move(words)};
 }
 
 Field oneOf(const char *name, size_t offset, size_t size, long initial, std::vector<Word> words, const char *about) {
-    return {name, Kind::number, offset, size, about, 0, -1, initial, false, false, std::move(words)};
+    return {name, Kind::kNumber, offset, size, about, 0, -1, initial, false, false, std::move(words)};
 }
 
 Field choice(const char *name, size_t offset, size_t size, const char *initial, std::vector<Word> words,
              const char *about) {
-    return {name, Kind::choice, offset, size, about, 0, -1, 0, false, false, std::move(words), nullptr, initial};
+    return {name, Kind::kChoice, offset, size, about, 0, -1, 0, false, false, std::move(words), nullptr, initial};
 }
 
 Field text(const char *name, size_t offset, size_t size, const TextRule &rule, const char *about,
            const char *initial = "") {
-    return {name, Kind::text, offset, size, about, 0, -1, 0, false, false, {}, &rule, initial};
+    return {name, Kind::kText, offset, size, about, 0, -1, 0, false, false, {}, &rule, initial};
 }
 
 Field mac(const char *name, size_t offset, size_t size, const char *about) {
-    return {name, Kind::mac, offset, size, about, 0, -1, 0, false, false, {}, &kMacRule};
+    return {name, Kind::kMac, offset, size, about, 0, -1, 0, false, false, {}, &kMacRule};
 }
 
 Field list(const char *name, size_t offset, size_t size, long most, const TextRule &rule, const char *about) {
-    return {name, Kind::list, offset, size, about, 0, most, 0, false, false, {}, &rule};
+    return {name, Kind::kList, offset, size, about, 0, most, 0, false, false, {}, &rule};
 }
 
 Field numbers(const char *name, size_t offset, size_t size, long most, char separator, const char *about) {
-    return {name, Kind::list, offset, size, about, 0, most, 0, false, false, {}, nullptr, "", separator};
+    return {name, Kind::kList, offset, size, about, 0, most, 0, false, false, {}, nullptr, "", separator};
 }
 
 Field nested(const char *name, Kind kind, long low, long high, const std::vector<Field> &children, const char *about) {
@@ -297,8 +297,8 @@ const std::vector<Field> &ssidFields() {
         number("limit_down", AT(S, record.downstreamRate), 0, 10000000, 0, "Limit to the stations in kbit/s, 0 none"),
         oneOf("preset", AT(S, record.presetRole), 0, {{"none", 0}, {"on-demand", 1}, {"announcer", 2}},
               "on-demand: down until switched on; announcer: announces channel switches before a reload"),
-        nested("wps", Kind::group, 0, 0, wpsFields(), "Wi-Fi Protected Setup, on the radio's first SSID"),
-        nested("radius", Kind::group, 0, 0, radiusFields(), "RADIUS server of wpa2"),
+        nested("wps", Kind::kGroup, 0, 0, wpsFields(), "Wi-Fi Protected Setup, on the radio's first SSID"),
+        nested("radius", Kind::kGroup, 0, 0, radiusFields(), "RADIUS server of wpa2"),
     };
     return fields;
 }
@@ -348,13 +348,13 @@ const std::vector<Field> &radioFields() {
                "Access point or bridge link"),
         flag("lazywds", AT(R, record.lazyWds), false, "Accept any WDS peer"),
         list("wds_peers", AT(R, record.wdsMacList), 4, kMacRule, "WDS peers"),
-        nested("rxchain_pwrsave", Kind::group, 0, 0, rxChainFields(), "Receive-chain power save"),
-        nested("radio_pwrsave", Kind::group, 0, 0, radioPwrsaveFields(), "Radio power save"),
+        nested("rxchain_pwrsave", Kind::kGroup, 0, 0, rxChainFields(), "Receive-chain power save"),
+        nested("radio_pwrsave", Kind::kGroup, 0, 0, radioPwrsaveFields(), "Radio power save"),
         choice("phytype", AT(R, record.phyType), "",
                {{"a", 0, "a"}, {"b", 0, "b"}, {"g", 0, "g"}, {"n", 0, "n"}, {"v", 0, "v"}},
                "PHY letter; the driver's when absent"),
         mac("macaddr", AT(R, record.baseMac), "Base of the BSS addresses; the radio's own when absent"),
-        nested("ssids", Kind::records, 0, WLBRCM_MAX_BSS, ssidFields(),
+        nested("ssids", Kind::kRecords, 0, WLBRCM_MAX_BSS, ssidFields(),
                "Networks; the first is the radio's own interface"),
     };
     return fields;
@@ -372,7 +372,7 @@ const std::vector<Field> &groupFields() {
 
 const std::vector<Field> &lanFields() {
     static const std::vector<Field> fields = {
-        nested("groups", Kind::records, 0, 10, groupFields(), "LAN groups; the first is the main one"),
+        nested("groups", Kind::kRecords, 0, 10, groupFields(), "LAN groups; the first is the main one"),
     };
     return fields;
 }
@@ -381,9 +381,9 @@ const std::vector<Field> &lanFields() {
 
 const std::vector<Field> &rootFields() {
     static const std::vector<Field> fields = {
-        {"$schema", Kind::ignored, 0, 0, "Schema for editors"},
-        nested("lan", Kind::group, 0, 0, lanFields(), "Bridges"),
-        nested("radios", Kind::records, 0, 16, radioFields(), "Radios to bring up; others are left alone"),
+        {"$schema", Kind::kIgnored, 0, 0, "Schema for editors"},
+        nested("lan", Kind::kGroup, 0, 0, lanFields(), "Bridges"),
+        nested("radios", Kind::kRecords, 0, 16, radioFields(), "Radios to bring up; others are left alone"),
     };
     return fields;
 }

@@ -12,40 +12,40 @@
 
 namespace wlhost {
 
-/// A radio's settings: the module's record and what only the host needs.
+// A radio's settings: the module's record and what only the host needs.
 struct RadioFields {
     WlRadioCfg record;
     int8_t htmode;
     uint8_t beamforming;
 };
 
-/// An SSID's settings.
+// An SSID's settings.
 struct SsidFields {
     WlSsidCfg record;
-    int8_t security; ///< index into securityKinds()
+    int8_t security; // index into securityKinds()
 };
 
-/// A LAN group; its texts are as long as the module's own.
+// A LAN group; its texts are as long as the module's own.
 struct GroupFields {
     char name[16];
     char hwaddr[18];
-    char ports[256]; ///< joined by blanks
+    char ports[256]; // joined by blanks
 };
 
-/// Value of `htmode`, in the order of the words.
+// Value of `htmode`, in the order of the words.
 struct HtMode {
     const char *name;
     uint8_t width;
     int8_t sideband;
     bool vht;
 };
-/// Value of `encryption`, in the order of the words.
+// Value of `encryption`, in the order of the words.
 struct SecurityKind {
     const char *name;
     const char *authMode;
     const char *encryption;
 };
-/// Value of `hwmode`: the module's mode number is the index.
+// Value of `hwmode`: the module's mode number is the index.
 struct HwMode {
     const char *name;
     bool band2g, band5g, ht, vht;
@@ -55,15 +55,15 @@ extern const std::vector<SecurityKind> kSecurityKinds;
 extern const std::vector<HwMode> kHwModes;
 
 enum class Kind {
-    flag,    ///< true or false, into an integer
-    number,  ///< a whole number or one of some words, into an integer
-    choice,  ///< one of some words, into a text
-    text,    ///< checked by a rule
-    mac,     ///< address text, into six bytes
-    list,    ///< array of texts or numbers, into one text
-    group,   ///< object whose members go into the same record
-    records, ///< array of objects with records of their own
-    ignored
+    kFlag,    // true or false, into an integer
+    kNumber,  // a whole number or one of some words, into an integer
+    kChoice,  // one of some words, into a text
+    kText,    // checked by a rule
+    kMac,     // address text, into six bytes
+    kList,    // array of texts or numbers, into one text
+    kGroup,   // object whose members go into the same record
+    kRecords, // array of objects with records of their own
+    kIgnored
 };
 
 struct Word {
@@ -72,12 +72,12 @@ struct Word {
     const char *text = nullptr;
 };
 
-/// What a text must look like.
+// What a text must look like.
 struct TextRule {
-    /// What is wrong with the text ("is 5 characters"), or empty. May bring the text into the record's form.
+    // What is wrong with the text ("is 5 characters"), or empty. May bring the text into the record's form.
     std::string (*problem)(std::string &text);
     const char *allowed;
-    const char *pattern; ///< for the schema
+    const char *pattern; // for the schema
 };
 
 struct Field {
@@ -85,9 +85,9 @@ struct Field {
     Kind kind;
     size_t offset, size;
     const char *about;
-    long low = 0, high = -1; ///< of a number, or of the length of a list; low above high: words only
+    long low = 0, high = -1; // of a number, or of the length of a list; low above high: words only
     long initial = 0;
-    bool inverted = false; ///< flag: true is stored as 0
+    bool inverted = false; // flag: true is stored as 0
     bool required = false;
     std::vector<Word> words = {};
     const TextRule *rule = nullptr;
@@ -96,21 +96,21 @@ struct Field {
     const std::vector<Field> *children = nullptr;
 };
 
-/// Settings of the whole file, down to every record.
+// Settings of the whole file, down to every record.
 const std::vector<Field> &rootFields();
-/// The row behind a chain of names, such as {"radios", "ssids"}.
+// The row behind a chain of names, such as {"radios", "ssids"}.
 const Field &fieldAt(const std::vector<std::string> &names);
 
-/// What a field may be, for a message: `20 to 1024`.
+// What a field may be, for a message: `20 to 1024`.
 std::string allowedText(const Field &field);
-/// Clears a record to its initial values and reads the members of `node` into it; members of kind `records` are left
-/// to the caller. `node` that is no object is a problem, too.
+// Clears a record to its initial values and reads the members of `node` into it; members of kind kRecords are left
+// to the caller. `node` that is no object is a problem, too.
 void readRecord(const json &node, const Path &path, const std::vector<Field> &fields, void *record, size_t size,
                 Problems &problems);
-/// A value as a message shows it.
+// A value as a message shows it.
 std::string shown(const json &value);
 
-/// The JSON schema of the file, from the same rows.
+// The JSON schema of the file, from the same rows.
 json configSchema();
 
 } // namespace wlhost

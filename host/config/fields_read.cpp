@@ -85,7 +85,7 @@ std::string readText(const Field &field, const json &value, void *record) {
     std::string problem = field.rule->problem(text);
     if (!problem.empty())
         return problem;
-    if (field.kind == Kind::mac)
+    if (field.kind == Kind::kMac)
         std::memcpy(static_cast<char *>(record) + field.offset, parseMac(text)->data(), sizeof(MacBytes));
     else
         storeText(field, record, text);
@@ -135,13 +135,13 @@ void readList(const Field &field, const json &value, const Path &path, void *rec
 
 void setInitial(const std::vector<Field> &fields, void *record) {
     for (const Field &field : fields) {
-        if (field.kind == Kind::flag)
+        if (field.kind == Kind::kFlag)
             storeNumber(field, record, (field.initial != 0) != field.inverted);
-        else if (field.kind == Kind::number)
+        else if (field.kind == Kind::kNumber)
             storeNumber(field, record, field.initial);
-        else if (field.kind == Kind::choice || field.kind == Kind::text)
+        else if (field.kind == Kind::kChoice || field.kind == Kind::kText)
             storeText(field, record, field.initialText);
-        else if (field.kind == Kind::group)
+        else if (field.kind == Kind::kGroup)
             setInitial(*field.children, record);
     }
 }
@@ -152,28 +152,28 @@ void readMembers(const json &node, const Path &path, const std::vector<Field> &f
 void readValue(const Field &field, const json &value, const Path &path, void *record, Problems &problems) {
     std::string problem;
     switch (field.kind) {
-    case Kind::flag:
+    case Kind::kFlag:
         problem = readFlag(field, value, record);
         break;
-    case Kind::number:
+    case Kind::kNumber:
         problem = readNumber(field, value, record);
         break;
-    case Kind::choice:
+    case Kind::kChoice:
         problem = readChoice(field, value, record);
         break;
-    case Kind::text:
-    case Kind::mac:
+    case Kind::kText:
+    case Kind::kMac:
         problem = readText(field, value, record);
         break;
-    case Kind::list:
+    case Kind::kList:
         return readList(field, value, path, record, problems);
-    case Kind::group:
+    case Kind::kGroup:
         return readMembers(value, path, *field.children, record, problems);
-    case Kind::records:
+    case Kind::kRecords:
         if (!value.is_array() || value.size() > static_cast<size_t>(field.high))
             problem = value.is_array() ? "has " + std::to_string(value.size()) + " entries" : "is not a list";
         break;
-    case Kind::ignored:
+    case Kind::kIgnored:
         break;
     }
     if (!problem.empty())
@@ -214,22 +214,22 @@ std::string shown(const json &value) {
 
 std::string allowedText(const Field &field) {
     switch (field.kind) {
-    case Kind::flag:
+    case Kind::kFlag:
         return "true or false";
-    case Kind::number: {
+    case Kind::kNumber: {
         std::string words = joined(namesOf(field.words), "");
         if (field.low > field.high)
             return "one of " + words;
         std::string range = std::to_string(field.low) + " to " + std::to_string(field.high);
         return words.empty() ? range : range + ", or " + words;
     }
-    case Kind::choice:
+    case Kind::kChoice:
         return "one of " + joined(namesOf(field.words));
-    case Kind::text:
-    case Kind::mac:
+    case Kind::kText:
+    case Kind::kMac:
         return field.rule->allowed;
-    case Kind::list:
-    case Kind::records:
+    case Kind::kList:
+    case Kind::kRecords:
         return "a list of at most " + std::to_string(field.high);
     default:
         return "an object";

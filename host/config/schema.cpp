@@ -15,11 +15,11 @@ json wordList(const Field &field) {
 // The word or number that stands for the initial value; null when the initial value is made from other settings.
 json initialOf(const Field &field) {
     for (const Word &word : field.words)
-        if (field.kind == Kind::choice ? std::string(word.text) == field.initialText : word.value == field.initial)
+        if (field.kind == Kind::kChoice ? std::string(word.text) == field.initialText : word.value == field.initial)
             return word.name;
-    if (field.kind == Kind::flag)
+    if (field.kind == Kind::kFlag)
         return field.initial != 0;
-    bool inRange = field.kind == Kind::number && field.low <= field.initial && field.initial <= field.high;
+    bool inRange = field.kind == Kind::kNumber && field.low <= field.initial && field.initial <= field.high;
     return inRange ? json(field.initial) : json();
 }
 
@@ -34,32 +34,32 @@ json numberSchema(const Field &field) {
 json textSchema(const Field &field) { return {{"type", "string"}, {"pattern", field.rule->pattern}}; }
 
 json listSchema(const Field &field) {
-    json items = field.kind == Kind::records ? objectSchema(*field.children)
-                 : field.rule                ? textSchema(field)
-                                             : json{{"type", "integer"}, {"minimum", 1}, {"maximum", 165}};
+    json items = field.kind == Kind::kRecords ? objectSchema(*field.children)
+                 : field.rule                 ? textSchema(field)
+                                              : json{{"type", "integer"}, {"minimum", 1}, {"maximum", 165}};
     json schema = {{"type", "array"}, {"maxItems", field.high}, {"items", items}};
-    if (field.kind == Kind::list)
+    if (field.kind == Kind::kList)
         schema["uniqueItems"] = true;
     return schema;
 }
 
 json fieldSchema(const Field &field) {
     switch (field.kind) {
-    case Kind::flag:
+    case Kind::kFlag:
         return {{"type", "boolean"}};
-    case Kind::number:
+    case Kind::kNumber:
         return numberSchema(field);
-    case Kind::choice:
+    case Kind::kChoice:
         return {{"enum", wordList(field)}};
-    case Kind::text:
-    case Kind::mac:
+    case Kind::kText:
+    case Kind::kMac:
         return textSchema(field);
-    case Kind::list:
-    case Kind::records:
+    case Kind::kList:
+    case Kind::kRecords:
         return listSchema(field);
-    case Kind::group:
+    case Kind::kGroup:
         return objectSchema(*field.children);
-    case Kind::ignored:
+    case Kind::kIgnored:
         break;
     }
     return json::object();

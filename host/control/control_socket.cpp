@@ -26,7 +26,7 @@ sockaddr_un addressOf(const std::string &path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.empty() || path.size() >= sizeof address.sun_path)
-        throw Failure(kEnvironment, path, "is no path for a socket", "1 to 107 characters");
+        throw Failure(Status::kEnvironment, path, "is no path for a socket", "1 to 107 characters");
     path.copy(address.sun_path, path.size());
     return address;
 }
@@ -38,7 +38,7 @@ bool connected(int fd, const sockaddr_un &address) {
 Fd newSocket(int flags) {
     Fd fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
     if (fd.get() < 0)
-        throw Failure(kEnvironment, "socket", std::strerror(errno));
+        throw Failure(Status::kEnvironment, "socket", std::strerror(errno));
     return fd;
 }
 
@@ -48,7 +48,8 @@ void removeStale(const std::string &path, const sockaddr_un &address) {
     if (lstat(path.c_str(), &entry) != 0 || !S_ISSOCK(entry.st_mode))
         return;
     if (connected(newSocket(SOCK_NONBLOCK).get(), address) || errno == EAGAIN)
-        throw Failure(kEnvironment, path, "is served by another host", "end that one, or choose a path with --socket");
+        throw Failure(Status::kEnvironment, path, "is served by another host",
+                      "end that one, or choose a path with --socket");
     if (errno == ECONNREFUSED)
         unlink(path.c_str());
 }
@@ -68,7 +69,7 @@ bool waitFor(int fd, short events, std::chrono::steady_clock::time_point deadlin
 }
 
 [[noreturn]] void giveUp(const std::string &path) {
-    throw Failure(kTimeout, path, "the host does not answer", "it may be busy; wait longer with --timeout");
+    throw Failure(Status::kTimeout, path, "the host does not answer", "it may be busy; wait longer with --timeout");
 }
 
 } // namespace
@@ -106,7 +107,8 @@ ControlServer::ControlServer(const std::string &path, Handler handler)
     int reason = errno;
     umask(mask);
     if (rc != 0 || listen(listener_.get(), SOMAXCONN) != 0)
-        throw Failure(kEnvironment, path, std::strerror(rc != 0 ? reason : errno), "choose a path with --socket");
+        throw Failure(Status::kEnvironment, path, std::strerror(rc != 0 ? reason : errno),
+                      "choose a path with --socket");
 }
 
 ControlServer::~ControlServer() { unlink(path_.c_str()); }
@@ -212,7 +214,7 @@ ControlClient::ControlClient(const std::string &path, const std::string &request
     : path_(path), fd_(newSocket(0)) {
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
     if (!connected(fd_.get(), addressOf(path)))
-        throw Failure(kEnvironment, path, std::string("no host: ") + std::strerror(errno),
+        throw Failure(Status::kEnvironment, path, std::string("no host: ") + std::strerror(errno),
                       "start one with: wlhost run CONFIG");
     std::string line = request + "\n";
     for (size_t at = 0; at < line.size();) {
@@ -220,7 +222,7 @@ ControlClient::ControlClient(const std::string &path, const std::string &request
             giveUp(path);
         ssize_t sent = ::send(fd_.get(), line.data() + at, line.size() - at, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent < 0 && !wouldBlock())
-            throw Failure(kFailed, path, "the host closed the connection");
+            throw Failure(Status::kFailed, path, "the host closed the connection");
         at += sent > 0 ? static_cast<size_t>(sent) : 0;
     }
 }
@@ -236,7 +238,7 @@ std::string ControlClient::nextLine(int timeoutSeconds, const std::function<void
         }
         searched = input_.size();
         if (searched > kLargestAnswer)
-            throw Failure(kFailed, path_, "the answer is too long");
+            throw Failure(Status::kFailed, path_, "the answer is too long");
         if (!waitFor(fd_.get(), POLLIN, next)) {
             if (timeoutSeconds >= 0 && waited >= timeoutSeconds)
                 giveUp(path_);
@@ -249,7 +251,7 @@ std::string ControlClient::nextLine(int timeoutSeconds, const std::function<void
         char buffer[16384];
         ssize_t length = recv(fd_.get(), buffer, sizeof buffer, MSG_DONTWAIT);
         if (length == 0 || (length < 0 && !wouldBlock()))
-            throw Failure(kFailed, path_, "the host closed the connection");
+            throw Failure(Status::kFailed, path_, "the host closed the connection");
         input_.append(buffer, length > 0 ? static_cast<size_t>(length) : 0);
     }
 }

@@ -11,7 +11,7 @@
 
 namespace wlhost {
 
-/// A file descriptor that is closed with its owner.
+// A file descriptor that is closed with its owner.
 class Fd {
   public:
     explicit Fd(int fd = -1) : fd_(fd) {}
@@ -25,33 +25,33 @@ class Fd {
     int fd_;
 };
 
-/// Path by option, else by environment, else the default.
+// Path by option, else by environment, else the default.
 std::string socketPath(const std::string &option);
 
-/// The host's end. Never blocks: a client that is slow, silent or gone costs nothing but its own connection.
+// The host's end. Never blocks: a client that is slow, silent or gone costs nothing but its own connection.
 class ControlServer {
   public:
     struct Reply {
         std::string line;
-        bool subscribed; ///< the connection stays open for what is published
+        bool subscribed; // the connection stays open for what is published
         Reply(std::string line_, bool subscribed_ = false) : line(std::move(line_)), subscribed(subscribed_) {}
     };
     using Handler = std::function<Reply(const std::string &request)>;
 
-    /// Throws a Failure with status 7 when the socket cannot be had, also when another host serves it.
+    // Throws a Failure with status 7 when the socket cannot be had, also when another host serves it.
     ControlServer(const std::string &path, Handler handler);
     ~ControlServer();
     ControlServer(const ControlServer &) = delete;
     ControlServer &operator=(const ControlServer &) = delete;
 
-    /// Adds what it waits for.
+    // Adds what it waits for.
     void addTo(std::vector<pollfd> &fds) const;
-    /// Accepts, reads, answers; drops connections that are through or too old.
+    // Accepts, reads, answers; drops connections that are through or too old.
     void serve();
     bool hasSubscribers() const;
-    /// Queues a line for every subscriber; serve() sends. A subscriber that reads too slowly is dropped.
+    // Queues a line for every subscriber; serve() sends. A subscriber that reads too slowly is dropped.
     void publish(const std::string &line);
-    /// Milliseconds until the oldest connection is dropped; -1 without connections.
+    // Milliseconds until the oldest connection is dropped; -1 without connections.
     int timeout() const;
 
   private:
@@ -64,7 +64,7 @@ class ControlServer {
     };
 
     void accept();
-    /// False when the connection is through.
+    // False when the connection is through.
     bool advance(Connection &connection);
     bool receive(Connection &connection);
     static short interestOf(const Connection &connection);
@@ -77,14 +77,13 @@ class ControlServer {
     std::vector<Connection> connections_;
 };
 
-/// A client's end: one request, and the lines that come back. Throws status 7 without a host.
+// A client's end: one request, and the lines that come back. Throws status 7 without a host.
 class ControlClient {
   public:
     ControlClient(const std::string &path, const std::string &request, int timeoutSeconds);
 
-    /// The next line, without its line feed. Throws status 5 when none comes in time.
-    /// @param timeoutSeconds  negative to wait for ever.
-    /// @param tick  called once a second while it waits, with the seconds waited; may be empty.
+    // The next line, without its line feed. Throws status 5 when none comes in time.
+    // A negative timeout waits for ever. `tick` may be empty; it is called once a second with the seconds waited.
     std::string nextLine(int timeoutSeconds, const std::function<void(int)> &tick = {});
 
   private:
@@ -92,7 +91,7 @@ class ControlClient {
     Fd fd_;
 };
 
-/// Sends a request and returns the answer.
+// Sends a request and returns the answer.
 std::string callHost(const std::string &path, const std::string &request, int timeoutSeconds,
                      const std::function<void(int)> &tick = {});
 

@@ -53,16 +53,17 @@ json filter(Host &host, const json &args) {
     if (mode.empty() && stations.empty())
         return filterState(host, bss);
     if (mode != "deny" && mode != "allow" && mode != "off")
-        throw Failure(kUsage, mode, "is no filter mode", "deny, allow or off");
+        throw Failure(Status::kUsage, mode, "is no filter mode", "deny, allow or off");
     if (mode == "off" && !stations.empty())
-        throw Failure(kUsage, mode, "takes no stations");
+        throw Failure(Status::kUsage, mode, "takes no stations");
     std::vector<std::string> list;
     for (const std::string &station : stations)
         if (std::string mac = formatMac(macOf(station), true); std::count(list.begin(), list.end(), mac) == 0)
             list.push_back(mac);
     size_t most = static_cast<size_t>(fieldAt({"radios", "ssids", "maclist"}).high);
     if (list.size() > most)
-        throw Failure(kUsage, "filter", std::to_string(list.size()) + " stations", "at most " + std::to_string(most));
+        throw Failure(Status::kUsage, "filter", std::to_string(list.size()) + " stations",
+                      "at most " + std::to_string(most));
 
     auto *stationFilter = host.operation(host.module().ops->stationFilter, "stationFilter");
     WlSsidCfg &record = bss.record();
@@ -78,34 +79,34 @@ json filter(Host &host, const json &args) {
     return filterState(host, bss);
 }
 
-enum BanCommand { kClear = 0, kDeny = 1, kReadmit = 2 };
+enum class BanCommand { kClear = 0, kDeny = 1, kReadmit = 2 };
 
 json setBan(Host &host, const json &args, BanCommand command) {
     Host::Bss bss = host.bss(textArg(args, "interface"));
     std::string ifname = bss.record().ifName;
-    MacBytes mac = command == kClear ? MacBytes{} : macOf(textArg(args, "station"));
+    MacBytes mac = command == BanCommand::kClear ? MacBytes{} : macOf(textArg(args, "station"));
     auto *bsaMacFilter = host.operation(host.module().ops->bsaMacFilter, "bsaMacFilter");
     std::set<std::string> &bans = host.bans[ifname];
-    if (command == kReadmit && bans.count(formatMac(mac)) == 0)
-        throw Failure(kNotFound, formatMac(mac), "is not banned on " + ifname,
+    if (command == BanCommand::kReadmit && bans.count(formatMac(mac)) == 0)
+        throw Failure(Status::kNotFound, formatMac(mac), "is not banned on " + ifname,
                       "banned: " + joined({bans.begin(), bans.end()}));
-    Host::check(bsaMacFilter(ifname.c_str(), command, mac.data()), ifname, "bsaMacFilter");
-    if (command == kClear)
+    Host::check(bsaMacFilter(ifname.c_str(), static_cast<int>(command), mac.data()), ifname, "bsaMacFilter");
+    if (command == BanCommand::kClear)
         bans.clear();
-    else if (command == kDeny)
+    else if (command == BanCommand::kDeny)
         bans.insert(formatMac(mac));
     else
         bans.erase(formatMac(mac));
     return filterState(host, bss);
 }
 
-json ban(Host &host, const json &args) { return setBan(host, args, kDeny); }
+json ban(Host &host, const json &args) { return setBan(host, args, BanCommand::kDeny); }
 
 json unban(Host &host, const json &args) {
     bool all = flagArg(args, "all");
     if (all != textArg(args, "station").empty())
-        throw Failure(kUsage, "unban", "takes a station or --all, one of them");
-    return setBan(host, args, all ? kClear : kReadmit);
+        throw Failure(Status::kUsage, "unban", "takes a station or --all, one of them");
+    return setBan(host, args, all ? BanCommand::kClear : BanCommand::kReadmit);
 }
 
 json preset(Host &host, const json &args) {
@@ -117,7 +118,7 @@ json preset(Host &host, const json &args) {
         if (bss.record().presetRole == WLBRCM_PRESET_ON_DEMAND)
             presets.push_back(bss.record().ifName);
     if (record.presetRole != WLBRCM_PRESET_ON_DEMAND)
-        throw Failure(kNotFound, ifname, "is no on-demand SSID", "on demand: " + joined(presets));
+        throw Failure(Status::kNotFound, ifname, "is no on-demand SSID", "on demand: " + joined(presets));
     auto *enablePreset = host.operation(host.module().ops->enablePresetSsid, "enablePresetSsid");
     Host::check(enablePreset(ifname.c_str(), on), ifname, "enablePresetSsid");
     host.presets[ifname] = on;
@@ -184,11 +185,11 @@ json run(Host &host, const json &request) {
     std::string name = request.is_object() ? textArg(request, "command") : "";
     json args = request.is_object() ? request.value("args", json::object()) : json::object();
     if (!args.is_object())
-        throw Failure(kUsage, "args", "is not an object");
+        throw Failure(Status::kUsage, "args", "is not an object");
     for (const Command &command : kCommands)
         if (name == command.name)
             return command.run(host, args);
-    throw Failure(kUsage, name, "is no command");
+    throw Failure(Status::kUsage, name, "is no command");
 }
 
 } // namespace
@@ -200,11 +201,11 @@ bool subscribes(const std::string &request) {
 
 json answer(Host &host, const std::string &request) {
     try {
-        return {{"status", kDone}, {"result", run(host, json::parse(request))}};
+        return {{"status", Status::kDone}, {"result", run(host, json::parse(request))}};
     } catch (const Failure &failure) {
         return {{"status", failure.status}, {"error", errorOf(failure)}};
     } catch (const json::exception &error) {
-        return {{"status", kUsage}, {"error", errorOf(Failure(kUsage, "request", error.what()))}};
+        return {{"status", Status::kUsage}, {"error", errorOf(Failure(Status::kUsage, "request", error.what()))}};
     }
 }
 

@@ -10,14 +10,14 @@ namespace wlhost {
 class Host;
 using nlohmann::json;
 
-/// Version of wlhost itself.
+// Version of wlhost itself.
 extern const char *const kHostVersion;
 
-/// Answers one request `{"command": ..., "args": {...}}` with `{"status": 0, "result": ...}` or
-/// `{"status": 3, "error": {"code", "where", "text", "hint"}}`. Never throws.
+// Answers one request `{"command": ..., "args": {...}}` with `{"status": 0, "result": ...}` or
+// `{"status": 3, "error": {"code", "where", "text", "hint"}}`. Never throws.
 json answer(Host &host, const std::string &request);
 
-/// Whether a request asks for events as they come, behind its answer.
+// Whether a request asks for events as they come, behind its answer.
 bool subscribes(const std::string &request);
 
 } // namespace wlhost

@@ -21,9 +21,9 @@ std::string showRates(const json &result);
 std::string showLoad(const json &result);
 std::string showBeacon(const json &result);
 std::string showWps(const json &result);
-/// An object as lines of name and value.
+// An object as lines of name and value.
 std::string showMembers(const json &result);
-/// One line, without its end.
+// One line, without its end.
 std::string showEvent(const json &event);
 
 } // namespace wlhost

@@ -16,17 +16,17 @@ struct Column {
     const char *title;
     const char *key;
     bool rightAligned = false;
-    std::string (*format)(const json &value) = nullptr; ///< instead of cell()
+    std::string (*format)(const json &value) = nullptr; // instead of cell()
 };
 
-/// Rows as aligned columns under their titles; unknown values are "-".
+// Rows as aligned columns under their titles; unknown values are "-".
 std::string table(const std::vector<Column> &columns, const json &rows);
-/// One value as a person reads it.
+// One value as a person reads it.
 std::string cell(const json &value);
-/// Columns that a text takes on a terminal: code points of its UTF-8.
+// Columns that a text takes on a terminal: code points of its UTF-8.
 size_t displayWidth(const std::string &text);
 
-/// What is under way, on stderr: one line that changes on a terminal, else a line every ten seconds.
+// What is under way, on stderr: one line that changes on a terminal, else a line every ten seconds.
 class Progress {
   public:
     Progress() = default;
@@ -39,7 +39,7 @@ class Progress {
     bool shown_ = false;
 };
 
-/// Prints an error: the document on stdout with `asJson`, else lines on stderr.
+// Prints an error: the document on stdout with `asJson`, else lines on stderr.
 void printError(const json &error, bool asJson);
 void printError(const Failure &failure, bool asJson);
 

@@ -30,7 +30,7 @@ json settled(const json &outcomes) {
         if (one["result"] != 0)
             failed.push_back(one["radio"].get<std::string>() + " (" + one["result"].dump() + ")");
     if (!failed.empty())
-        throw Failure(kFailed, "radios", "the module could not configure " + joined(failed), "see its log");
+        throw Failure(Status::kFailed, "radios", "the module could not configure " + joined(failed), "see its log");
     return outcomes;
 }
 
@@ -92,12 +92,12 @@ std::vector<Host::Planned> Host::bindAll(const Config &config) const {
 }
 
 void Host::missingOperation(const char *name) {
-    throw Failure(kFailed, name, std::string("the module does not offer ") + name);
+    throw Failure(Status::kFailed, name, std::string("the module does not offer ") + name);
 }
 
 void Host::check(int rc, const std::string &where, const char *operation) {
     if (rc != 0)
-        throw Failure(kFailed, where, std::string(operation) + " returned " + std::to_string(rc),
+        throw Failure(Status::kFailed, where, std::string(operation) + " returned " + std::to_string(rc),
                       "see the module's log");
 }
 
@@ -132,7 +132,8 @@ json Host::reload(const std::string &radio, const std::string &file, bool all) {
     for (const Planned &planned : plan)
         names.push_back(planned.intf->intfName);
     if (std::none_of(plan.begin(), plan.end(), named))
-        throw Failure(kNotFound, radio, radio.empty() ? "no radio is configured" : "no such radio is configured",
+        throw Failure(Status::kNotFound, radio,
+                      radio.empty() ? "no radio is configured" : "no such radio is configured",
                       "configured: " + joined(names));
 
     auto lan = std::make_unique<LanRecords>(fresh);
@@ -164,7 +165,7 @@ json Host::updateLan(const std::string &file) {
     fresh.radios = config_.radios;
     auto lan = std::make_unique<LanRecords>(fresh);
     if (lan->get()->count == 0)
-        throw Failure(kUsage, file, "has no LAN groups", "give it lan.groups");
+        throw Failure(Status::kUsage, file, "has no LAN groups", "give it lan.groups");
     check(operation(module_.ops->updateLaninfo, "updateLaninfo")(nullptr, nullptr, lan->get()), "lan", "updateLaninfo");
     lan_ = std::move(lan);
     return {{"groups", lan_->describe()}};
@@ -184,7 +185,7 @@ WlIntf *Host::radio(const std::string &name) {
             return intf;
         names.push_back(intf->intfName);
     }
-    throw Failure(kNotFound, name, "no such radio is configured", "configured: " + joined(names));
+    throw Failure(Status::kNotFound, name, "no such radio is configured", "configured: " + joined(names));
 }
 
 std::vector<Host::Bss> Host::allBss() {
@@ -202,7 +203,7 @@ Host::Bss Host::bss(const std::string &ifname) {
             return one;
         names.push_back(one.record().ifName);
     }
-    throw Failure(kNotFound, ifname, "no such BSS is configured", "configured: " + joined(names));
+    throw Failure(Status::kNotFound, ifname, "no such BSS is configured", "configured: " + joined(names));
 }
 
 void Host::noteApplied(WlIntf *intf) {

@@ -13,7 +13,7 @@
 
 namespace wlhost {
 
-/// LAN groups in the module's records, with the storage behind them.
+// LAN groups in the module's records, with the storage behind them.
 class LanRecords {
   public:
     explicit LanRecords(const Config &config);
@@ -22,7 +22,7 @@ class LanRecords {
 
     const WlLanCfg *get() const { return &lan_; }
     json describe() const;
-    /// Whether the configuration asks for the same; the addresses that the system gave meanwhile do not count.
+    // Whether the configuration asks for the same; the addresses that the system gave meanwhile do not count.
     bool sameAs(const LanRecords &other) const { return asked_ == other.asked_; }
 
   private:
@@ -32,65 +32,64 @@ class LanRecords {
     std::vector<std::string> asked_;
 };
 
-/// The WPS session that this host started last. The daemon runs one at a time for all radios.
+// The WPS session that this host started last. The daemon runs one at a time for all radios.
 struct WpsSession {
     std::string radio;
     const char *method;
     std::chrono::steady_clock::time_point started;
-    json before;            ///< progress code that the daemon had left from earlier ones
-    bool ran = false;       ///< the daemon said that it runs
-    bool cancelled = false; ///< by a command
+    json before;            // progress code that the daemon had left from earlier ones
+    bool ran = false;       // the daemon said that it runs
+    bool cancelled = false; // by a command
 };
 
 class Host {
   public:
-    /// Checks the configuration against the radios that exist; throws a Failure when they cannot do it.
+    // Checks the configuration against the radios that exist; throws a Failure when they cannot do it.
     Host(Module &module, Config config);
 
     Module &module() const { return module_; }
     const std::string &configFile() const { return config_.document.file; }
 
-    /// First configuration of every configured radio. @return what became of each.
+    // First configuration of every configured radio; what became of each.
     json bringUp();
-    /// Takes a configuration file over: radios whose settings changed are reloaded.
-    /// @param radio  only this one, changed or not; empty for all.
-    /// @param file  empty for the file in force, which it then becomes.
-    /// @param all  reload unchanged radios as well.
+    // Takes a configuration file over: radios whose settings changed are reloaded.
+    // With `radio` only that one, changed or not; with `all` unchanged ones as well. `file`, unless it is empty,
+    // becomes the one in force.
     json reload(const std::string &radio, const std::string &file, bool all);
-    /// Takes over the LAN groups of a file.
+    // Takes over the LAN groups of a file.
     json updateLan(const std::string &file);
 
-    /// One operation of the module's table. Throws when the module does not offer it.
+    // One operation of the module's table. Throws when the module does not offer it.
     template <typename Slot> Slot operation(Slot slot, const char *name) const {
         if (!slot)
             missingOperation(name);
         return slot;
     }
-    /// Throws when an operation did not return 0.
+    // Throws when an operation did not return 0.
     static void check(int rc, const std::string &where, const char *operation);
 
-    /// One BSS of a configured radio.
+    // One BSS of a configured radio.
     struct Bss {
         WlIntf *intf;
         size_t index;
         WlSsidCfg &record() const { return intf->bss[index]; }
-        /// N of wlX.N, 0 for the radio's own interface: what the module calls the BSS index.
+        // N of wlX.N, 0 for the radio's own interface: what the module calls the BSS index.
         int number() const { return interfaceNumber(record().ifName); }
     };
-    /// A radio that is configured. Throws status 3, naming those that are.
+    // A radio that is configured. Throws status 3, naming those that are.
     WlIntf *radio(const std::string &name);
     std::vector<WlIntf *> configuredRadios();
     Bss bss(const std::string &ifname);
     std::vector<Bss> allBss();
 
-    /// Keeps what the MAC filter or a WPS registration made of a record at run time, so that a reload of the same file
-    /// sees it as a change.
+    // Keeps what the MAC filter or a WPS registration made of a record at run time, so that a reload of the same file
+    // sees it as a change.
     void noteApplied(WlIntf *intf);
 
-    std::map<std::string, std::set<std::string>> bans; ///< addresses denied at run time, by interface
-    std::map<std::string, bool> presets;               ///< on-demand SSIDs that were switched, by interface
+    std::map<std::string, std::set<std::string>> bans; // addresses denied at run time, by interface
+    std::map<std::string, bool> presets;               // on-demand SSIDs that were switched, by interface
     std::optional<WpsSession> wps;
-    uint64_t eventCount = 0; ///< events so far: the sequence number of the last one
+    uint64_t eventCount = 0; // events so far: the sequence number of the last one
 
   private:
     struct Planned {

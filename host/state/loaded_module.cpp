@@ -79,16 +79,16 @@ std::string libraryName(const std::string &option) {
 Module &loadModule(const std::string &library) {
     void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (!handle)
-        throw Failure(kEnvironment, "module", dlerror(), "name the module with --library or WLHOST_LIBRARY");
+        throw Failure(Status::kEnvironment, "module", dlerror(), "name the module with --library or WLHOST_LIBRARY");
     auto *init = symbol<decltype(wlModuleInit)>(handle, "wlModuleInit");
     if (!init)
-        throw Failure(kEnvironment, library, "has no wlModuleInit", "this library is no module");
+        throw Failure(Status::kEnvironment, library, "has no wlModuleInit", "this library is no module");
     theModule.library = library;
     theModule.phyType = symbol<decltype(qvWlanGetPhyType)>(handle, "qvWlanGetPhyType");
     theModule.checkPin = symbol<decltype(qvWlanWscPincheck)>(handle, "qvWlanWscPincheck");
     static WlModuleHostOps hostOps = {registerModule, registerIntf, registerEvents, printLog};
     if (int rc = init(&hostOps, &theModule); rc != 0 || !theModule.ops)
-        throw Failure(kFailed, library, "wlModuleInit returned " + std::to_string(rc),
+        throw Failure(Status::kFailed, library, "wlModuleInit returned " + std::to_string(rc),
                       "see its log with --log-level debug");
     return theModule;
 }

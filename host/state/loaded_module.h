@@ -13,10 +13,10 @@ namespace wlhost {
 struct Free {
     void operator()(void *block) const { std::free(block); }
 };
-/// A block that the module handed out.
+// A block that the module handed out.
 template <typename Record> using Block = std::unique_ptr<Record, Free>;
 
-/// An array that the module hands out, with its count.
+// An array that the module hands out, with its count.
 template <typename Record> class List {
   public:
     List() = default;
@@ -39,29 +39,29 @@ struct Module {
     WlModuleOps *ops = nullptr;
     std::vector<WlIntf *> radios;
     WlEvtHandler *events = nullptr;
-    const char *(*phyType)(const char *ifname) = nullptr; ///< null when the library does not export it
-    int (*checkPin)(const char *pin) = nullptr;           ///< null when the library does not export it
+    const char *(*phyType)(const char *ifname) = nullptr; // null when the library does not export it
+    int (*checkPin)(const char *pin) = nullptr;           // null when the library does not export it
     std::string library;
 
     WlIntf *find(const std::string &radio) const;
-    /// Names of the radios that exist.
+    // Names of the radios that exist.
     std::vector<std::string> names() const;
 };
 
-/// Loads the library and lets it register. The module stays loaded for the life of the process, as its ABI wants.
-/// Throws a Failure with status 7 when there is no such library or it is no module.
+// Loads the library and lets it register. The module stays loaded for the life of the process, as its ABI wants.
+// Throws a Failure with status 7 when there is no such library or it is no module.
 Module &loadModule(const std::string &library);
 
-/// Library by option, else by environment, else by its soname.
+// Library by option, else by environment, else by its soname.
 std::string libraryName(const std::string &option);
 
-/// Most detailed level that the log callback shows: WLBRCM_LOG_ERR, WLBRCM_LOG_INFO or WLBRCM_LOG_DEBUG.
+// Most detailed level that the log callback shows: WLBRCM_LOG_ERR, WLBRCM_LOG_INFO or WLBRCM_LOG_DEBUG.
 void setLogLevel(int level);
 
 } // namespace wlhost
 
 extern "C" {
-/// For the module: replaces every occurrence of `from` in place. The caller's buffer has room for the growth.
-/// @return number of replacements.
+// For the module: replaces every occurrence of `from` in place. The caller's buffer has room for the growth.
+// The number of replacements.
 __attribute__((visibility("default"))) int qvUtilStrReplace(char *text, const char *from, const char *to);
 }

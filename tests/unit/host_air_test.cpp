@@ -92,10 +92,10 @@ TEST_F(HostAir, Stations) {
     EXPECT_EQ(result("stations", {{"interface", "wl0.1"}}), json::array());
     EXPECT_EQ(result("stations").size(), 6u);
     EXPECT_EQ(calls, (Calls{"stations wl0 0", "stations wl0 1", "stations wl0 0", "stations wl0 1", "stations wl1 0"}));
-    EXPECT_EQ(ask("stations", {{"interface", "wl3"}})["status"], kNotFound);
-    EXPECT_EQ(ask("stations", {{"sort", "sig"}})["status"], kUsage);
+    EXPECT_EQ(ask("stations", {{"interface", "wl3"}})["status"], Status::kNotFound);
+    EXPECT_EQ(ask("stations", {{"sort", "sig"}})["status"], Status::kUsage);
     operationResult = -5;
-    EXPECT_EQ(ask("stations")["status"], kFailed) << "a failure is no empty list";
+    EXPECT_EQ(ask("stations")["status"], Status::kFailed) << "a failure is no empty list";
 }
 
 TEST_F(HostAir, KickOfStationsThatAreThere) {
@@ -103,11 +103,11 @@ TEST_F(HostAir, KickOfStationsThatAreThere) {
     EXPECT_EQ(calls.back(), "kick wl0 02:00:00:00:00:0A");
     calls.clear();
     json absent = ask("kick", {{"interface", "wl0"}, {"station", "02:00:00:00:00:0d"}});
-    EXPECT_EQ(absent["status"], kNotFound);
+    EXPECT_EQ(absent["status"], Status::kNotFound);
     EXPECT_EQ(absent["error"]["hint"], "associated: 02:00:00:00:00:0a, 02:00:00:00:00:0b, 02:00:00:00:00:0c");
     EXPECT_EQ(ask("kick", {{"interface", "wl0.1"}, {"station", "02:00:00:00:00:0a"}})["error"]["hint"],
               "associated: none");
-    EXPECT_EQ(ask("kick", {{"interface", "wl0"}, {"station", "02:00"}})["status"], kUsage);
+    EXPECT_EQ(ask("kick", {{"interface", "wl0"}, {"station", "02:00"}})["status"], Status::kUsage);
     EXPECT_EQ(calls, (Calls{"stations wl0 0", "stations wl0 1"}));
 }
 
@@ -173,7 +173,7 @@ TEST_F(HostAir, RatesComeFromTheirFile) {
     EXPECT_TRUE(row["max_rate_mbps"].is_null());
     for (const char *answer : {"Fail", static_cast<const char *>(nullptr)}) {
         ratesDone = answer;
-        EXPECT_EQ(ask("rates", {{"radio", "wl0"}})["status"], kFailed);
+        EXPECT_EQ(ask("rates", {{"radio", "wl0"}})["status"], Status::kFailed);
     }
     ratesDone = "Done";
     std::filesystem::remove("/tmp/wl0DataTxRates.txt");
@@ -186,7 +186,7 @@ TEST_F(HostAir, LoadAndBeaconNameTheBss) {
     EXPECT_EQ(calls, (Calls{"load wl0 1", "load wl0 0", "load wl1 0"}));
     freeAir = INT_MIN;
     EXPECT_TRUE(result("load")[0]["free_percent"].is_null());
-    EXPECT_EQ(ask("load", {{"interface", "wl0"}})["status"], kFailed);
+    EXPECT_EQ(ask("load", {{"interface", "wl0"}})["status"], Status::kFailed);
     EXPECT_EQ(result("beacon", {{"interface", "wl0"}})[0]["capabilities"], (json{"ess", "privacy", "short-slot"}));
     EXPECT_EQ(ask("beacon", {{"interface", "wl0.1"}})["error"]["text"], "the driver gave no beacon");
     EXPECT_TRUE(result("beacon")[1]["capabilities"].is_null());

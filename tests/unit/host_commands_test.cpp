@@ -38,7 +38,7 @@ TEST_F(HostCommands, ReloadsWhatChanged) {
     calls.clear();
     change("/radios/0/channel", 45);
     json refused = ask("reload");
-    EXPECT_EQ(refused["status"], kUsage);
+    EXPECT_EQ(refused["status"], Status::kUsage);
     EXPECT_EQ(intfs_[0].radio.channel, 44);
     EXPECT_EQ(calls, Calls{}) << "a file that is not sound was applied";
 
@@ -56,13 +56,13 @@ TEST_F(HostCommands, FilterOfTheUser) {
     EXPECT_EQ(result("ssids")[0]["filter"], "deny");
     EXPECT_EQ(result("reload")["radios"][0]["action"], "reloaded") << "the file's filter is another one";
     EXPECT_STREQ(intfs_[0].bss[0].macFilterList, "");
-    EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "den"}})["status"], kUsage);
+    EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "den"}})["status"], Status::kUsage);
     EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "off"}, {"stations", {"00:10:18:aa:bb:01"}}})["status"],
-              kUsage);
+              Status::kUsage);
     json many = json::array();
     for (int i = 0; i < 86; ++i)
         many.push_back(formatMac({2, 0, 0, 0, 0, static_cast<uint8_t>(i)}));
-    EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "deny"}, {"stations", many}})["status"], kUsage);
+    EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "deny"}, {"stations", many}})["status"], Status::kUsage);
     many.erase(0);
     EXPECT_EQ(result("filter", {{"interface", "wl0"}, {"mode", "deny"}, {"stations", many}})["stations"], many);
 }
@@ -73,13 +73,13 @@ TEST_F(HostCommands, BansAtRunTime) {
     EXPECT_EQ(result("ban", station)["denied"], json::array({"00:10:18:aa:bb:02"}));
     EXPECT_EQ(result("unban", station)["denied"], json::array());
     json absent = ask("unban", station);
-    EXPECT_EQ(absent["status"], kNotFound);
+    EXPECT_EQ(absent["status"], Status::kNotFound);
     EXPECT_EQ(absent["error"]["code"], "not-found");
     result("unban", {{"interface", "wl0.1"}, {"all", true}});
     EXPECT_EQ(calls, (Calls{"bsa wl0.1 1 00:10:18:aa:bb:02", "bsa wl0.1 2 00:10:18:aa:bb:02",
                             "bsa wl0.1 0 00:00:00:00:00:00"}));
-    EXPECT_EQ(ask("unban", {{"interface", "wl0.1"}})["status"], kUsage);
-    EXPECT_EQ(ask("ban", {{"interface", "wl0.1"}, {"station", "00:10:18"}})["status"], kUsage);
+    EXPECT_EQ(ask("unban", {{"interface", "wl0.1"}})["status"], Status::kUsage);
+    EXPECT_EQ(ask("ban", {{"interface", "wl0.1"}, {"station", "00:10:18"}})["status"], Status::kUsage);
     operationResult = -5;
     EXPECT_EQ(ask("ban", station)["error"]["text"], "bsaMacFilter returned -5");
     EXPECT_EQ(result("filter", {{"interface", "wl0.1"}})["denied"], json::array());
@@ -131,20 +131,20 @@ TEST_F(HostCommands, SsidsKeepTheirBytes) {
 
 TEST_F(HostCommands, EveryErrorHasItsStatusAndPlace) {
     json absent = ask("status", {{"radio", "wl2"}});
-    EXPECT_EQ(absent["status"], kNotFound);
+    EXPECT_EQ(absent["status"], Status::kNotFound);
     EXPECT_EQ(absent["error"], (json{{"code", "not-found"},
                                      {"where", "wl2"},
                                      {"text", "no such radio is configured"},
                                      {"hint", "configured: wl0, wl1"}}));
-    EXPECT_EQ(ask("filter", {{"interface", "wl0; reboot"}})["status"], kNotFound);
+    EXPECT_EQ(ask("filter", {{"interface", "wl0; reboot"}})["status"], Status::kNotFound);
     ops_.enablePresetSsid = nullptr, ops_.reloadWlan = nullptr;
     EXPECT_EQ(ask("preset", {{"interface", "wl0.1"}, {"state", "on"}})["error"]["text"],
               "the module does not offer enablePresetSsid");
-    EXPECT_EQ(ask("reload", {{"all", true}})["status"], kFailed);
+    EXPECT_EQ(ask("reload", {{"all", true}})["status"], Status::kFailed);
     for (const char *request :
          {"", "{", "[]", "null", "{\"command\": 5}", "{\"command\": \"stat\"}",
           "{\"command\": \"status\", \"args\": []}", "{\"command\": \"status\", \"args\": {\"items\": 3}}"})
-        EXPECT_EQ(answer(*host_, request)["status"], kUsage) << request;
+        EXPECT_EQ(answer(*host_, request)["status"], Status::kUsage) << request;
 }
 
 } // namespace

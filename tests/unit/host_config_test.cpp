@@ -24,7 +24,7 @@ std::string problemOf(const std::string &text) {
         Config::from(Document::parse("t", text));
         return "";
     } catch (const Failure &failure) {
-        EXPECT_EQ(failure.status, kUsage);
+        EXPECT_EQ(failure.status, Status::kUsage);
         return failure.what();
     }
 }

@@ -118,10 +118,10 @@ class HostControl : public testing::Test {
         EXPECT_EQ(connect(fd.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
         return fd;
     }
-    int statusOf(const std::string &path, int seconds) {
+    Status statusOf(const std::string &path, int seconds) {
         try {
             callHost(path, "x", seconds);
-            return kDone;
+            return Status::kDone;
         } catch (const Failure &failure) {
             return failure.status;
         }
@@ -150,7 +150,7 @@ TEST_F(HostControl, OddClientsHurtThemselvesOnly) {
     EXPECT_EQ(write(half.get(), "{\"command\"", 10), 10);
     EXPECT_EQ(write(gone.get(), "x\n", 2), 2);
     gone = Fd();
-    EXPECT_EQ(statusOf(path_, 5), kDone);
+    EXPECT_EQ(statusOf(path_, 5), Status::kDone);
     EXPECT_EQ(write(half.get(), ":1}\n", 4), 4);
     char answer[32] = "";
     EXPECT_EQ(read(half.get(), answer, sizeof answer), 15);
@@ -160,14 +160,14 @@ TEST_F(HostControl, OddClientsHurtThemselvesOnly) {
 TEST_F(HostControl, EndlessRequestIsCutOff) {
     start();
     EXPECT_THROW(callHost(path_, std::string(70000, 'x'), 5), Failure);
-    EXPECT_EQ(statusOf(path_, 5), kDone);
+    EXPECT_EQ(statusOf(path_, 5), Status::kDone);
 }
 
 TEST_F(HostControl, OneHostAPath) {
-    EXPECT_EQ(statusOf(path_, 1), kEnvironment);
+    EXPECT_EQ(statusOf(path_, 1), Status::kEnvironment);
     start();
     EXPECT_THROW(ControlServer(path_, nullptr), Failure);
-    EXPECT_EQ(statusOf(path_, 5), kDone) << "the first host lost its socket";
+    EXPECT_EQ(statusOf(path_, 5), Status::kDone) << "the first host lost its socket";
     stop();
     EXPECT_NE(access(path_.c_str(), F_OK), 0) << "the socket stayed behind";
 }
@@ -180,7 +180,7 @@ TEST_F(HostControl, DeadHostsSocketIsReplacedAndOtherFilesAreNot) {
         ASSERT_EQ(bind(dead.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
     }
     start();
-    EXPECT_EQ(statusOf(path_, 5), kDone);
+    EXPECT_EQ(statusOf(path_, 5), Status::kDone);
     stop();
     Fd file(creat(path_.c_str(), 0600));
     EXPECT_THROW(ControlServer(path_, nullptr), Failure);
@@ -210,7 +210,7 @@ TEST_F(HostControl, SubscriberThatDoesNotReadIsDropped) {
     ASSERT_TRUE(subscribers_);
     flood_ = true;
     for (int i = 0; i < 500 && subscribers_; ++i) {
-        EXPECT_EQ(statusOf(path_, 5), kDone) << "the others wait for it";
+        EXPECT_EQ(statusOf(path_, 5), Status::kDone) << "the others wait for it";
         usleep(10000);
     }
     EXPECT_FALSE(subscribers_);
@@ -218,7 +218,7 @@ TEST_F(HostControl, SubscriberThatDoesNotReadIsDropped) {
 
 TEST_F(HostControl, SilentHostIsATimeout) {
     server_ = std::make_unique<ControlServer>(path_, nullptr); // nobody serves it
-    EXPECT_EQ(statusOf(path_, 1), kTimeout);
+    EXPECT_EQ(statusOf(path_, 1), Status::kTimeout);
 }
 
 } // namespace

@@ -103,23 +103,23 @@ TEST_F(HostWps, ButtonsChooseTheirRadio) {
     EXPECT_EQ(calls, (Calls{"hardware 2 uuid", "cancel wl0", "button wl1"}));
     EXPECT_EQ(ask("wps push-button", {{"radio", "wl0"}})["error"]["text"], "WPS is configured without push button");
     intfs_[1].bss[0].wpsEnable = 0;
-    EXPECT_EQ(ask("wps push-button")["status"], kFailed);
+    EXPECT_EQ(ask("wps push-button")["status"], Status::kFailed);
     for (const char *command : {"wps push-button", "wps cancel", "wps apply"})
         EXPECT_EQ(ask(command, {{"radio", "wl1"}})["error"]["text"], "WPS is off") << command;
-    EXPECT_EQ(ask("wps push-button", {{"radio", "wl0"}, {"hardware", true}})["status"], kUsage);
-    EXPECT_EQ(ask("wps cancel", {{"radio", "wl7"}})["status"], kNotFound);
+    EXPECT_EQ(ask("wps push-button", {{"radio", "wl0"}, {"hardware", true}})["status"], Status::kUsage);
+    EXPECT_EQ(ask("wps cancel", {{"radio", "wl7"}})["status"], Status::kNotFound);
     EXPECT_EQ(calls.size(), 3u);
 }
 
 TEST_F(HostWps, PinsAreCheckedFirst) {
     EXPECT_EQ(result("wps check-pin", {{"pin", "12345670"}})["valid"], true);
     EXPECT_EQ(result("wps check-pin", {{"pin", "1234"}})["valid"], true);
-    EXPECT_EQ(ask("wps check-pin", {{"pin", "12345678"}})["status"], kFailed);
+    EXPECT_EQ(ask("wps check-pin", {{"pin", "12345678"}})["status"], Status::kFailed);
     for (const char *pin : {"", "123", "12345", "a=b ", "1234567a", "123456700"}) {
-        EXPECT_EQ(ask("wps check-pin", {{"pin", pin}})["status"], kUsage) << pin;
-        EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", pin}})["status"], kUsage) << pin;
+        EXPECT_EQ(ask("wps check-pin", {{"pin", pin}})["status"], Status::kUsage) << pin;
+        EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", pin}})["status"], Status::kUsage) << pin;
     }
-    EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", "12345678"}})["status"], kUsage);
+    EXPECT_EQ(ask("wps pin", {{"radio", "wl0"}, {"pin", "12345678"}})["status"], Status::kUsage);
     EXPECT_EQ(calls, Calls{});
     module_.checkPin = nullptr;
     EXPECT_EQ(ask("wps check-pin", {{"pin", "12345670"}})["error"]["text"],
@@ -140,7 +140,7 @@ TEST_F(HostWps, Forwarding) {
     EXPECT_EQ(result("forward", {{"state", "on"}})["forward"], "on");
     result("forward", {{"state", "off"}});
     EXPECT_EQ(calls, (Calls{"forward 1", "forward 0"}));
-    EXPECT_EQ(ask("forward", {{"state", "1"}})["status"], kUsage);
+    EXPECT_EQ(ask("forward", {{"state", "1"}})["status"], Status::kUsage);
     EXPECT_EQ(ask("events")["error"]["text"], "the module registered no event handler");
     EXPECT_TRUE(subscribes(R"({"command": "events"})"));
     for (const char *other : {"", "[]", R"({"command": "event"})", R"({"events": 1})"})
