@@ -37,6 +37,13 @@ std::optional<std::string> nearestName(std::string_view name, const std::vector<
     return nearest;
 }
 
+std::string suggestion(const std::string &name, const std::vector<std::string> &known) {
+    auto nearest = nearestName(name, known);
+    return nearest ? "did you mean " + inQuotes(*nearest) + "?" : "known here: " + joined(known);
+}
+
+std::string inQuotes(const std::string &text) { return "\"" + text + "\""; }
+
 std::string joined(const std::vector<std::string> &items, const char *none) {
     std::string text;
     for (const std::string &item : items)

@@ -10,6 +10,9 @@ namespace wlhost {
 
 // The candidate that differs in the fewest places, when it is near enough to be a typing mistake.
 std::optional<std::string> nearestName(std::string_view name, const std::vector<std::string> &candidates);
+// What a message offers for a name that is not known: the nearest one, or all.
+std::string suggestion(const std::string &name, const std::vector<std::string> &known);
+std::string inQuotes(const std::string &text);
 // Items joined by ", ", or `none` when there is none.
 std::string joined(const std::vector<std::string> &items, const char *none = "none");
 // The words between separators, none of them empty.

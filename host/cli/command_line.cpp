@@ -4,69 +4,84 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/cli/asking.h"
-#include "host/cli/doctor.h"
-#include "host/cli/serving.h"
-#include "host/config/configuration.h"
-#include "host/config/fields.h"
+#include "host/base/word_lists.h"
+#include "host/cli/calls.h"
+#include "host/cli/messages.h"
 #include "host/control/control_socket.h"
-#include "host/show/results.h"
-#include "host/show/tables.h"
-#include "host/state/loaded_module.h"
 
 namespace wlhost {
 namespace {
 
-Status doctor(const Values &values) {
-    json rows = examine(libraryName(values.library), values.socket);
-    show(rows, values, [](const json &result) {
-        return table({{"CHECK", "check"}, {"RESULT", "result"}, {"REQUIRED", "required"}, {"HINT", "hint"}}, result);
-    });
-    bool lacking = std::any_of(rows.begin(), rows.end(),
-                               [](const json &row) { return row["required"] == true && row["result"] != "ok"; });
-    return lacking ? Status::kEnvironment : Status::kDone;
+// Makes the option of a row; its value goes into `args`.
+void addOption(CLI::App &app, const Option &row, json &args) {
+    auto to = [&args, &row](auto value) { args[row.key] = value; };
+    using Words = std::vector<std::string>;
+    CLI::Option *option = nullptr;
+    switch (row.value) {
+    case Value::kFlag:
+        option = app.add_flag_function(
+            row.name, [to](int64_t count) { to(count > 0); }, row.about);
+        break;
+    case Value::kNumber:
+        option = app.add_option_function<int>(row.name, to, row.about);
+        if (row.most)
+            option->check(CLI::Range(1, row.most));
+        else
+            option->check(CLI::PositiveNumber);
+        break;
+    case Value::kItems:
+        option = app.add_option_function<std::string>(
+            row.name, [to](const std::string &text) { to(splitWords(text, ',')); }, row.about);
+        break;
+    case Value::kTexts:
+    case Value::kStations:
+        option = app.add_option_function<Words>(row.name, to, row.about);
+        break;
+    default:
+        option = app.add_option_function<std::string>(row.name, to, row.about);
+    }
+    option->required(row.required);
+    if (!row.words.empty())
+        option->check(CLI::IsMember(row.words));
 }
 
-Status run(const Values &values) {
-    setLogLevel(values.logLevel == "debug"  ? WLBRCM_LOG_DEBUG
-                : values.logLevel == "info" ? WLBRCM_LOG_INFO
-                                            : WLBRCM_LOG_ERR);
-    RunOptions options{absolutePath(values.config), values.library, values.socket, values.json, values.once};
-    if (values.sim)
-        runInGateway(options, values.logLevel);
-    return runHost(options);
+// "wps pin" is the subcommand pin of wps.
+CLI::App *addCommand(CLI::App &app, const Command &row) {
+    std::string name = row.name;
+    for (const Group &group : groups()) {
+        std::string start = std::string(group.name) + " ";
+        if (name.compare(0, start.size(), start) != 0)
+            continue;
+        auto known = app.get_subcommands([&](const CLI::App *one) { return one->get_name() == group.name; });
+        CLI::App *sub = known.empty() ? nullptr : known.front();
+        if (!sub) {
+            sub = app.add_subcommand(group.name, group.about);
+            sub->require_subcommand(1);
+            sub->fallthrough();
+        }
+        return sub->add_subcommand(name.substr(start.size()), row.about);
+    }
+    return app.add_subcommand(name, row.about);
 }
 
-void addLocalCommands(CLI::App &app, Values &values, Action &action) {
-    CLI::App *host = app.add_subcommand("run", "Be the host: bring the configured radios up and serve");
-    host->add_option("CONFIG", values.config, "Configuration file")->required();
-    host->add_flag("--sim", values.sim, "Run in a simulated gateway of its own");
-    host->add_flag("--once", values.once, "Bring the radios up and end");
-    host->add_option("--library", values.library, "The module (WLHOST_LIBRARY)");
-    host->add_option("--log-level", values.logLevel, "Of the module's log on stderr")
-        ->check(CLI::IsMember({"error", "info", "debug"}));
-    host->callback([&] { action = [&] { return run(values); }; });
+void addCommands(CLI::App &app, Call &call) {
+    for (const Command &row : commands()) {
+        CLI::App *sub = addCommand(app, row);
+        for (const Option &option : row.options)
+            addOption(*sub, option, call.args);
+        sub->callback([&call, &row] { call.command = &row; });
+    }
+}
 
-    CLI::App *examiner = app.add_subcommand("doctor", "What this machine lacks to be a gateway");
-    examiner->add_option("--library", values.library, "The module (WLHOST_LIBRARY)");
-    examiner->callback([&] { action = [&] { return doctor(values); }; });
-
-    CLI::App *check = app.add_subcommand("check", "Check a configuration file and apply nothing");
-    check->add_option("CONFIG", values.config, "Configuration file")->required();
-    check->callback([&] {
-        action = [&] {
-            Config config = Config::load(values.config);
-            return show({{"config", values.config}, {"radios", config.radios.size()}}, values, showMembers);
-        };
-    });
-
-    CLI::App *schema = app.add_subcommand("schema", "Print the JSON schema of the configuration file");
-    schema->callback([&] {
-        action = [] {
-            std::printf("%s\n", configSchema().dump(2).c_str());
-            return Status::kDone;
-        };
-    });
+// What is wrong with the words that did not parse.
+Failure usageFailure(const CLI::App &app, const CLI::ParseError &error) {
+    std::string group;
+    for (const CLI::App *sub : app.get_subcommands())
+        group = sub->get_name();
+    for (const std::string &word : app.remaining(true))
+        if (word[0] != '-' && dynamic_cast<const CLI::RequiredError *>(&error))
+            return Failure(Status::kUsage, word, "is no command", suggestion(word, namesIn(group)));
+    return Failure(Status::kUsage, "arguments", error.what(), "see wlhost --help");
 }
 
 bool asksForJson(int argc, char **argv) {
@@ -80,28 +95,28 @@ Status commandLine(int argc, char **argv) {
     app.name("wlhost");
     app.require_subcommand(1);
     app.fallthrough();
-    Values values;
-    Action action;
-    app.add_option("--socket", values.socket, "Control socket (WLHOST_SOCKET, /tmp/wlhost.sock)");
-    app.add_option("--timeout", values.timeout, "Seconds to wait for the host")->check(CLI::Range(1, 3600));
-    app.add_flag("--json", values.json, "One JSON document on stdout, errors too");
-    addLocalCommands(app, values, action);
-    addClientCommands(app, values, action);
+    Call call;
+    json common = {{"socket", ""}, {"timeout", 120}, {"json", false}};
+    for (const Option &option : commonOptions())
+        addOption(app, option, common);
+    addCommands(app, call);
     try {
         app.parse(argc, argv);
-        values.socket = socketPath(values.socket);
-        return action();
+        call.socket = socketPath(common["socket"]);
+        call.timeout = common["timeout"];
+        call.asJson = common["json"];
+        return call.command->run(call);
     } catch (const CLI::CallForHelp &help) {
         app.exit(help);
         return Status::kDone;
     } catch (const CLI::ParseError &error) {
-        printError(Failure(Status::kUsage, "arguments", error.what(), "see wlhost --help"), asksForJson(argc, argv));
+        printError(usageFailure(app, error), asksForJson(argc, argv));
         return Status::kUsage;
     } catch (const Failure &failure) {
-        printError(failure, values.json);
+        printError(failure, call.asJson);
         return failure.status;
     } catch (const std::exception &error) {
-        printError(Failure(Status::kFailed, "internal", error.what()), values.json);
+        printError(Failure(Status::kFailed, "internal", error.what()), call.asJson);
         return Status::kFailed;
     }
 }

@@ -1,20 +1,17 @@
-#include "host/cli/doctor.h"
-
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
-#include "host/base/failure.h"
+#include "host/base/word_lists.h"
+#include "host/cli/calls.h"
 #include "host/control/control_socket.h"
 #include "host/state/loaded_module.h"
 
 namespace wlhost {
 namespace {
-
-using nlohmann::json;
 
 struct Tool {
     const char *name; // looked up in PATH unless it is a path
@@ -54,8 +51,7 @@ bool runnable(const std::string &name) {
     if (name.find('/') != std::string::npos)
         return access(name.c_str(), X_OK) == 0;
     const char *path = getenv("PATH");
-    std::istringstream folders(path ? path : "");
-    for (std::string folder; std::getline(folders, folder, ':');)
+    for (const std::string &folder : splitWords(path ? path : "", ':'))
         if (access((folder + "/" + name).c_str(), X_OK) == 0)
             return true;
     return false;
@@ -89,13 +85,16 @@ json hostRow(const std::string &socket) {
 
 } // namespace
 
-json examine(const std::string &library, const std::string &socket) {
-    json rows = json::array({libraryRow(library)});
+Status examineMachine(const Call &call) {
+    json rows = json::array({libraryRow(libraryName(call.args.value("library", "")))});
     for (const Tool &tool : kTools)
         rows.push_back(row(tool.name, runnable(tool.name), tool.required, tool.hint));
     rows.push_back(row("radio interfaces", anyRadio(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
-    rows.push_back(hostRow(socket));
-    return rows;
+    rows.push_back(hostRow(call.socket));
+    showResult(call, rows);
+    bool lacking = std::any_of(rows.begin(), rows.end(),
+                               [](const json &one) { return one["required"] == true && one["result"] != "ok"; });
+    return lacking ? Status::kEnvironment : Status::kDone;
 }
 
 } // namespace wlhost

@@ -1,5 +1,3 @@
-#include "host/cli/serving.h"
-
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -10,10 +8,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "host/cli/calls.h"
+#include "host/cli/messages.h"
 #include "host/commands/station_events.h"
 #include "host/control/control_socket.h"
 #include "host/control/dispatch.h"
-#include "host/show/tables.h"
 #include "host/state/host.h"
 
 namespace wlhost {
@@ -109,32 +108,33 @@ void serve(Host &host, ControlServer &server) {
     }
 }
 
-void report(FILE *out, const json &radios, const RunOptions &options) {
-    if (options.json)
-        std::fprintf(out, "%s\n", json{{"radios", radios}, {"socket", options.socket}}.dump(2).c_str());
-    else
-        std::fprintf(out, "%s", table({{"RADIO", "radio"}, {"ACTION", "action"}}, radios).c_str());
+Status serveRadios(const Call &call) {
+    // What the file alone can get wrong is known before the module touches a radio.
+    Config config = Config::load(absolutePath(call.args["config"]));
+    FILE *out = takeStdout();
+    catchSignals();
+    std::unique_ptr<Host> host;
+    ControlServer server(call.socket, [&](const std::string &request) {
+        json reply = answer(*host, request);
+        return ControlServer::Reply(reply.dump(), reply["status"] == Status::kDone && subscribes(request));
+    });
+    host = std::make_unique<Host>(loadModule(libraryName(call.args.value("library", ""))), std::move(config));
+    showResult(call, {{"radios", host->bringUp()}, {"socket", call.socket}}, out);
     std::fflush(out);
+    if (!call.args.value("once", false))
+        serve(*host, server);
+    std::fclose(out);
+    return Status::kDone;
 }
 
 } // namespace
 
-Status runHost(const RunOptions &options) {
-    // What the file alone can get wrong is known before the module touches a radio.
-    Config config = Config::load(options.config);
-    FILE *out = takeStdout();
-    catchSignals();
-    std::unique_ptr<Host> host;
-    ControlServer server(options.socket, [&](const std::string &request) {
-        json reply = answer(*host, request);
-        return ControlServer::Reply(reply.dump(), reply["status"] == Status::kDone && subscribes(request));
-    });
-    host = std::make_unique<Host>(loadModule(libraryName(options.library)), std::move(config));
-    report(out, host->bringUp(), options);
-    if (!options.once)
-        serve(*host, server);
-    std::fclose(out);
-    return Status::kDone;
+Status beTheHost(const Call &call) {
+    std::string level = call.args.value("log_level", "error");
+    setLogLevel(level == "debug" ? WLBRCM_LOG_DEBUG : level == "info" ? WLBRCM_LOG_INFO : WLBRCM_LOG_ERR);
+    if (call.args.value("sim", false))
+        runInGateway(call);
+    return serveRadios(call);
 }
 
 } // namespace wlhost

@@ -8,9 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "host/base/failure.h"
-#include "host/cli/serving.h"
-#include "host/control/control_socket.h"
+#include "host/cli/calls.h"
 
 namespace wlhost {
 namespace {
@@ -59,9 +57,9 @@ std::string configBinding(const std::string &config) {
 
 } // namespace
 
-void runInGateway(const RunOptions &options, const std::string &logLevel) {
-    std::string config = realPath(options.config), self = realPath("/proc/self/exe");
-    std::string shared = shareSocket(options.socket);
+void runInGateway(const Call &call) {
+    std::string config = realPath(call.args["config"]), self = realPath("/proc/self/exe");
+    std::string shared = shareSocket(call.socket);
     std::string run = shared + "/run";
     std::fprintf(stderr, "wlhost: enter this gateway with: %s enter --run %s -- sh\n", launcher().c_str(), run.c_str());
     std::vector<std::string> words = {launcher(),
@@ -80,13 +78,13 @@ void runInGateway(const RunOptions &options, const std::string &logLevel) {
                                       "--socket",
                                       "/var/run/wlhost/wlhost.sock",
                                       "--log-level",
-                                      logLevel};
-    if (options.json)
+                                      call.args.value("log_level", "error")};
+    if (call.asJson)
         words.push_back("--json");
-    if (options.once)
+    if (call.args.value("once", false))
         words.push_back("--once");
-    if (!options.library.empty())
-        words.insert(words.end(), {"--library", options.library});
+    if (call.args.contains("library"))
+        words.insert(words.end(), {"--library", call.args["library"]});
     std::vector<char *> arguments;
     for (std::string &word : words)
         arguments.push_back(word.data());

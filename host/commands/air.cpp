@@ -1,5 +1,3 @@
-#include "host/commands/air.h"
-
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -8,26 +6,16 @@
 
 #include "host/base/addresses.h"
 #include "host/base/escape.h"
+#include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
+#include "host/commands/values.h"
 
 namespace wlhost {
 namespace {
 
-struct BitName {
-    unsigned bit;
-    const char *name;
-};
-constexpr BitName kPhyModes[] = {{0x1, "b"}, {0x2, "g"}, {0x4, "a"}, {0x8, "n"}, {0x10, "ac"}};
 constexpr BitName kCiphers[] = {{0x1, "tkip"}, {0x2, "ccmp"}};
-
-template <size_t Size> json namesOf(unsigned bits, const BitName (&names)[Size]) {
-    json found = json::array();
-    for (const BitName &row : names)
-        if (bits & row.bit)
-            found.push_back(row.name);
-    return found;
-}
 
 // By the WPA bits of a record; a report does not tell an open network from a WEP one.
 struct Security {
@@ -45,8 +33,7 @@ const char *securityOf(const WlScanAp &ap) {
 // "6,9,12" as numbers; what is none is left out.
 json rateList(const std::string &text) {
     json list = json::array();
-    std::istringstream words(text);
-    for (std::string word; std::getline(words, word, ',');) {
+    for (const std::string &word : splitWords(text, ',')) {
         char *end = nullptr;
         double rate = std::strtod(word.c_str(), &end);
         if (end == word.c_str() || *end != '\0' || rate <= 0 || rate > 100000)
@@ -75,8 +62,8 @@ json apRow(const WlIntf &intf, const WlScanAp &ap) {
             {"signal_dbm", unlessZero(ap.rssi)},
             {"noise_dbm", unlessZero(ap.noise)},
             {"security", securityOf(ap)},
-            {"ciphers", namesOf(ap.ciphers, kCiphers)},
-            {"modes", namesOf(ap.phyModes, kPhyModes)},
+            {"ciphers", bitNames(ap.ciphers, kCiphers)},
+            {"modes", bitNames(ap.phyModes, kPhyModes)},
             {"wps", ap.wps != 0},
             {"ad_hoc", ap.mode == 0 ? json() : json(ap.mode == 2)},
             {"beacon_interval_tu", unlessZero(ap.beaconPeriod)},

@@ -4,41 +4,6 @@
 
 namespace wlhost {
 
-std::string textArg(const json &args, const char *name) {
-    auto value = args.find(name);
-    if (value == args.end() || value->is_null())
-        return "";
-    if (!value->is_string())
-        throw Failure(Status::kUsage, name, "is not a text");
-    return value->get<std::string>();
-}
-
-bool flagArg(const json &args, const char *name) {
-    auto value = args.find(name);
-    if (value == args.end() || value->is_null())
-        return false;
-    if (!value->is_boolean())
-        throw Failure(Status::kUsage, name, "is not true or false");
-    return value->get<bool>();
-}
-
-std::vector<std::string> listArg(const json &args, const char *name) {
-    std::vector<std::string> list;
-    for (const json &value : args.value(name, json::array())) {
-        if (!value.is_string())
-            throw Failure(Status::kUsage, name, "holds something that is not a text");
-        list.push_back(value.get<std::string>());
-    }
-    return list;
-}
-
-bool switchArg(const json &args, const char *name) {
-    std::string state = textArg(args, name);
-    if (state != "on" && state != "off")
-        throw Failure(Status::kUsage, state, "is not on or off");
-    return state == "on";
-}
-
 MacBytes macOf(const std::string &text) {
     auto mac = parseMac(text);
     if (!mac)

@@ -1,4 +1,4 @@
-// Arguments of a request, checked: whoever can open the control socket may send anything.
+// What the arguments of a request mean; that they are what the command's row says was checked before.
 #pragma once
 
 #include <string>
@@ -9,12 +9,11 @@
 
 namespace wlhost {
 
-// Empty when the argument is missing or null.
-std::string textArg(const json &args, const char *name);
-bool flagArg(const json &args, const char *name);
-std::vector<std::string> listArg(const json &args, const char *name);
-// "on" or "off" as a truth value.
-bool switchArg(const json &args, const char *name);
+inline std::string textArg(const json &args, const char *name) { return args.value(name, std::string()); }
+inline bool flagArg(const json &args, const char *name) { return args.value(name, false); }
+inline std::vector<std::string> listArg(const json &args, const char *name) {
+    return args.value(name, std::vector<std::string>());
+}
 
 // Only an address that one station can have; the module would take any number of hexadecimal fields.
 MacBytes macOf(const std::string &text);

@@ -3,37 +3,36 @@
 #include <algorithm>
 
 #include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
+#include "host/commands/values.h"
 
 namespace wlhost {
 namespace {
 
-struct Bit {
-    unsigned place;
-    const char *name;
-};
-constexpr Bit kCapabilityBits[] = {
-    {0, "ess"},          {1, "ibss"},        {4, "privacy"}, {5, "short-preamble"},     {8, "spectrum-management"},
-    {9, "qos"},          {10, "short-slot"}, {11, "apsd"},   {12, "radio-measurement"}, {14, "delayed-ba"},
-    {15, "immediate-ba"}};
-constexpr Bit kHtBits[] = {
-    {0, "ldpc"},    {1, "40mhz"},       {4, "greenfield"},  {5, "short-gi-20"},  {6, "short-gi-40"},
-    {7, "tx-stbc"}, {10, "delayed-ba"}, {11, "amsdu-7935"}, {12, "dsss-cck-40"}, {14, "40mhz-intolerant"}};
-constexpr Bit kVhtBits[] = {{4, "rx-ldpc"},        {5, "short-gi-80"},    {6, "short-gi-160"},
-                            {7, "tx-stbc"},        {11, "su-beamformer"}, {12, "su-beamformee"},
-                            {19, "mu-beamformer"}, {20, "mu-beamformee"}, {21, "txop-ps"}};
+constexpr BitName kCapabilityBits[] = {{1U << 0, "ess"},
+                                       {1U << 1, "ibss"},
+                                       {1U << 4, "privacy"},
+                                       {1U << 5, "short-preamble"},
+                                       {1U << 8, "spectrum-management"},
+                                       {1U << 9, "qos"},
+                                       {1U << 10, "short-slot"},
+                                       {1U << 11, "apsd"},
+                                       {1U << 12, "radio-measurement"},
+                                       {1U << 14, "delayed-ba"},
+                                       {1U << 15, "immediate-ba"}};
+constexpr BitName kHtBits[] = {{1U << 0, "ldpc"},         {1U << 1, "40mhz"},
+                               {1U << 4, "greenfield"},   {1U << 5, "short-gi-20"},
+                               {1U << 6, "short-gi-40"},  {1U << 7, "tx-stbc"},
+                               {1U << 10, "delayed-ba"},  {1U << 11, "amsdu-7935"},
+                               {1U << 12, "dsss-cck-40"}, {1U << 14, "40mhz-intolerant"}};
+constexpr BitName kVhtBits[] = {{1U << 4, "rx-ldpc"},        {1U << 5, "short-gi-80"},    {1U << 6, "short-gi-160"},
+                                {1U << 7, "tx-stbc"},        {1U << 11, "su-beamformer"}, {1U << 12, "su-beamformee"},
+                                {1U << 19, "mu-beamformer"}, {1U << 20, "mu-beamformee"}, {1U << 21, "txop-ps"}};
 constexpr const char *kSmPowerSave[] = {"static", "dynamic", nullptr, "disabled"};
 constexpr const char *kSecondary[] = {"none", "above", nullptr, "below"};
 constexpr int kMaxMpdu[] = {3895, 7991, 11454, 0};
 constexpr unsigned kVhtOperationId = 192, kHtOperationId = 61;
-
-template <size_t Size> json namesOf(uint32_t word, const Bit (&bits)[Size]) {
-    json names = json::array();
-    for (const Bit &bit : bits)
-        if (word >> bit.place & 1)
-            names.push_back(bit.name);
-    return names;
-}
 
 uint32_t littleEndian(const uint8_t *bytes, int count) {
     uint32_t word = 0;
@@ -41,8 +40,6 @@ uint32_t littleEndian(const uint8_t *bytes, int count) {
         word = word << 8 | bytes[i];
     return word;
 }
-
-json orNull(const char *name) { return name ? json(name) : json(); }
 
 // Streams with a receive MCS: a byte each in the HT set, two bits each in the VHT map.
 int htStreams(const uint8_t *element) {
@@ -63,7 +60,7 @@ json htOf(const WlIntfInfo &info) {
         return nullptr;
     uint32_t word = littleEndian(info.htCap, 2);
     bool operation = info.htInfoId == kHtOperationId;
-    return {{"capabilities", namesOf(word, kHtBits)},
+    return {{"capabilities", bitNames(word, kHtBits)},
             {"streams", htStreams(info.htCap)},
             {"rx_stbc_streams", word >> 8 & 3},
             {"sm_power_save", orNull(kSmPowerSave[word >> 2 & 3])},
@@ -77,7 +74,7 @@ json vhtOf(const WlIntfInfo &info) {
     uint32_t word = littleEndian(info.vhtCap, 4);
     bool operation = info.vhtOpId == kVhtOperationId;
     bool wide = operation && info.vhtOp[0] != 0; // else the HT element tells the width
-    return {{"capabilities", namesOf(word, kVhtBits)},
+    return {{"capabilities", bitNames(word, kVhtBits)},
             {"streams", vhtStreams(info.vhtCap)},
             {"max_mpdu_bytes", unlessZero(kMaxMpdu[word & 3])},
             {"width_mhz", wide ? json(info.vhtOp[0] == 1 ? 80 : 160) : json()},
@@ -94,7 +91,7 @@ json beaconRow(const std::string &ifname, const WlIntfInfo &info) {
     json word = unlessZero(info.capabilities); // a BSS announces at least that it is one
     return {{"interface", ifname},
             {"capability_word", word},
-            {"capabilities", word.is_null() ? json() : namesOf(info.capabilities, kCapabilityBits)},
+            {"capabilities", word.is_null() ? json() : bitNames(info.capabilities, kCapabilityBits)},
             {"ht", htOf(info)},
             {"vht", vhtOf(info)}};
 }

@@ -8,6 +8,4 @@ namespace wlhost {
 // What a BSS announces; elements that its beacon lacks are null.
 json beaconRow(const std::string &ifname, const WlIntfInfo &info);
 
-json beacon(Host &host, const json &args);
-
 } // namespace wlhost

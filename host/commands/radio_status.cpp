@@ -5,6 +5,9 @@
 #include "host/base/addresses.h"
 #include "host/base/escape.h"
 #include "host/base/failure.h"
+#include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
+#include "host/commands/values.h"
 
 namespace wlhost {
 namespace {
@@ -103,8 +106,6 @@ json enabledSsids(const WlIntf &intf) {
     return enabled;
 }
 
-json orNull(const std::string &text) { return text.empty() ? json() : json(text); }
-
 const char *ssidState(Host &host, const WlIntf &intf, const WlSsidCfg &record) {
     if (!record.enable || !intf.radio.radioOn)
         return "off";
@@ -116,24 +117,6 @@ const char *ssidState(Host &host, const WlIntf &intf, const WlSsidCfg &record) {
 
 const char *wpsState(const WlSsidCfg &record) {
     return !record.wpsEnable ? "off" : record.wpsConfigured ? "configured" : "unconfigured";
-}
-
-} // namespace
-
-std::string securityName(const WlSsidCfg &record) {
-    for (const SecurityKind &kind : kSecurityKinds)
-        if (std::strcmp(kind.authMode, record.authMode) == 0 && std::strcmp(kind.encryption, record.encryption) == 0)
-            return kind.name;
-    return std::string(record.authMode) + "/" + record.encryption;
-}
-
-json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names) {
-    host.operation(host.module().ops->statusUpdate, "statusUpdate");
-    return readItems(*host.module().ops, intf, names);
-}
-
-json rawItems(Host &host, WlIntf &intf, const std::vector<std::string> &names) {
-    return {{"radio", intf.intfName}, {"items", statusItems(host, intf, names)}};
 }
 
 json radioStatus(Host &host, WlIntf &intf) {
@@ -155,11 +138,6 @@ json radioStatus(Host &host, WlIntf &intf) {
             {"stations", stationCount(ops, intf)}};
 }
 
-const char *filterMode(const WlSsidCfg &record) {
-    std::string mode = record.macFilterMode;
-    return mode == "DENY" ? "deny" : mode == "ALLOW" ? "allow" : "off";
-}
-
 json ssidStatus(Host &host, const Host::Bss &bss) {
     const WlSsidCfg &record = bss.record();
     auto mac = parseMac(record.macText);
@@ -173,6 +151,41 @@ json ssidStatus(Host &host, const Host::Bss &bss) {
             {"filter", filterMode(record)},
             {"wps", wpsState(record)},
             {"state", ssidState(host, *bss.intf, record)}};
+}
+
+} // namespace
+
+std::string securityName(const WlSsidCfg &record) {
+    for (const SecurityKind &kind : kSecurityKinds)
+        if (std::strcmp(kind.authMode, record.authMode) == 0 && std::strcmp(kind.encryption, record.encryption) == 0)
+            return kind.name;
+    return std::string(record.authMode) + "/" + record.encryption;
+}
+
+const char *filterMode(const WlSsidCfg &record) {
+    std::string mode = record.macFilterMode;
+    return mode == "DENY" ? "deny" : mode == "ALLOW" ? "allow" : "off";
+}
+
+json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names) {
+    host.operation(host.module().ops->statusUpdate, "statusUpdate");
+    return readItems(*host.module().ops, intf, names);
+}
+
+json status(Host &host, const json &args) {
+    std::vector<std::string> items = listArg(args, "items");
+    json rows = json::array();
+    for (WlIntf *intf : radiosArg(host, args))
+        rows.push_back(items.empty() ? radioStatus(host, *intf)
+                                     : json{{"radio", intf->intfName}, {"items", statusItems(host, *intf, items)}});
+    return rows;
+}
+
+json ssids(Host &host, const json &) {
+    json rows = json::array();
+    for (const Host::Bss &bss : host.allBss())
+        rows.push_back(ssidStatus(host, bss));
+    return rows;
 }
 
 } // namespace wlhost

@@ -8,6 +8,7 @@
 
 #include "host/base/escape.h"
 #include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
 #include "host/commands/station_rows.h"
 
 namespace wlhost {
@@ -59,7 +60,7 @@ json followEvents(Host &host, const json &) {
 }
 
 json forward(Host &host, const json &args) {
-    bool on = switchArg(args, "state");
+    bool on = textArg(args, "state") == "on";
     Host::check(host.operation(host.module().ops->enableFenraEvt, "enableFenraEvt")(on), "forward", "enableFenraEvt");
     return {{"forward", on ? "on" : "off"}};
 }

@@ -6,18 +6,15 @@
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
+#include "host/commands/values.h"
 
 namespace wlhost {
 namespace {
 
-const char *modeName(uint32_t phyMode) {
-    struct Mode {
-        uint32_t bit;
-        const char *name;
-    };
-    constexpr Mode kModes[] = {{1, "b"}, {2, "g"}, {4, "a"}, {8, "n"}, {16, "ac"}};
-    for (const Mode &mode : kModes)
+json modeName(uint32_t phyMode) {
+    for (const BitName &mode : kPhyModes)
         if (mode.bit == phyMode)
             return mode.name;
     return nullptr;
@@ -50,11 +47,10 @@ json stationMac(const WlStaInfo &station) {
 }
 
 json stationRow(const WlStaInfo &station) {
-    const char *mode = modeName(station.phyMode);
     bool heard = station.rssi != 0;
     return {{"mac", stationMac(station)},
             {"interface", escapeBytes(station.ifName)},
-            {"mode", mode ? json(mode) : json()},
+            {"mode", modeName(station.phyMode)},
             {"width_mhz", unlessZero(station.bandwidth)},
             {"signal_dbm", heard ? json(station.rssi) : json()},
             {"snr_db", heard && station.noise ? json(station.snr) : json()},
@@ -71,17 +67,14 @@ json stationRow(const WlStaInfo &station) {
             {"authenticated", station.authenticated != 0}};
 }
 
-json listStations(Host &host, const json &args) {
-    std::string order = textArg(args, "sort");
-    if (!order.empty() && order != "signal")
-        throw Failure(Status::kUsage, order, "is no order of stations", "signal");
+json stations(Host &host, const json &args) {
     bool all = textArg(args, "interface").empty();
     json rows = json::array();
     for (const Host::Bss &bss : bssArg(host, args))
         if (!all || isOn(bss))
             for (json &row : stationsOf(host, bss))
                 rows.push_back(std::move(row));
-    if (order == "signal")
+    if (textArg(args, "sort") == "signal")
         std::stable_sort(rows.begin(), rows.end(), stronger);
     return rows;
 }

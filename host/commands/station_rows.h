@@ -10,7 +10,4 @@ json stationRow(const WlStaInfo &station);
 
 json stationMac(const WlStaInfo &station);
 
-json listStations(Host &host, const json &args);
-json kick(Host &host, const json &args);
-
 } // namespace wlhost

@@ -1,9 +1,8 @@
-#include "host/commands/wps_sessions.h"
-
 #include <algorithm>
 
 #include "host/base/escape.h"
 #include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
 
 namespace wlhost {

@@ -51,8 +51,6 @@ bool modeFits(const HwMode &mode, int band, const HtMode &width) {
     return inBand && wide && (!width.vht || mode.vht || band == WLBRCM_BAND_2G);
 }
 
-std::string inQuotes(const char *text) { return std::string("\"") + text + "\""; }
-
 template <typename Rows, typename Fits> std::string fittingNames(const Rows &rows, Fits fits) {
     std::vector<std::string> names;
     for (const auto &row : rows)
@@ -108,14 +106,13 @@ void checkWps(const SsidFields &ssid, size_t index, const std::string &security,
 void checkInterface(const RadioConfig &radio, size_t i, const Path &path, Problems &problems) {
     std::string ifname = radio.ssids[i].record.ifName, own = radio.name();
     if (i == 0 && ifname != own)
-        problems.add(path / "ifname",
-                     inQuotes(ifname.c_str()) + " is not the radio's interface; the first SSID is " + own);
+        problems.add(path / "ifname", inQuotes(ifname) + " is not the radio's interface; the first SSID is " + own);
     std::string number = ifname.substr(std::min(own.size() + 1, ifname.size()));
     bool virtualName = ifname.compare(0, own.size() + 1, own + ".") == 0 && number.size() == 1 && number >= "1" &&
                        number < std::to_string(int{WLBRCM_MAX_BSS});
     if (i > 0 && (!virtualName || !isInterfaceName(ifname)))
-        problems.add(path / "ifname", inQuotes(ifname.c_str()) + " is no interface of " + own + "; " + own + ".1 to " +
-                                          own + "." + std::to_string(WLBRCM_MAX_BSS - 1));
+        problems.add(path / "ifname", inQuotes(ifname) + " is no interface of " + own + "; " + own + ".1 to " + own +
+                                          "." + std::to_string(WLBRCM_MAX_BSS - 1));
 }
 
 // Refuses a name that was seen before.
@@ -124,7 +121,7 @@ class Once {
     explicit Once(const char *what) : what_(what) {}
     void check(const std::string &name, const Path &path, Problems &problems) {
         if (auto [first, added] = seen_.emplace(name, path.text()); !added)
-            problems.add(path, inQuotes(name.c_str()) + " is the " + what_ + " at " + first->second + " already");
+            problems.add(path, inQuotes(name) + " is the " + what_ + " at " + first->second + " already");
     }
 
   private:
@@ -205,7 +202,7 @@ void checkSsid(const SsidFields &ssid, size_t index, const json &node, const Pat
     checkWps(ssid, index, security, path, problems);
     if (index > 3 && std::strcmp(ssid.record.encryption, "wep") == 0)
         problems.add(path / "encryption",
-                     inQuotes(security.c_str()) + " is refused; WEP goes with a radio's first four SSIDs only");
+                     inQuotes(security) + " is refused; WEP goes with a radio's first four SSIDs only");
     if (node.contains("maclist") && ssid.record.macFilterMode[0] == '\0')
         problems.add(path / "maclist", "has no use without a filter; set macfilter to deny or allow");
     if (index == 0 && ssid.record.presetRole == WLBRCM_PRESET_ON_DEMAND)

@@ -8,8 +8,6 @@
 namespace wlhost {
 namespace {
 
-std::string inQuotes(const std::string &text) { return "\"" + text + "\""; }
-
 std::vector<std::string> namesOf(const std::vector<Word> &words) {
     std::vector<std::string> names;
     for (const Word &word : words)
@@ -198,9 +196,7 @@ void readMembers(const json &node, const Path &path, const std::vector<Field> &f
     for (const auto &[name, value] : node.items()) {
         if (std::find(names.begin(), names.end(), name) != names.end())
             continue;
-        auto nearest = nearestName(name, names);
-        problems.add(path / name, nearest ? "unknown name; did you mean " + inQuotes(*nearest) + "?"
-                                          : "unknown name; known here: " + joined(names));
+        problems.add(path / name, "unknown name; " + suggestion(name, names));
     }
 }
 

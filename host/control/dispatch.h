@@ -1,17 +1,13 @@
-// The host's side of the control socket: what each command does to the host.
+// Requests of the control socket, answered from the table of commands.
 #pragma once
 
 #include <string>
 
-#include <nlohmann/json.hpp>
+#include "host/base/failure.h"
 
 namespace wlhost {
 
 class Host;
-using nlohmann::json;
-
-// Version of wlhost itself.
-extern const char *const kHostVersion;
 
 // Answers one request `{"command": ..., "args": {...}}` with `{"status": 0, "result": ...}` or
 // `{"status": 3, "error": {"code", "where", "text", "hint"}}`. Never throws.

@@ -1,50 +1,11 @@
 #include "host/show/results.h"
 
 #include <algorithm>
-#include <cstdio>
 
-#include "host/show/tables.h"
+#include "host/show/units.h"
 
 namespace wlhost {
 namespace {
-
-std::string withUnit(const json &value, const char *unit) {
-    return value.is_null() ? cell(value) : cell(value) + " " + unit;
-}
-std::string mhz(const json &value) { return withUnit(value, "MHz"); }
-std::string dbm(const json &value) { return withUnit(value, "dBm"); }
-std::string db(const json &value) { return withUnit(value, "dB"); }
-std::string mbps(const json &value) { return withUnit(value, "Mbit/s"); }
-std::string percent(const json &value) { return withUnit(value, "%"); }
-std::string seconds(const json &value) { return withUnit(value, "s"); }
-std::string slashed(const json &value) {
-    std::string text = cell(value);
-    std::replace(text.begin(), text.end(), ' ', '/');
-    return text;
-}
-
-std::string text(const json &value) { return value.is_string() ? value.get<std::string>() : ""; }
-
-std::string oneDecimal(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, value < 100 ? "%.1f" : "%.0f", value);
-    return text;
-}
-
-std::string kbps(const json &value) {
-    return value.is_number() ? oneDecimal(value.get<double>() / 1000) + " Mbit/s" : cell(value);
-}
-
-std::string bytes(const json &value) {
-    constexpr const char *kUnits[] = {"kB", "MB", "GB", "TB"};
-    if (!value.is_number() || value < 1000)
-        return withUnit(value, "B");
-    double scaled = value.get<double>() / 1000;
-    size_t unit = 0;
-    for (; scaled >= 1000 && unit < 3; ++unit)
-        scaled /= 1000;
-    return oneDecimal(scaled) + " " + kUnits[unit];
-}
 
 std::string itemRows(const json &result) {
     json rows = json::array();
@@ -57,39 +18,21 @@ std::string itemRows(const json &result) {
 
 } // namespace
 
-std::string showStatus(const json &result) {
-    if (!result.empty() && result[0].contains("items"))
-        return itemRows(result);
-    return table({{"RADIO", "radio"},
-                  {"BAND", "band"},
-                  {"CHAN", "channel", true},
-                  {"WIDTH", "width_mhz", true, mhz},
-                  {"STATE", "state"},
-                  {"MAXRATE", "max_rate_mbps", true, mbps},
-                  {"NOISE", "noise_dbm", true, dbm},
-                  {"SSIDS", "ssids", true},
-                  {"STAS", "stations", true}},
-                 result);
+std::string showRows(const json &result, const std::vector<Column> &columns) { return table(columns, result); }
+
+std::string showStatus(const json &result, const std::vector<Column> &columns) {
+    return !result.empty() && result[0].contains("items") ? itemRows(result) : table(columns, result);
 }
 
-std::string showSsids(const json &result) {
-    return table({{"IF", "interface"},
-                  {"SSID", "ssid"},
-                  {"SECURITY", "security"},
-                  {"BRIDGE", "bridge"},
-                  {"BSSID", "bssid"},
-                  {"FILTER", "filter"},
-                  {"WPS", "wps"},
-                  {"STATE", "state"}},
-                 result);
+std::string showRadios(const json &result, const std::vector<Column> &columns) {
+    return table(columns, result["radios"]);
 }
 
-std::string showReload(const json &result) {
-    return table({{"RADIO", "radio"}, {"ACTION", "action"}}, result["radios"]) + "lan " +
-           result["lan"].get<std::string>() + "\n";
+std::string showReload(const json &result, const std::vector<Column> &columns) {
+    return showRadios(result, columns) + "lan " + result["lan"].get<std::string>() + "\n";
 }
 
-std::string showFilter(const json &result) {
+std::string showFilter(const json &result, const std::vector<Column> &columns) {
     json rows = {{{"interface", result["interface"]},
                   {"side", "user"},
                   {"mode", result["mode"]},
@@ -98,15 +41,13 @@ std::string showFilter(const json &result) {
                   {"side", "run-time"},
                   {"mode", result["denied"].empty() ? "off" : "deny"},
                   {"stations", result["denied"]}}};
-    return table({{"IF", "interface"}, {"SIDE", "side"}, {"MODE", "mode"}, {"STATIONS", "stations"}}, rows);
+    return table(columns, rows);
 }
 
-std::string showLan(const json &result) {
-    return table({{"BRIDGE", "name"}, {"MAC", "mac"}, {"PORTS", "ports"}}, result["groups"]);
-}
+std::string showLan(const json &result, const std::vector<Column> &columns) { return table(columns, result["groups"]); }
 
 // An object as lines of name and value.
-std::string showMembers(const json &result) {
+std::string showMembers(const json &result, const std::vector<Column> &) {
     json rows = json::array();
     for (const auto &[name, value] : result.items())
         rows.push_back({{"name", name}, {"value", value}});
@@ -114,36 +55,7 @@ std::string showMembers(const json &result) {
     return text.substr(text.find('\n') + 1);
 }
 
-std::string showStations(const json &result) {
-    return table({{"MAC", "mac"},
-                  {"IF", "interface"},
-                  {"MODE", "mode"},
-                  {"WIDTH", "width_mhz", true, mhz},
-                  {"SIGNAL", "signal_dbm", true, dbm},
-                  {"SNR", "snr_db", true, db},
-                  {"RX", "rx_rate_kbps", true, kbps},
-                  {"TX", "tx_rate_kbps", true, kbps},
-                  {"RX-BYTES", "rx_bytes", true, bytes},
-                  {"TX-BYTES", "tx_bytes", true, bytes},
-                  {"RETRIES", "tx_retries", true},
-                  {"AUTH", "authenticated"}},
-                 result);
-}
-
-std::string showScan(const json &result) {
-    return table({{"BSSID", "bssid"},
-                  {"SSID", "ssid"},
-                  {"BAND", "band"},
-                  {"CHAN", "channel", true},
-                  {"WIDTH", "width_mhz", true, mhz},
-                  {"SIGNAL", "signal_dbm", true, dbm},
-                  {"SECURITY", "security"},
-                  {"MODES", "modes", false, slashed},
-                  {"WPS", "wps"}},
-                 result);
-}
-
-std::string showSurvey(const json &result) {
+std::string showSurvey(const json &result, const std::vector<Column> &columns) {
     constexpr uint64_t kWidest = 40;
     uint64_t most = kWidest;
     for (const json &row : result)
@@ -156,15 +68,10 @@ std::string showSurvey(const json &result) {
         row["place"] = cell(row["channel"]) + (row["current"] == true ? "*" : " ");
         rows.push_back(row);
     }
-    return table({{"RADIO", "radio"},
-                  {"BAND", "band"},
-                  {"CHAN ", "place", true},
-                  {"BSS", "bss_count", true},
-                  {"", "bar", false, text}},
-                 rows);
+    return table(columns, rows);
 }
 
-std::string showRates(const json &result) {
+std::string showRates(const json &result, const std::vector<Column> &columns) {
     json rows = json::array();
     for (const json &radio : result) {
         auto add = [&](const char *what, const std::string &value) {
@@ -175,16 +82,10 @@ std::string showRates(const json &result) {
         add("basic", mbps(radio["basic_rates_mbps"]));
         add("supported", mbps(radio["supported_rates_mbps"]));
     }
-    return table({{"RADIO", "radio"}, {"RATES", "what"}, {"", "value"}}, rows);
+    return table(columns, rows);
 }
 
-std::string showLoad(const json &result) {
-    return table(
-        {{"IF", "interface"}, {"BUSY", "busy_percent", true, percent}, {"FREE", "free_percent", true, percent}},
-        result);
-}
-
-std::string showBeacon(const json &result) {
+std::string showBeacon(const json &result, const std::vector<Column> &columns) {
     json rows = json::array();
     for (const json &bss : result) {
         auto add = [&](const char *element, const json &from, const char *channel) {
@@ -199,24 +100,14 @@ std::string showBeacon(const json &result) {
         if (bss["vht"].is_object())
             add("VHT", bss["vht"], "center_channel");
     }
-    return table({{"IF", "interface"},
-                  {"ELEMENT", "element"},
-                  {"STREAMS", "streams", true},
-                  {"CHAN", "channel", true},
-                  {"ANNOUNCES", "announces"}},
-                 rows);
+    return table(columns, rows);
 }
 
-std::string showWps(const json &result) {
-    return table({{"RADIO", "radio"},
-                  {"METHOD", "method"},
-                  {"STATE", "state"},
-                  {"LEFT", "seconds_left", true, seconds},
-                  {"RESULT", "result"}},
-                 json::array({result}));
+std::string showSession(const json &result, const std::vector<Column> &columns) {
+    return table(columns, json::array({result}));
 }
 
-std::string showEvent(const json &event) {
+std::string showEvent(const json &event, const std::vector<Column> &) {
     std::string line = cell(event["sequence"]) + " " + cell(event["time"]) + " " + cell(event["interface"]) + " " +
                        cell(event["mac"]) + " " + cell(event["event"]);
     if (event.contains("signal_dbm"))

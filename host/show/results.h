@@ -1,29 +1,26 @@
-// Results of commands as a person reads them.
+// Results of commands as a person reads them, each in the columns of its command.
 #pragma once
 
 #include <string>
+#include <vector>
 
-#include <nlohmann/json.hpp>
+#include "host/show/tables.h"
 
 namespace wlhost {
 
-using nlohmann::json;
-
-std::string showStatus(const json &result);
-std::string showSsids(const json &result);
-std::string showReload(const json &result);
-std::string showFilter(const json &result);
-std::string showLan(const json &result);
-std::string showStations(const json &result);
-std::string showScan(const json &result);
-std::string showSurvey(const json &result);
-std::string showRates(const json &result);
-std::string showLoad(const json &result);
-std::string showBeacon(const json &result);
-std::string showWps(const json &result);
+std::string showRows(const json &result, const std::vector<Column> &columns);
+std::string showStatus(const json &result, const std::vector<Column> &columns);
+std::string showRadios(const json &result, const std::vector<Column> &columns);
+std::string showReload(const json &result, const std::vector<Column> &columns);
+std::string showFilter(const json &result, const std::vector<Column> &columns);
+std::string showLan(const json &result, const std::vector<Column> &columns);
+std::string showSurvey(const json &result, const std::vector<Column> &columns);
+std::string showRates(const json &result, const std::vector<Column> &columns);
+std::string showBeacon(const json &result, const std::vector<Column> &columns);
+std::string showSession(const json &result, const std::vector<Column> &columns);
 // An object as lines of name and value.
-std::string showMembers(const json &result);
+std::string showMembers(const json &result, const std::vector<Column> &);
 // One line, without its end.
-std::string showEvent(const json &event);
+std::string showEvent(const json &event, const std::vector<Column> &);
 
 } // namespace wlhost

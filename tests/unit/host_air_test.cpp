@@ -5,10 +5,8 @@
 
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
-#include "host/commands/air.h"
 #include "host/commands/beacon_elements.h"
 #include "host/commands/station_events.h"
-#include "host/show/results.h"
 
 namespace wlhost {
 namespace {
@@ -159,9 +157,9 @@ TEST_F(HostAir, SurveyCountsChannels) {
     ASSERT_EQ(rows.size(), 2u) << "the record in the middle is empty";
     EXPECT_EQ(rows[0]["bss_count"], 80);
     rows[1]["current"] = true;
-    EXPECT_EQ(showSurvey(rows), "RADIO  BAND  CHAN   BSS\n"
-                                "wl0    5GHz    36    80  ########################################\n"
-                                "wl0    5GHz    40*    1  #\n");
+    EXPECT_EQ(shown("survey", rows), "RADIO  BAND  CHAN   BSS\n"
+                                     "wl0    5GHz    36    80  ########################################\n"
+                                     "wl0    5GHz    40*    1  #\n");
 }
 
 TEST_F(HostAir, RatesComeFromTheirFile) {
@@ -182,7 +180,7 @@ TEST_F(HostAir, RatesComeFromTheirFile) {
 
 TEST_F(HostAir, LoadAndBeaconNameTheBss) {
     EXPECT_EQ(result("load", {{"interface", "wl0.1"}})[0]["busy_percent"], 15);
-    EXPECT_EQ(result("load").size(), 2u);
+    EXPECT_EQ(shown("load", result("load")), "IF   BUSY  FREE\nwl0  15 %  85 %\nwl1  15 %  85 %\n");
     EXPECT_EQ(calls, (Calls{"load wl0 1", "load wl0 0", "load wl1 0"}));
     freeAir = INT_MIN;
     EXPECT_TRUE(result("load")[0]["free_percent"].is_null());
@@ -233,7 +231,7 @@ TEST(HostEvents, RowsSayWhoAndWhatIsKnown) {
     row = eventRow(event, 8);
     EXPECT_EQ(row["mac"], "02:00:00:00:00:0a");
     EXPECT_FALSE(row.contains("rx_bytes"));
-    EXPECT_EQ(showEvent(row), "8 " + row["time"].get<std::string>() + " wl0.1 02:00:00:00:00:0a pruned");
+    EXPECT_EQ(shown("events", row), "8 " + row["time"].get<std::string>() + " wl0.1 02:00:00:00:00:0a pruned");
     copyText(event.ifName, "\x1b[2J");
     event.event = 99;
     row = eventRow(event, 9);

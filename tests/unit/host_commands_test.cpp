@@ -2,6 +2,8 @@
 #include "host_fixture.h"
 
 #include "host/base/addresses.h"
+#include "host/base/word_lists.h"
+#include "host/cli/completion.h"
 
 namespace wlhost {
 namespace {
@@ -141,10 +143,50 @@ TEST_F(HostCommands, EveryErrorHasItsStatusAndPlace) {
     EXPECT_EQ(ask("preset", {{"interface", "wl0.1"}, {"state", "on"}})["error"]["text"],
               "the module does not offer enablePresetSsid");
     EXPECT_EQ(ask("reload", {{"all", true}})["status"], Status::kFailed);
-    for (const char *request :
-         {"", "{", "[]", "null", "{\"command\": 5}", "{\"command\": \"stat\"}",
-          "{\"command\": \"status\", \"args\": []}", "{\"command\": \"status\", \"args\": {\"items\": 3}}"})
+    for (const char *request : {"", "{", "[]", "null", R"({"command": 5})", R"({"command": "status", "args": []})",
+                                R"({"command": "status", "args": {"items": 3}})", R"({"command": "ban"})",
+                                R"({"command": "scan", "args": {"cached": 1}})", R"({"command": "doctor"})"})
         EXPECT_EQ(answer(*host_, request)["status"], Status::kUsage) << request;
+    EXPECT_EQ(ask("stat")["error"]["hint"], "did you mean \"status\"?");
+}
+
+TEST(HostCompletion, OffersWhatTheTableHas) {
+    std::string asked;
+    auto ask = [&](const std::string &socket, const json &request) -> json {
+        asked = socket + " " + request["command"].get<std::string>() +
+                request.value("args", json::object()).value("interface", "");
+        if (socket == "none")
+            throw Failure(Status::kEnvironment, socket, "no host");
+        return {{{"radio", "wl7"}, {"interface", "wl7.1"}, {"mac", "02:00:00:00:00:07"}}};
+    };
+    struct {
+        std::vector<std::string> line;
+        const char *asked, *offered, *withheld;
+    } cases[] = {{{""}, "", "stations wps completion --socket --help", "pin --items"},
+                 {{"sta"}, "", "stations", ""},
+                 {{"wps", ""}, "", "push-button check-pin --json", "ssids wl7 --wait"},
+                 {{"wps", "pin", ""}, " status", "wl7 --wait", "push-button"},
+                 {{"status", "--json", "wl7", ""}, "", "--items", "wl7 status"},
+                 {{"stations", "--sort", ""}, "", "signal", "--sort wl7.1"},
+                 {{"--socket", "s", "kick", ""}, "s ssids", "wl7.1", "02:00:00:00:00:07"},
+                 {{"kick", "wl7.1", ""}, " stationswl7.1", "02:00:00:00:00:07", "wl7.1"},
+                 {{"kick", "wl7.1", "x", ""}, "", "--timeout", "02:00:00:00:00:07"},
+                 {{"filter", "wl7.1", ""}, "", "deny allow off", ""},
+                 {{"filter", "wl7.1", "deny", "x", ""}, " stationswl7.1", "02:00:00:00:00:07", "deny"},
+                 {{"run", ""}, "", "<files> --sim --log-level", "status"},
+                 {{"reload", "--config", ""}, "", "<files>", "--all"},
+                 {{"--socket", "none", "status", ""}, "none status", "--items", "wl7"},
+                 {{"nonsense", ""}, "", "--help", "status"}};
+    for (const auto &row : cases) {
+        asked.clear();
+        std::vector<std::string> found = candidatesFor(row.line, ask);
+        std::string line = joined(row.line);
+        for (const std::string &word : splitWords(row.offered))
+            EXPECT_EQ(std::count(found.begin(), found.end(), word), 1) << word << " behind " << line;
+        for (const std::string &word : splitWords(row.withheld))
+            EXPECT_EQ(std::count(found.begin(), found.end(), word), 0) << word << " behind " << line;
+        EXPECT_EQ(asked, row.asked) << line;
+    }
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 
 #include "host/base/addresses.h"
 #include "host/base/escape.h"
+#include "host/command_table.h"
 #include "host/control/dispatch.h"
 #include "host/state/host.h"
 
@@ -77,6 +78,12 @@ inline const char *const kConfig = R"({"lan": {"groups": [{"name": "br0", "ports
         {"ssid_hex": "ff41", "encryption": "psk2", "key": "correct horse", "network": "br0"},
         {"ssid": "party", "preset": "on-demand"}]},
     {"name": "wl1", "country": "DE/3", "channel": 6, "ssids": [{"ssid": "things", "hidden": true}]}]})";
+
+// As a person reads it.
+inline std::string shown(const char *command, const json &result) {
+    const Command *row = findCommand(command);
+    return row->show(result, row->columns);
+}
 
 class HostCommands : public testing::Test {
   protected:

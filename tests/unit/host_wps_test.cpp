@@ -2,8 +2,6 @@
 #include "host_fixture.h"
 
 #include "host/base/escape.h"
-#include "host/commands/wps_sessions.h"
-
 namespace wlhost {
 namespace {
 

@@ -1,0 +1,40 @@
+// What runs where a command is typed. Each gives the exit status, or throws a Failure.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+
+#include "host/command_table.h"
+
+namespace wlhost {
+
+// Asks the host and shows what it answers.
+Status ask(const Call &call);
+// The same, and tells meanwhile that a scan takes its time.
+Status askForScan(const Call &call);
+// A WPS session; with --wait until it ends.
+Status askForSession(const Call &call);
+// Shows events until there were --count of them, or for ever.
+Status askForEvents(const Call &call);
+// Without a host, the version of this program.
+Status askForVersion(const Call &call);
+
+// `run`: brings the configured radios up and serves until a signal ends it.
+Status beTheHost(const Call &call);
+// `run --sim`: starts the same command in a simulated gateway whose control socket appears at the call's path. Returns
+// only by throwing a Failure.
+[[noreturn]] void runInGateway(const Call &call);
+
+Status examineMachine(const Call &call);
+Status checkConfiguration(const Call &call);
+Status printSchema(const Call &call);
+Status complete(const Call &call);
+
+// Prints a result in the form that was asked for.
+void showResult(const Call &call, const json &result, FILE *out = stdout);
+// The result of a command that a host at this socket carries out.
+json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick = {});
+// A path as a host finds it, which has its own working directory.
+std::string absolutePath(const std::string &path);
+
+} // namespace wlhost

@@ -1,0 +1,307 @@
+#include "host/command_table.h"
+
+#include <algorithm>
+
+#include "host/cli/calls.h"
+#include "host/commands/host_commands.h"
+#include "host/show/results.h"
+#include "host/show/units.h"
+
+namespace wlhost {
+namespace {
+
+const Option kRadio{"RADIO", "radio", Value::kRadio, "Radio, such as wl0"};
+const Option kInterface{"IF", "interface", Value::kInterface, "Interface of a BSS, such as wl0.1", true};
+const Option kAnyInterface{"IF", "interface", Value::kInterface, "Interface of a BSS, such as wl0.1; all without"};
+const Option kStation{"MAC", "station", Value::kStation, "Station"};
+const Option kState{"STATE", "state", Value::kText, "on or off", true, {"on", "off"}};
+const Option kPin{"PIN", "pin", Value::kText, "4 or 8 digits", true};
+const Option kConfig{"CONFIG", "config", Value::kFile, "Configuration file", true};
+const Option kLibrary{"--library", "library", Value::kFile, "The module (WLHOST_LIBRARY)"};
+const Option kWait{"--wait", "wait", Value::kFlag, "Until the session ends; the exit status tells its result"};
+
+Option required(Option option) {
+    option.required = true;
+    return option;
+}
+
+const std::vector<Column> kRadioActions = {{"RADIO", "radio"}, {"ACTION", "action"}};
+const std::vector<Column> kFilterSides = {
+    {"IF", "interface"}, {"SIDE", "side"}, {"MODE", "mode"}, {"STATIONS", "stations"}};
+const std::vector<Column> kSession = {{"RADIO", "radio"},
+                                      {"METHOD", "method"},
+                                      {"STATE", "state"},
+                                      {"LEFT", "seconds_left", true, seconds},
+                                      {"RESULT", "result"}};
+
+} // namespace
+
+const std::vector<Option> &commonOptions() {
+    static const std::vector<Option> options = {
+        {"--socket", "socket", Value::kFile, "Control socket (WLHOST_SOCKET, /tmp/wlhost.sock)"},
+        {"--timeout", "timeout", Value::kNumber, "Seconds to wait for the host", false, {}, 3600},
+        {"--json", "json", Value::kFlag, "One JSON document on stdout, errors too"},
+    };
+    return options;
+}
+
+const std::vector<Group> &groups() {
+    static const std::vector<Group> rows = {{"wps", "Wi-Fi Protected Setup"}};
+    return rows;
+}
+
+const std::vector<Command> &commands() {
+    // Name and what it is for; options; what the host does; how the result is shown; who asks for it.
+    static const std::vector<Command> rows = {
+        {"run",
+         "Be the host: bring the configured radios up and serve",
+         {kConfig,
+          {"--sim", "sim", Value::kFlag, "Run in a simulated gateway of its own"},
+          {"--once", "once", Value::kFlag, "Bring the radios up and end"},
+          kLibrary,
+          {"--log-level",
+           "log_level",
+           Value::kText,
+           "Of the module's log on stderr",
+           false,
+           {"error", "info", "debug"}}},
+         nullptr,
+         showRadios,
+         kRadioActions,
+         beTheHost},
+        {"doctor",
+         "What this machine lacks to be a gateway",
+         {kLibrary},
+         nullptr,
+         showRows,
+         {{"CHECK", "check"}, {"RESULT", "result"}, {"REQUIRED", "required"}, {"HINT", "hint"}},
+         examineMachine},
+        {"check",
+         "Check a configuration file and apply nothing",
+         {kConfig},
+         nullptr,
+         showMembers,
+         {},
+         checkConfiguration},
+        {"schema", "Print the JSON schema of the configuration file", {}, nullptr, nullptr, {}, printSchema},
+        {"status",
+         "Radios: channel, state, rates, stations",
+         {kRadio, {"--items", "items", Value::kItems, "Raw status items instead, joined by commas"}},
+         status,
+         showStatus,
+         {{"RADIO", "radio"},
+          {"BAND", "band"},
+          {"CHAN", "channel", true},
+          {"WIDTH", "width_mhz", true, mhz},
+          {"STATE", "state"},
+          {"MAXRATE", "max_rate_mbps", true, mbps},
+          {"NOISE", "noise_dbm", true, dbm},
+          {"SSIDS", "ssids", true},
+          {"STAS", "stations", true}},
+         ask},
+        {"ssids",
+         "SSIDs: security, bridge, filter, WPS",
+         {},
+         ssids,
+         showRows,
+         {{"IF", "interface"},
+          {"SSID", "ssid"},
+          {"SECURITY", "security"},
+          {"BRIDGE", "bridge"},
+          {"BSSID", "bssid"},
+          {"FILTER", "filter"},
+          {"WPS", "wps"},
+          {"STATE", "state"}},
+         ask},
+        {"stations",
+         "Stations: signal, rates, traffic",
+         {kAnyInterface, {"--sort", "sort", Value::kText, "signal: the strongest first", false, {"signal"}}},
+         stations,
+         showRows,
+         {{"MAC", "mac"},
+          {"IF", "interface"},
+          {"MODE", "mode"},
+          {"WIDTH", "width_mhz", true, mhz},
+          {"SIGNAL", "signal_dbm", true, dbm},
+          {"SNR", "snr_db", true, db},
+          {"RX", "rx_rate_kbps", true, kbps},
+          {"TX", "tx_rate_kbps", true, kbps},
+          {"RX-BYTES", "rx_bytes", true, bytes},
+          {"TX-BYTES", "tx_bytes", true, bytes},
+          {"RETRIES", "tx_retries", true},
+          {"AUTH", "authenticated"}},
+         ask},
+        {"scan",
+         "Scan for neighbouring networks",
+         {kRadio, {"--cached", "cached", Value::kFlag, "Show what the last scan found"}},
+         scan,
+         showRows,
+         {{"BSSID", "bssid"},
+          {"SSID", "ssid"},
+          {"BAND", "band"},
+          {"CHAN", "channel", true},
+          {"WIDTH", "width_mhz", true, mhz},
+          {"SIGNAL", "signal_dbm", true, dbm},
+          {"SECURITY", "security"},
+          {"MODES", "modes", false, slashed},
+          {"WPS", "wps"}},
+         askForScan},
+        {"survey",
+         "Networks on each channel, as the last scan counted them",
+         {kRadio},
+         survey,
+         showSurvey,
+         {{"RADIO", "radio"},
+          {"BAND", "band"},
+          {"CHAN ", "place", true},
+          {"BSS", "bss_count", true},
+          {"", "bar", false, plain}},
+         ask},
+        {"rates",
+         "Rates: the highest, the current one, basic and supported ones",
+         {kRadio},
+         rates,
+         showRates,
+         {{"RADIO", "radio"}, {"RATES", "what"}, {"", "value"}},
+         ask},
+        {"load",
+         "How busy the channel of a BSS is",
+         {kAnyInterface},
+         load,
+         showRows,
+         {{"IF", "interface"}, {"BUSY", "busy_percent", true, percent}, {"FREE", "free_percent", true, percent}},
+         ask},
+        {"beacon",
+         "What the beacon of a BSS announces",
+         {kAnyInterface},
+         beacon,
+         showBeacon,
+         {{"IF", "interface"},
+          {"ELEMENT", "element"},
+          {"STREAMS", "streams", true},
+          {"CHAN", "channel", true},
+          {"ANNOUNCES", "announces"}},
+         ask},
+        {"kick", "Send a station away; it may come back", {kInterface, required(kStation)}, kick, showMembers, {}, ask},
+        {"reload",
+         "Take the configuration file over again: the radios that it changes, or RADIO",
+         {kRadio,
+          {"--config", "config", Value::kFile, "Another file, which takes the place of the first"},
+          {"--all", "all", Value::kFlag, "Unchanged radios as well"}},
+         reload,
+         showReload,
+         kRadioActions,
+         ask},
+        {"filter",
+         "Show the MAC filter of an SSID, or set the user's side of it",
+         {kInterface,
+          {"MODE", "mode", Value::kText, "deny, allow or off", false, {"deny", "allow", "off"}},
+          {"MAC", "stations", Value::kStations, "Stations"}},
+         filter,
+         showFilter,
+         kFilterSides,
+         ask},
+        {"ban",
+         "Deny a station until unban, whatever the user's filter says",
+         {kInterface, required(kStation)},
+         ban,
+         showFilter,
+         kFilterSides,
+         ask},
+        {"unban",
+         "Admit a banned station again",
+         {kInterface, kStation, {"--all", "all", Value::kFlag, "Every banned station of the SSID"}},
+         unban,
+         showFilter,
+         kFilterSides,
+         ask},
+        {"preset", "Switch an on-demand SSID", {kInterface, kState}, preset, showMembers, {}, ask},
+        {"lan",
+         "Take the LAN groups of a configuration file over",
+         {kConfig},
+         lan,
+         showLan,
+         {{"BRIDGE", "name"}, {"MAC", "mac"}, {"PORTS", "ports"}},
+         ask},
+        {"mac",
+         "Set the address of a radio's interface",
+         {required(kRadio), {"ADDR", "mac", Value::kText, "Address", true}},
+         setMac,
+         showMembers,
+         {},
+         ask},
+        {"wps push-button",
+         "Let the station in whose button is pressed too",
+         {kRadio,
+          {"--hardware", "hardware", Value::kFlag, "As the gateway's own button does; the module picks the radio"},
+          kWait},
+         wpsPushButton,
+         showSession,
+         kSession,
+         askForSession},
+        {"wps pin",
+         "Let the station in that has this PIN",
+         {required(kRadio), kPin, kWait},
+         wpsPin,
+         showSession,
+         kSession,
+         askForSession},
+        {"wps check-pin", "Whether a PIN is one", {kPin}, wpsCheckPin, showMembers, {}, ask},
+        {"wps cancel", "End the session", {required(kRadio)}, wpsCancel, showSession, kSession, ask},
+        {"wps status", "The session: state, seconds left, result", {}, wpsStatus, showSession, kSession, ask},
+        {"wps apply", "Take over what a session agreed on", {required(kRadio)}, wpsApply, showMembers, {}, ask},
+        {"events",
+         "Follow the stations' coming and going; with --json a document a line",
+         {{"--count", "count", Value::kNumber, "End after so many"}},
+         followEvents,
+         showEvent,
+         {},
+         askForEvents,
+         true},
+        {"forward",
+         "Pass driver events on to the steering agent, or stop that",
+         {kState},
+         forward,
+         showMembers,
+         {},
+         ask},
+        {"version",
+         "Versions of host, module and interface; the radios found",
+         {},
+         version,
+         showMembers,
+         {},
+         askForVersion},
+        {"completion",
+         "For the shell: what may stand in the place of the last WORD",
+         {{"WORD", "words", Value::kTexts, "The command line so far, behind --"}},
+         nullptr,
+         nullptr,
+         {},
+         complete},
+    };
+    return rows;
+}
+
+const Command *findCommand(const std::string &name) {
+    auto found =
+        std::find_if(commands().begin(), commands().end(), [&](const Command &row) { return name == row.name; });
+    return found == commands().end() ? nullptr : &*found;
+}
+
+std::vector<std::string> namesIn(const std::string &group) {
+    std::vector<std::string> names;
+    std::string start = group.empty() ? "" : group + " ";
+    for (const Command &command : commands()) {
+        std::string name = command.name;
+        if (name.compare(0, start.size(), start) != 0)
+            continue;
+        name = name.substr(start.size());
+        name = name.substr(0, name.find(' '));
+        if (names.empty() || names.back() != name)
+            names.push_back(name);
+    }
+    return names;
+}
+
+} // namespace wlhost

@@ -1,0 +1,52 @@
+// What each command does in a running host: arguments in, result out. The dispatch has checked the arguments against
+// the command's row; what they mean is checked here.
+#pragma once
+
+#include "host/base/failure.h"
+
+namespace wlhost {
+
+class Host;
+
+// Version of wlhost itself.
+constexpr const char *kHostVersion = "1.0";
+
+json status(Host &host, const json &args);
+json ssids(Host &host, const json &args);
+json version(Host &host, const json &args);
+
+json stations(Host &host, const json &args);
+json kick(Host &host, const json &args);
+
+// On the air: neighbours, channels, rates, load.
+json scan(Host &host, const json &args);
+json survey(Host &host, const json &args);
+json rates(Host &host, const json &args);
+json load(Host &host, const json &args);
+json beacon(Host &host, const json &args);
+
+json reload(Host &host, const json &args);
+json lan(Host &host, const json &args);
+json preset(Host &host, const json &args);
+json setMac(Host &host, const json &args);
+
+// The user's MAC filter, and addresses denied at run time.
+json filter(Host &host, const json &args);
+json ban(Host &host, const json &args);
+json unban(Host &host, const json &args);
+
+// Wi-Fi Protected Setup: sessions that let a station in by push button or PIN.
+json wpsPushButton(Host &host, const json &args);
+json wpsPin(Host &host, const json &args);
+json wpsCheckPin(Host &host, const json &args);
+json wpsCancel(Host &host, const json &args);
+json wpsStatus(Host &host, const json &args);
+// Takes over what a session agreed on.
+json wpsApply(Host &host, const json &args);
+
+// Answers a subscription; the events follow as lines of their own.
+json followEvents(Host &host, const json &args);
+// Their way to the steering agent.
+json forward(Host &host, const json &args);
+
+} // namespace wlhost

@@ -1,0 +1,47 @@
+#include "host/base/addresses.h"
+#include "host/base/word_lists.h"
+#include "host/commands/arguments.h"
+#include "host/commands/host_commands.h"
+
+namespace wlhost {
+
+json preset(Host &host, const json &args) {
+    std::string ifname = textArg(args, "interface");
+    bool on = textArg(args, "state") == "on";
+    const WlSsidCfg &record = host.bss(ifname).record();
+    std::vector<std::string> presets;
+    for (const Host::Bss &bss : host.allBss())
+        if (bss.record().presetRole == WLBRCM_PRESET_ON_DEMAND)
+            presets.push_back(bss.record().ifName);
+    if (record.presetRole != WLBRCM_PRESET_ON_DEMAND)
+        throw Failure(Status::kNotFound, ifname, "is no on-demand SSID", "on demand: " + joined(presets));
+    auto *enablePreset = host.operation(host.module().ops->enablePresetSsid, "enablePresetSsid");
+    Host::check(enablePreset(ifname.c_str(), on), ifname, "enablePresetSsid");
+    host.presets[ifname] = on;
+    return {{"interface", ifname}, {"preset", on ? "on" : "off"}};
+}
+
+json setMac(Host &host, const json &args) {
+    WlIntf *intf = host.radio(textArg(args, "radio"));
+    MacBytes mac = macOf(textArg(args, "mac"));
+    auto *setWlanMacAddr = host.operation(host.module().ops->setWlanMacAddr, "setWlanMacAddr");
+    Host::check(setWlanMacAddr(intf, mac.data()), intf->intfName, "setWlanMacAddr");
+    return {{"radio", intf->intfName}, {"mac", formatMac(mac)}};
+}
+
+json reload(Host &host, const json &args) {
+    return host.reload(textArg(args, "radio"), textArg(args, "config"), flagArg(args, "all"));
+}
+
+json lan(Host &host, const json &args) { return host.updateLan(textArg(args, "config")); }
+
+json version(Host &host, const json &) {
+    return {{"host", kHostVersion},
+            {"abi", WLBRCM_ABI_VERSION},
+            {"module", host.module().ops->name},
+            {"library", host.module().library},
+            {"radios", host.module().names()},
+            {"events", host.eventCount}};
+}
+
+} // namespace wlhost

@@ -1,0 +1,25 @@
+// Values with their units, for cells of a table; unknown ones are "-".
+#pragma once
+
+#include <string>
+
+#include "host/base/failure.h"
+
+namespace wlhost {
+
+std::string mhz(const json &value);
+std::string dbm(const json &value);
+std::string db(const json &value);
+std::string mbps(const json &value);
+std::string percent(const json &value);
+std::string seconds(const json &value);
+// 866000 as "866 Mbit/s".
+std::string kbps(const json &value);
+// 1500 as "1.5 kB".
+std::string bytes(const json &value);
+// A list joined by slashes.
+std::string slashed(const json &value);
+// A text, empty when it is unknown.
+std::string plain(const json &value);
+
+} // namespace wlhost
