@@ -1,6 +1,5 @@
 #include "host/base/escape.h"
 
-#include <algorithm>
 #include <cctype>
 #include <cstdint>
 

@@ -4,11 +4,9 @@
 #include <stdexcept>
 #include <string>
 
-#include <nlohmann/json.hpp>
+#include "host/base/json.h"
 
 namespace wlhost {
-
-using nlohmann::json;
 
 // Exit statuses of every command; the control socket carries them too.
 enum class Status { kDone = 0, kFailed = 1, kUsage = 2, kNotFound = 3, kTimeout = 5, kEnvironment = 7 };

@@ -1,7 +1,5 @@
 #include "host/cli/completion.h"
 
-#include <algorithm>
-
 #include "host/cli/calls.h"
 #include "host/control/control_socket.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/base/failure.h"
+#include "host/base/json.h"
 
 namespace wlhost {
 

@@ -1,7 +1,11 @@
 // Capability elements of a beacon, decoded (IEEE 802.11 9.4).
 #pragma once
 
-#include "host/state/host.h"
+#include <string>
+
+#include <wlbrcm/wlbrcm.h>
+
+#include "host/base/json.h"
 
 namespace wlhost {
 

@@ -2,7 +2,7 @@
 // the command's row; what they mean is checked here.
 #pragma once
 
-#include "host/base/failure.h"
+#include "host/base/json.h"
 
 namespace wlhost {
 

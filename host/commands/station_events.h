@@ -1,7 +1,9 @@
 // Station events of the drivers.
 #pragma once
 
-#include "host/state/host.h"
+#include <wlbrcm/wlbrcm.h>
+
+#include "host/base/json.h"
 
 namespace wlhost {
 

@@ -7,7 +7,6 @@
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
-#include "host/commands/radio_status.h"
 #include "host/commands/values.h"
 
 namespace wlhost {

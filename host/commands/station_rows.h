@@ -1,7 +1,9 @@
 // Stations: who is associated, and how one is sent away.
 #pragma once
 
-#include "host/state/host.h"
+#include <wlbrcm/wlbrcm.h>
+
+#include "host/base/json.h"
 
 namespace wlhost {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/base/failure.h"
+#include "host/base/json.h"
 
 namespace wlhost {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"

@@ -4,13 +4,9 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
 #include "host/base/failure.h"
 
 namespace wlhost {
-
-using nlohmann::json;
 
 // Way from the root of a document to one value.
 class Path {

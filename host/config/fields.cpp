@@ -216,22 +216,27 @@ constexpr long kMonth = 31 * 24 * 3600;
 using R = RadioFields;
 using S = SsidFields;
 
-const std::vector<Field> &rxChainFields() {
-    static const std::vector<Field> fields = {
-        number("enable", AT(R, record.rxChainPwrsaveParams[0]), 0, 1, 0, "1 switches receive chains off when idle"),
-        number("quiet_time", AT(R, record.rxChainPwrsaveParams[1]), 0, 86400, 1800, "Idle seconds before"),
-        number("pps", AT(R, record.rxChainPwrsaveParams[2]), 0, 1000000, 10, "Packets per second that count as idle"),
+// What both power saves take, in the first three words of their parameters.
+std::vector<Field> idleFields(size_t offset, size_t size, const char *enableAbout) {
+    return {
+        number("enable", offset, size, 0, 1, 0, enableAbout),
+        number("quiet_time", offset + size, size, 0, 86400, 1800, "Idle seconds before"),
+        number("pps", offset + 2 * size, size, 0, 1000000, 10, "Packets per second that count as idle"),
     };
+}
+
+const std::vector<Field> &rxChainFields() {
+    static const std::vector<Field> fields =
+        idleFields(AT(R, record.rxChainPwrsaveParams[0]), "1 switches receive chains off when idle");
     return fields;
 }
 
 const std::vector<Field> &radioPwrsaveFields() {
-    static const std::vector<Field> fields = {
-        number("enable", AT(R, record.radioPwrsaveParams[0]), 0, 1, 0, "1 duty-cycles the radio when idle"),
-        number("quiet_time", AT(R, record.radioPwrsaveParams[1]), 0, 86400, 1800, "Idle seconds before"),
-        number("pps", AT(R, record.radioPwrsaveParams[2]), 0, 1000000, 10, "Packets per second that count as idle"),
-        number("level", AT(R, record.radioPwrsaveParams[3]), 0, 7, 0, "Depth of the duty cycle"),
-    };
+    static const std::vector<Field> fields = [] {
+        auto rows = idleFields(AT(R, record.radioPwrsaveParams[0]), "1 duty-cycles the radio when idle");
+        rows.push_back(number("level", AT(R, record.radioPwrsaveParams[3]), 0, 7, 0, "Depth of the duty cycle"));
+        return rows;
+    }();
     return fields;
 }
 

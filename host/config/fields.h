@@ -7,7 +7,6 @@
 
 #include <wlbrcm/radio.h>
 
-#include "host/base/word_lists.h"
 #include "host/config/document.h"
 
 namespace wlhost {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/base/failure.h"
+#include "host/base/json.h"
 
 namespace wlhost {
 
