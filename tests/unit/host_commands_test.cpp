@@ -163,7 +163,6 @@ TEST(HostCompletion, OffersWhatTheTableHas) {
         std::vector<std::string> line;
         const char *asked, *offered, *withheld;
     } cases[] = {{{""}, "", "stations wps completion --socket --help", "pin --items"},
-                 {{"sta"}, "", "stations", ""},
                  {{"wps", ""}, "", "push-button check-pin --json", "ssids wl7 --wait"},
                  {{"wps", "pin", ""}, " status", "wl7 --wait", "push-button"},
                  {{"status", "--json", "wl7", ""}, "", "--items", "wl7 status"},
