@@ -173,11 +173,14 @@ json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names
 }
 
 json status(Host &host, const json &args) {
-    std::vector<std::string> items = listArg(args, "items");
+    std::vector<std::string> names = listArg(args, "items");
     json rows = json::array();
-    for (WlIntf *intf : radiosArg(host, args))
-        rows.push_back(items.empty() ? radioStatus(host, *intf)
-                                     : json{{"radio", intf->intfName}, {"items", statusItems(host, *intf, items)}});
+    for (WlIntf *intf : radiosArg(host, args)) {
+        if (names.empty())
+            rows.push_back(radioStatus(host, *intf));
+        else
+            rows.push_back({{"radio", intf->intfName}, {"items", statusItems(host, *intf, names)}});
+    }
     return rows;
 }
 
