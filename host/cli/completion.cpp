@@ -29,9 +29,13 @@ const Option *findOption(const Command *command, const std::string &name) {
 // The option that an argument at this place is the value of; the last one takes any number if its kind does.
 const Option *optionAt(const Command &command, size_t place) {
     const Option *last = nullptr;
-    for (const Option &option : command.options)
-        if (option.isPlaced() && (last = &option) && place-- == 0)
+    for (const Option &option : command.options) {
+        if (!option.isPlaced())
+            continue;
+        last = &option;
+        if (place-- == 0)
             return last;
+    }
     return last && (last->value == Value::kStations || last->value == Value::kTexts) ? last : nullptr;
 }
 
@@ -42,7 +46,7 @@ void take(Line &line, const Option *option, const std::string &word) {
         line.interface = word;
 }
 
-Line read(const std::vector<std::string> &words) {
+Line lineOf(const std::vector<std::string> &words) {
     Line line;
     for (size_t i = 0; i + 1 < words.size(); ++i) {
         const std::string &word = words[i];
@@ -66,8 +70,8 @@ Line read(const std::vector<std::string> &words) {
 std::vector<std::string> columnOf(const json &rows, const char *key) {
     std::vector<std::string> words;
     for (const json &row : rows)
-        if (row[key].is_string())
-            words.push_back(row[key]);
+        if (json value = row.value(key, json()); value.is_string())
+            words.push_back(value);
     return words;
 }
 
@@ -90,13 +94,13 @@ std::vector<std::string> valuesOf(const Option &option, const Line &line, const 
 } // namespace
 
 std::vector<std::string> candidatesFor(const std::vector<std::string> &words, const Ask &ask) {
-    Line line = read(words);
+    Line line = lineOf(words);
     std::vector<std::string> found;
     const Option *option = line.open ? line.open : line.command ? optionAt(*line.command, line.placed) : nullptr;
     try {
         if (option)
             found = valuesOf(*option, line, ask);
-    } catch (const Failure &) { // without a host there are no names to offer
+    } catch (const std::exception &) { // without a host that answers there are no names to offer
     }
     if (line.open)
         return found;
