@@ -70,17 +70,17 @@ int qvWlanNvramInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     char vifs[WLBRCM_MAX_BSS * 16] = "";
     writeInt(WLBRCM_HERE, Key("acs_no_restrict_align"), 1);
     for (int i = 0; i < count; ++i) {
-        const auto ifname = usableName(WLBRCM_HERE, fieldText(bss[i].ifName));
+        const InterfaceName ifname = usableName(WLBRCM_HERE, fieldText(bss[i].ifName));
         if (!ifname)
             continue;
         if (bss[i].enable == 0) {
-            writeDisabledBss(WLBRCM_HERE, radio, *ifname);
+            writeDisabledBss(WLBRCM_HERE, radio, ifname);
             continue;
         }
         deriveAddress(radio->baseMac, i, count, bss[i].macText);
         if (i > 0)
-            appendWord(vifs, ifname->c_str());
-        writeEnabledBss(WLBRCM_HERE, radio, bss[i], *ifname, i == 0);
+            appendWord(vifs, ifname.c_str());
+        writeEnabledBss(WLBRCM_HERE, radio, bss[i], ifname, i == 0);
     }
     writeText(WLBRCM_HERE, radioName, "vifs", vifs);
     writeInt(WLBRCM_HERE, radioName, "bw_cap", bandwidthCapability(radio->bandwidth));

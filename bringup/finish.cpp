@@ -28,10 +28,10 @@ void qvWlanSetupBridge(const WlRadioCfg *radio, WlSsidCfg *bss) {
     for (const WlSsidCfg &entry : EntriesInUse(radio, bss)) {
         if (entry.enable == 0)
             continue;
-        const auto ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
-        const auto bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge));
+        const InterfaceName ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
+        const InterfaceName bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge));
         if (ifname && bridge)
-            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("brctl addif %s %s"), *bridge, *ifname);
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("brctl addif %s %s"), bridge, ifname);
     }
 }
 
@@ -41,8 +41,8 @@ void startLinkDiscovery(Here here) {
     const std::string_view text = nvramText("lan_ifname");
     if (text.empty())
         runCommand(here, WLBRCM_COMMAND("/bin/lld2d "));
-    else if (const auto bridge = usableName(here, text))
-        runCommand(here, WLBRCM_COMMAND("/bin/lld2d %s"), *bridge);
+    else if (const InterfaceName bridge = usableName(here, text))
+        runCommand(here, WLBRCM_COMMAND("/bin/lld2d %s"), bridge);
 }
 
 void qvWlanStartServices() {
@@ -62,11 +62,11 @@ void qvWlanIfaceUp(const WlRadioCfg *radio, WlSsidCfg *bss) {
         const bool preset = entry.presetRole == WLBRCM_PRESET_ON_DEMAND;
         if (!preset && entry.enable == 0)
             continue;
-        const auto ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
+        const InterfaceName ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
         if (ifname && preset)
-            holdBack(WLBRCM_HERE, *ifname);
+            holdBack(WLBRCM_HERE, ifname);
         else if (ifname)
-            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s up 2>/dev/null"), *ifname);
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s up 2>/dev/null"), ifname);
     }
 }
 
@@ -92,12 +92,12 @@ void tuneDriver(Here here, const WlRadioCfg *radio, const InterfaceName &ifname)
 void startRadio(Here here, const WlRadioCfg *radio, WlSsidCfg *bss, const char *radioName) {
     qvWlConfStart(radioName);
     qvWlanIfaceUp(radio, bss);
-    const auto ifname = usableName(here, radioName);
+    const InterfaceName ifname = usableName(here, radioName);
     if (ifname && !entryFollowsInUse(radio, bss))
-        runCommand(here, WLBRCM_COMMAND("ifconfig %s up 2>/dev/null"), *ifname);
+        runCommand(here, WLBRCM_COMMAND("ifconfig %s up 2>/dev/null"), ifname);
     qvWlanSetPriority(radioName);
     if (ifname)
-        tuneDriver(here, radio, *ifname);
+        tuneDriver(here, radio, ifname);
 }
 
 void makeRealtime(int pid, const char *ifname) {
@@ -141,14 +141,14 @@ int qvWlanSetIfaceMAC(WlRadioCfg *radio, WlSsidCfg *bss) {
     for (const WlSsidCfg &entry : EntriesInUse(radio, bss)) {
         if (entry.enable == 0)
             continue;
-        const auto ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
+        const InterfaceName ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
         if (!ifname)
             continue;
         const MacText mac(WLBRCM_HERE, fieldText(entry.macText));
         if (!mac)
             continue;
-        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s hw ether %s &>/dev/null"), *ifname, mac);
-        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s cur_etheraddr %s &>/dev/null"), *ifname, mac);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s hw ether %s &>/dev/null"), ifname, mac);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wlctl -i %s cur_etheraddr %s &>/dev/null"), ifname, mac);
     }
     return WLBRCM_OK;
 }

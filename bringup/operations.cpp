@@ -145,8 +145,8 @@ void qvbrcm_ChannelSwitchAnnounce(WlRadioCfg *radio, WlSsidCfg *bss) {
     for (int i = 0; i < WLBRCM_MAX_BSS; ++i) {
         if (bss[i].presetRole != WLBRCM_PRESET_ANNOUNCER)
             continue;
-        if (const auto ifname = usableName(WLBRCM_HERE, fieldText(bss[i].ifName))) {
-            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wl -i %s csa 0 20 %d/%d"), *ifname, radio->channel,
+        if (const InterfaceName ifname = usableName(WLBRCM_HERE, fieldText(bss[i].ifName))) {
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("wl -i %s csa 0 20 %d/%d"), ifname, radio->channel,
                        int{radio->bandwidth});
             pauseFor(kAnnounceSeconds);
         }

@@ -67,28 +67,28 @@ void qvWlanStopServices() {
 
 void qvWlanIfaceDown(const WlRadioCfg *radio, WlSsidCfg *bss) {
     for (const WlSsidCfg &entry : EntriesInUse(radio, bss)) {
-        const auto ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
+        const InterfaceName ifname = usableName(WLBRCM_HERE, fieldText(entry.ifName));
         if (!ifname)
             continue;
-        if (const auto bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge)))
-            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("brctl delif %s %s 2>/dev/null"), *bridge, *ifname);
-        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s down 2>/dev/null"), *ifname);
+        if (const InterfaceName bridge = usableName(WLBRCM_HERE, fieldText(entry.bridge)))
+            runCommand(WLBRCM_HERE, WLBRCM_COMMAND("brctl delif %s %s 2>/dev/null"), bridge, ifname);
+        runCommand(WLBRCM_HERE, WLBRCM_COMMAND("ifconfig %s down 2>/dev/null"), ifname);
     }
 }
 
 void runWlconf(Here here, const char *ifname, Word action) {
     if (ifname == nullptr)
         return;
-    if (const auto name = usableName(here, ifname))
-        runCommand(here, WLBRCM_COMMAND("/bin/wlconf %s %s"), *name, action);
+    if (const InterfaceName name = usableName(here, ifname))
+        runCommand(here, WLBRCM_COMMAND("/bin/wlconf %s %s"), name, action);
 }
 
 } // namespace
 
 int qvWlanReset(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *) {
     qvWlanSetupTPs(FieldCopy(bss[0].ifName).c_str());
-    if (const auto radioName = usableName(WLBRCM_HERE, fieldText(radio->ifName)))
-        __qvWlanCmdExec(__func__, __LINE__, radioName->c_str(), "phy_watchdog 0");
+    if (const InterfaceName radioName = usableName(WLBRCM_HERE, fieldText(radio->ifName)))
+        __qvWlanCmdExec(__func__, __LINE__, radioName.c_str(), "phy_watchdog 0");
     qvWlanStopServices();
     qvWlConfDown(FieldCopy(radio->ifName).c_str());
     qvWlanIfaceDown(radio, bss);

@@ -89,10 +89,10 @@ void setMulticast(ParamsRecord &params, const WlSsidCfg &entry, const WlCaps *ca
 
 // The prefix for one entry; without a usable name nothing may be set for it.
 bool usePrefix(Here here, ParamsRecord &params, const WlSsidCfg &entry) {
-    const auto name = usableName(here, fieldText(entry.ifName));
+    const InterfaceName name = usableName(here, fieldText(entry.ifName));
     if (name)
-        params.prefix(name->c_str());
-    return name.has_value();
+        params.prefix(name.c_str());
+    return static_cast<bool>(name);
 }
 
 void clearRates(Here here, ParamsRecord &params, const WlSsidCfg &entry) {

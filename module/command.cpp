@@ -62,6 +62,8 @@ int runFormatted(Run run, const char *format, ...) {
     return ready ? runText(run, command) : WLBRCM_EFAILED;
 }
 
+Report::Report(const ResultPath &path, std::nullptr_t) : path_(path) {}
+
 void Report::runAndOpen(Run run, const char *format, ...) {
     CommandLine command = "";
     va_list args;
@@ -86,7 +88,12 @@ Report::~Report() {
         remove(path_.c_str());
 }
 
-void CommandOutput::open(const char *command) {
+void CommandOutput::run(const char *format, ...) {
+    CommandLine command;
+    va_list args;
+    va_start(args, format);
+    vsnprintf(command, sizeof command, format, args); // names are short
+    va_end(args);
     pipe_ = popen(command, "r");
     lines_.readFrom(pipe_);
     // Commands that are run meanwhile do not inherit the pipe.

@@ -111,11 +111,11 @@ class Report {
   public:
     // The format's last conversion is the file.
     template <class Format, class... Args>
-    Report(Run run, const ResultPath &path, Format, const Args &...args) : path_(path) {
+    Report(Run run, const ResultPath &path, Format, const Args &...args) : Report(path, nullptr) {
         runAndOpen(run, checkedFormat<Format, Args..., ResultPath>(), commandArg(args)..., path_.c_str());
     }
     // A report that an earlier command left.
-    explicit Report(const ResultPath &path) : path_(path) { open(); }
+    explicit Report(const ResultPath &path) : Report(path, nullptr) { open(); }
     ~Report();
     Report(const Report &) = delete;
     Report &operator=(const Report &) = delete;
@@ -128,6 +128,7 @@ class Report {
     template <size_t Size> bool next(char (&line)[Size]) { return lines_.next(line); }
 
   private:
+    Report(const ResultPath &path, std::nullptr_t notYetOpen);
     void runAndOpen(Run run, const char *format, ...);
     void open();
 
@@ -140,8 +141,8 @@ class Report {
 // The output of a command, read through a pipe.
 class CommandOutput {
   public:
-    template <class Format, class... Args> explicit CommandOutput(Format format, const Args &...args) {
-        open(CommandText<>(format, args...).text.c_str());
+    template <class Format, class... Args> explicit CommandOutput(Format, const Args &...args) {
+        run(checkedFormat<Format, Args...>(), commandArg(args)...);
     }
     ~CommandOutput();
     CommandOutput(const CommandOutput &) = delete;
@@ -152,7 +153,7 @@ class CommandOutput {
     template <size_t Size> bool next(char (&line)[Size]) { return lines_.next(line); }
 
   private:
-    void open(const char *command);
+    void run(const char *format, ...);
 
     FILE *pipe_ = nullptr;
     LineReader lines_;

@@ -44,4 +44,18 @@ CheckedName::CheckedName(Here here, std::string_view text, Check check, const ch
     WLBRCM_LOG_AT(here, LOG_ERR, "invalid %s \"%s\".\n", kind, Shown({text.data(), shown}).c_str());
 }
 
+InterfaceName::InterfaceName(Here here, std::string_view text)
+    : CheckedName(here, text, isInterfaceName, "interface name") {}
+
+InterfaceName::InterfaceName(Here here, const char *text)
+    : InterfaceName(here, std::string_view(text != nullptr ? text : "")) {}
+
+InterfaceName usableName(Here here, std::string_view text) {
+    return text.empty() ? InterfaceName() : InterfaceName(here, text);
+}
+
+MacText::MacText(Here here, std::string_view text) : CheckedName(here, text, isMacText, "MAC address") {}
+
+MacText::MacText(Here here, const char *text) : MacText(here, std::string_view(text != nullptr ? text : "")) {}
+
 } // namespace wlbrcm

@@ -35,14 +35,18 @@ class CheckedName {
 class InterfaceName : public CheckedName {
   public:
     InterfaceName() = default; // no name
-    InterfaceName(Here here, std::string_view text) : CheckedName(here, text, isInterfaceName, "interface name") {}
-    InterfaceName(Here here, const char *text) : InterfaceName(here, std::string_view(text != nullptr ? text : "")) {}
+    InterfaceName(Here here, std::string_view text);
+    InterfaceName(Here here, const char *text); // null like an empty text
 };
+
+// The name in a record for use in a command or a key. A missing one is nothing to report; one that is no interface name
+// was logged. Either way it is invalid, what needs it is left out, and the bring-up goes on.
+InterfaceName usableName(Here here, std::string_view text);
 
 class MacText : public CheckedName {
   public:
-    MacText(Here here, std::string_view text) : CheckedName(here, text, isMacText, "MAC address") {}
-    MacText(Here here, const char *text) : MacText(here, std::string_view(text != nullptr ? text : "")) {}
+    MacText(Here here, std::string_view text);
+    MacText(Here here, const char *text);
 };
 
 } // namespace wlbrcm

@@ -2,8 +2,6 @@
 #ifndef WLBRCM_MODULE_RECORD_H
 #define WLBRCM_MODULE_RECORD_H
 
-#include <optional>
-
 #include <wlbrcm/radio.h>
 
 #include "module/names.h"
@@ -27,15 +25,6 @@ class EntriesInUse {
     WlSsidCfg *first_;
     int count_;
 };
-
-// The name in a record for use in a command or a key. A missing one is nothing to report; one that is no interface name
-// was logged. Either way what needs the name is left out, and the bring-up goes on.
-inline std::optional<InterfaceName> usableName(Here here, std::string_view text) {
-    if (text.empty())
-        return std::nullopt;
-    const InterfaceName name(here, text);
-    return name ? std::optional<InterfaceName>(name) : std::nullopt;
-}
 
 // A text field of a record as a terminated text, also when the field is not.
 template <size_t Size> class FieldCopy {

@@ -104,11 +104,11 @@ void writeIdentity(Here here) {
 }
 
 void writeBss(Here here, const WlSsidCfg &bss) {
-    const auto ifname = usableName(here, fieldText(bss.ifName));
+    const InterfaceName ifname = usableName(here, fieldText(bss.ifName));
     if (!ifname)
         return;
-    if (bss.enable == 0 || !isMain(ifname->c_str())) {
-        writeText(here, *ifname, "wps_mode", "disabled");
+    if (bss.enable == 0 || !isMain(ifname.c_str())) {
+        writeText(here, ifname, "wps_mode", "disabled");
         return;
     }
     const Text<12> methods("0x%x", bss.wpsConfigMethod);
@@ -126,7 +126,7 @@ void writeBss(Here here, const WlSsidCfg &bss) {
         {"wps_uuid", fieldText(bss.wpsUuid)},
     };
     for (const auto &setting : settings)
-        writeText(here, *ifname, setting.suffix, setting.value);
+        writeText(here, ifname, setting.suffix, setting.value);
 }
 
 bool isUnconfigured(std::string_view ifname) {

@@ -36,9 +36,9 @@ void writeRadioVariables(Here here, const InterfaceName &radio, const WlRadioCfg
 } // namespace
 
 void qvWlanStartAcsd(WlRadioCfg *radio, WlSsidCfg *) {
-    if (const auto name = usableName(WLBRCM_HERE, fieldText(radio->ifName))) {
-        rewriteServedRadios(WLBRCM_HERE, *name, radio->radioOn != 0);
-        writeRadioVariables(WLBRCM_HERE, *name, radio);
+    if (const InterfaceName name = usableName(WLBRCM_HERE, fieldText(radio->ifName))) {
+        rewriteServedRadios(WLBRCM_HERE, name, radio->radioOn != 0);
+        writeRadioVariables(WLBRCM_HERE, name, radio);
     }
     writeText(WLBRCM_HERE, Key("acs_2g_ch_no_restrict"), "1");
     writeText(WLBRCM_HERE, Key("acs_ctrl_chan_adjust"), "0");
