@@ -1,24 +1,20 @@
 #include "module/numbers.h"
 
 #include <climits>
-#include <cstring>
+
+#include "module/text.h"
 
 namespace wlbrcm {
 
 namespace {
 
-constexpr int kNoDigit = 99;
-
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-int digitOf(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return kNoDigit;
+// 0 to 15, or a number above any base.
+unsigned digitOf(char c) {
+    const unsigned digit = static_cast<unsigned>(c) - '0';
+    const unsigned letter = (static_cast<unsigned>(c) | 0x20) - 'a';
+    return digit <= 9 ? digit : letter <= 5 ? letter + 10 : UINT_MAX;
 }
 
 void skipBlanks(std::string_view *rest) {
@@ -27,8 +23,8 @@ void skipBlanks(std::string_view *rest) {
 }
 
 // "0x" belongs to the number only when a digit follows it.
-bool startsHex(std::string_view text) {
-    return text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x' && digitOf(text[2]) < 16;
+bool startsHex(const char *at, const char *end) {
+    return end - at > 2 && at[0] == '0' && (at[1] | 0x20) == 'x' && digitOf(at[2]) < 16;
 }
 
 struct Number {
@@ -40,25 +36,35 @@ struct Number {
 bool takeNumber(std::string_view *rest, unsigned base, uint64_t limit, Number *number) {
     std::string_view text = *rest;
     skipBlanks(&text);
-    if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
-        number->negative = text[0] == '-';
-        text.remove_prefix(1);
-    }
-    if ((base == 0 || base == 16) && startsHex(text)) {
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    if (at != end && (*at == '-' || *at == '+'))
+        number->negative = *at++ == '-';
+    if ((base == 0 || base == 16) && startsHex(at, end)) {
         base = 16;
-        text.remove_prefix(2);
+        at += 2;
     }
     if (base == 0)
-        base = !text.empty() && text[0] == '0' ? 8 : 10;
-    const size_t length = text.size();
-    for (; !text.empty() && digitOf(text[0]) < static_cast<int>(base); text.remove_prefix(1)) {
-        const auto digit = static_cast<unsigned>(digitOf(text[0]));
-        number->overflowed = number->overflowed || number->magnitude > (limit - digit) / base;
-        number->magnitude = number->overflowed ? limit : number->magnitude * base + digit;
+        base = at != end && *at == '0' ? 8 : 10;
+    const char *const first = at;
+    uint64_t magnitude = 0;
+    uint64_t excess = 0; // what 64 bits do not hold
+    for (; at != end; ++at) {
+        const unsigned digit = digitOf(*at);
+        if (digit >= base)
+            break;
+        // By halves, which a 32-bit processor multiplies at once; a check beforehand would divide 64 bits.
+        const uint64_t low = (magnitude & UINT32_MAX) * base + digit;
+        const uint64_t high = (magnitude >> 32) * base + (low >> 32);
+        magnitude = high << 32 | (low & UINT32_MAX);
+        excess |= high >> 32;
     }
-    if (text.size() == length)
+    const bool overflowed = excess != 0 || magnitude > limit;
+    if (at == first)
         return false;
-    *rest = text;
+    number->magnitude = overflowed ? limit : magnitude;
+    number->overflowed = overflowed;
+    *rest = {at, static_cast<size_t>(end - at)};
     return true;
 }
 
