@@ -142,11 +142,10 @@ bool takeText(std::string_view *rest, std::string_view text) {
 }
 
 bool takeThrough(std::string_view *rest, std::string_view part) {
-    const void *found = rest->empty() ? nullptr : memmem(rest->data(), rest->size(), part.data(), part.size());
-    if (found == nullptr)
+    const size_t at = positionOf(*rest, part);
+    if (at == std::string_view::npos)
         return false;
-    const auto *at = static_cast<const char *>(found);
-    rest->remove_prefix(static_cast<size_t>(at - rest->data()) + part.size());
+    rest->remove_prefix(at + part.size());
     return true;
 }
 

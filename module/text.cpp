@@ -28,16 +28,18 @@ bool appendFormat(char *text, size_t size, size_t *used, const char *format, va_
 
 bool Words::next(std::string_view *word) {
     while (!done_) {
-        const void *end = memchr(rest_.data(), separator_, rest_.size());
-        const size_t length =
-            end != nullptr ? static_cast<size_t>(static_cast<const char *>(end) - rest_.data()) : rest_.size();
+        const size_t length = indexOf(rest_, separator_);
         *word = {rest_.data(), length};
-        done_ = end == nullptr;
+        done_ = length == rest_.size();
         rest_.remove_prefix(done_ ? length : length + 1);
         if (keepEmpty_ || !word->empty())
             return true;
     }
     return false;
+}
+
+size_t positionOf(std::string_view text, std::string_view part) {
+    return text.empty() ? std::string_view::npos : text.find(part);
 }
 
 bool listContains(std::string_view list, std::string_view word) {

@@ -85,9 +85,37 @@ inline bool startsWith(std::string_view text, std::string_view start) {
     return text.size() >= start.size() && memcmp(text.data(), start.data(), start.size()) == 0;
 }
 
-inline bool contains(std::string_view text, std::string_view part) {
-    return !text.empty() && memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
+// Where a character first stands, or the text's size.
+inline size_t indexOf(std::string_view text, char c) {
+    const void *at = text.empty() ? nullptr : memchr(text.data(), c, text.size());
+    return at != nullptr ? static_cast<size_t>(static_cast<const char *>(at) - text.data()) : text.size();
 }
+
+// Where `part` first stands in `text`, or npos. An empty text holds nothing, not even an empty part. Made for the short
+// lines of reports, where memmem() would spend most of its time on the table that it prepares for each search.
+size_t positionOf(std::string_view text, std::string_view part);
+
+inline bool contains(std::string_view text, std::string_view part) {
+    return positionOf(text, part) != std::string_view::npos;
+}
+
+// The characters of a text, folded into a set of 32.
+constexpr uint32_t characterSet(std::string_view text) {
+    uint32_t set = 0;
+    for (const char c : text)
+        set |= uint32_t{1} << (c & 31);
+    return set;
+}
+
+// A text that is looked for in many others. Most of them lack one of its characters and need not be searched.
+struct KeyMark {
+    template <size_t Size>
+    constexpr KeyMark(const char (&literal)[Size]) : text(literal, Size - 1), characters(characterSet(text)) {}
+    bool mayStandIn(uint32_t set) const { return (characters & ~set) == 0; }
+
+    std::string_view text;
+    uint32_t characters;
+};
 
 // Whether `word` is one of the words of a blank-separated list.
 bool listContains(std::string_view list, std::string_view word);

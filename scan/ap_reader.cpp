@@ -33,12 +33,6 @@ std::string_view behind(std::string_view text, size_t count) {
     return text;
 }
 
-// Where a character stands, or the text's size.
-size_t indexOf(std::string_view text, char c) {
-    const size_t at = text.find(c);
-    return at != std::string_view::npos ? at : text.size();
-}
-
 // The text between the first and the second double quote, empty without them.
 std::string_view quoted(std::string_view value) {
     const std::string_view name = behind(value, indexOf(value, '"') + 1);
@@ -53,30 +47,43 @@ void storeName(std::string_view name, char (&ssid)[101]) {
     copyText(ssid, formatSSID(text));
 }
 
-// Adds one entry, when it and its comma fit.
-template <size_t Size> void addWord(char (&list)[Size], std::string_view word) {
-    static_assert(Size > kLongestList);
-    const size_t used = strlen(list);
-    const size_t comma = used > 0 ? 1 : 0;
-    if (word.empty() || used + comma + word.size() > kLongestList)
-        return;
-    list[used] = ',';
-    copyText(list + used + comma, Size - used - comma, word);
-}
+// A list that is added to, so that its end is looked for once.
+class EntryList {
+  public:
+    template <size_t Size> explicit EntryList(char (&list)[Size]) : list_(list), used_(strlen(list)) {
+        static_assert(Size > kLongestList);
+    }
+    // Adds one entry, when it and its comma fit.
+    void add(std::string_view word) {
+        const size_t comma = used_ > 0 ? 1 : 0;
+        if (word.empty() || used_ + comma + word.size() > kLongestList)
+            return;
+        list_[used_] = ',';
+        used_ += comma;
+        copyText(list_ + used_, kLongestList + 1 - used_, word);
+        used_ += word.size();
+    }
+
+  private:
+    char *list_;
+    size_t used_;
+};
 
 // "[ 1(b) 2(b) 5.5(b) 11(b) 6 9 ]": a rate marked with "b" is a basic one.
 void addLegacyRates(std::string_view rates, WlScanAp *ap) {
     const size_t end = indexOf(rates, ']');
     if (end == rates.size() || end == 0)
         return;
+    EntryList basic(ap->basicRates);
+    EntryList supported(ap->supportedRates);
     Words words(behind({rates.data(), end - 1}, indexOf(rates, '[') + 2));
     for (std::string_view word; words.next(&word);) {
         const size_t mark = indexOf(word, 'b');
         if (mark < word.size()) {
             word = {word.data(), mark > 0 ? mark - 1 : 0};
-            addWord(ap->basicRates, word);
+            basic.add(word);
         }
-        addWord(ap->supportedRates, word);
+        supported.add(word);
     }
 }
 
@@ -86,11 +93,11 @@ void addMcsRates(WlScanAp *ap, const char *(*rates)(int bandwidth, int streams),
     const char *own = rates(ap->bandwidth, streams);
     if (own == nullptr)
         return;
-    Text<kLongestList + 1> list;
-    if (const char *narrower = rates(ap->bandwidth / 2, streams))
-        list.append("%s,", narrower);
-    list.append("%s", own);
-    addRates(ap->supportedRates, list.view());
+    const char *narrower = rates(ap->bandwidth / 2, streams);
+    char list[sizeof ap->supportedRates];
+    copyText(list, narrower != nullptr ? narrower : "");
+    addRates(list, own);
+    addRates(ap->supportedRates, list);
 }
 
 struct HtStreams {
@@ -98,6 +105,8 @@ struct HtStreams {
     int streams;
 };
 constexpr HtStreams kHtStreams[] = {{"31", 4}, {"23", 3}, {"15", 2}, {"7", 1}};
+
+void startRecord(ApReader &reader, const Piece &piece) { reader.start(piece); }
 
 void readBssid(ApReader &reader, const Piece &piece) { copyText(reader.record().bssid, behind(piece.value, 1)); }
 
@@ -130,14 +139,10 @@ void readLegacyRates(ApReader &reader, const Piece &piece) { reader.legacyRates(
 
 // " 5GHz channel 42 80MHz (0xe02a)"
 void readChanspec(ApReader &reader, const Piece &piece) {
-    constexpr std::string_view kWord = "channel";
     WlScanAp &ap = reader.record();
     ap.band = startsWith(behind(piece.value, 1), "2.4G") ? WLBRCM_BAND_2G : WLBRCM_BAND_5G;
-    const size_t at = piece.value.find(kWord);
-    if (at == std::string_view::npos)
-        return;
-    std::string_view rest = behind(piece.value, at + kWord.size());
-    if (takeDecimal(&rest, &ap.channel))
+    std::string_view rest = piece.value;
+    if (takeThrough(&rest, "channel") && takeDecimal(&rest, &ap.channel))
         takeDecimal(&rest, &ap.bandwidth);
 }
 
@@ -181,19 +186,21 @@ template <int Stream> void readVhtMcs(ApReader &reader, const Piece &) {
         addMcsRates(&ap, vhtRates, Stream);
 }
 
+void passOver(ApReader &, const Piece &) {}
+
 enum class Test { Whole, Substring, Prefix };
 enum class Value { Needed, Optional };
 
 struct Rule {
     Test test;
-    std::string_view key;
+    KeyMark key;
     Value value;
     void (*read)(ApReader &reader, const Piece &piece);
 };
 
-constexpr std::string_view kFirstKey = "SSID";
 // The first rule that matches decides: "VHT Capable" contains "HT Capable", and so on.
 constexpr Rule kRules[] = {
+    {Test::Whole, "SSID", Value::Needed, startRecord},
     {Test::Whole, "BSSID", Value::Needed, readBssid},
     {Test::Whole, "Mode", Value::Needed, readMode},
     {Test::Whole, "Beacon Period", Value::Needed, readBeaconPeriod},
@@ -216,16 +223,17 @@ constexpr Rule kRules[] = {
     {Test::Substring, "NSS2 Tx", Value::Optional, readVhtMcs<2>},
     {Test::Substring, "NSS3 Tx", Value::Optional, readVhtMcs<3>},
     {Test::Substring, "NSS4 Tx", Value::Optional, readVhtMcs<4>},
+    {Test::Prefix, "", Value::Optional, passOver}, // any other key
 };
 
 bool matches(const Rule &rule, std::string_view key) {
     switch (rule.test) {
     case Test::Whole:
-        return key == rule.key;
+        return key == rule.key.text;
     case Test::Prefix:
-        return startsWith(key, rule.key);
+        return startsWith(key, rule.key.text);
     case Test::Substring:
-        return contains(key, rule.key);
+        return contains(key, rule.key.text);
     }
     return false;
 }
@@ -248,9 +256,10 @@ bool Pieces::next(Piece *piece) {
     const size_t colon = indexOf(rest_, ':');
     piece->key = {rest_.data(), colon};
     piece->hasValue = colon < rest_.size();
-    rest_ = behind(rest_, colon + 1);
-    piece->value = {rest_.data(), indexOf(rest_, '\t')};
-    rest_ = behind(rest_, piece->value.size() + 1);
+    rest_.remove_prefix(piece->hasValue ? colon + 1 : colon);
+    const size_t tab = indexOf(rest_, '\t');
+    piece->value = {rest_.data(), tab};
+    rest_.remove_prefix(tab < rest_.size() ? tab + 1 : tab);
     if (!piece->hasValue && piece->key.back() == '\n')
         piece->key.remove_suffix(1);
     return true;
@@ -263,19 +272,12 @@ void ApReader::readLine(std::string_view line) {
 }
 
 void ApReader::dispatch(const Piece &piece) {
-    if (piece.hasValue && piece.key == kFirstKey) {
-        start(piece);
-        return;
-    }
-    if (current_ == nullptr)
-        return;
-    for (const Rule &rule : kRules) {
-        if (!matches(rule, piece.key))
-            continue;
-        if (piece.hasValue || rule.value == Value::Optional)
-            rule.read(*this, piece);
-        return;
-    }
+    const uint32_t characters = characterSet(piece.key);
+    const Rule *rule = kRules; // the last one matches everything
+    while (!rule->key.mayStandIn(characters) || !matches(*rule, piece.key))
+        ++rule;
+    if ((piece.hasValue || rule->value == Value::Optional) && (current_ != nullptr || rule->read == startRecord))
+        rule->read(*this, piece);
 }
 
 void ApReader::start(const Piece &piece) {

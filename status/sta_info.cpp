@@ -17,18 +17,8 @@ struct Field {
     std::string_view value;
 };
 
-void cutAt(std::string_view *text, const char *mark) {
-    std::string_view rest = *text;
-    if (takeThrough(&rest, mark))
-        text->remove_suffix(rest.size() + strlen(mark));
-}
-
-// "866667 kbps - 650000 kbps"
-uint32_t rateOf(std::string_view value) {
-    cutAt(&value, "kbps");
-    cutAt(&value, "-");
-    return unsignedNumber(value);
-}
+// "866667 kbps - 650000 kbps": the first number, which has no sign.
+uint32_t rateOf(std::string_view value) { return unsignedNumber({value.data(), indexOf(value, '-')}); }
 
 void readTxRate(const Field &field, WlStaInfo *sta, StationCaps * /*caps*/) {
     sta->txRate = sta->lastTxRate = rateOf(field.value);
@@ -59,7 +49,7 @@ template <auto Member> void readBytes(const Field &field, WlStaInfo *sta, Statio
 }
 
 struct Row {
-    const char *mark;
+    KeyMark mark;
     bool counter;
     void (*read)(const Field &field, WlStaInfo *sta, StationCaps *caps);
 };
@@ -123,15 +113,19 @@ void decideMode(const InterfaceName &ifname, const StationCaps &caps, WlStaInfo 
 } // namespace
 
 void readStationInfo(std::string_view line, bool counters, WlStaInfo *sta, StationCaps *caps) {
-    std::string_view value = line;
-    if (!takeThrough(&value, ":"))
+    const size_t colon = indexOf(line, ':');
+    if (colon == line.size())
         return;
-    const std::string_view key(line.data(), line.size() - value.size() - 1);
+    const std::string_view key(line.data(), colon);
+    const uint32_t characters = characterSet(key);
+    line.remove_prefix(colon + 1);
     for (const Row &row : kRows) {
-        Field field{key, value};
-        if ((row.counter && !counters) || !takeThrough(&field.afterMark, row.mark))
+        if (!row.mark.mayStandIn(characters) || (row.counter && !counters))
             continue;
-        row.read(field, sta, caps);
+        std::string_view afterMark = key;
+        if (!takeThrough(&afterMark, row.mark.text))
+            continue;
+        row.read({afterMark, line}, sta, caps);
         return;
     }
 }
