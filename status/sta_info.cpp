@@ -110,6 +110,23 @@ void decideMode(const InterfaceName &ifname, const StationCaps &caps, WlStaInfo 
     }
 }
 
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The whole part of a rate in Mbit/s, at most INT_MAX. Few rates need strtod(), which costs more than the rest.
+int takeRate(const char **text) {
+    const char *const start = *text;
+    int64_t rate = 0;
+    for (; isDigit(**text); ++*text)
+        rate = rate < INT_MAX ? rate * 10 + (**text - '0') : rate;
+    const int next = **text | 0x20;
+    if (**text != '.' && next != 'e' && next != 'x')
+        return rate < INT_MAX ? static_cast<int>(rate) : INT_MAX;
+    char *end;
+    const double number = strtod(start, &end);
+    *text = end;
+    return number < INT_MAX ? static_cast<int>(number) : INT_MAX;
+}
+
 } // namespace
 
 void readStationInfo(std::string_view line, bool counters, WlStaInfo *sta, StationCaps *caps) {
@@ -150,12 +167,13 @@ int getMaxRateSet(const char *text) {
     int highest = -1;
     if (text == nullptr)
         return highest;
-    while (*(text += strcspn(text, "0123456789")) != '\0') {
-        char *end;
-        const double number = strtod(text, &end);
-        const int rate = number < INT_MAX ? static_cast<int>(number) : INT_MAX;
+    while (*text != '\0') {
+        if (!isDigit(*text)) {
+            ++text;
+            continue;
+        }
+        const int rate = takeRate(&text);
         highest = rate > highest ? rate : highest;
-        text = *end != '\0' ? end + 1 : end;
     }
     return highest;
 }
