@@ -1,8 +1,11 @@
 // Network names as the driver prints them.
 #include <wlbrcm/scan.h>
 
+#include <cctype>
 #include <cstdio>
 #include <cstring>
+
+#include "module/numbers.h"
 
 namespace {
 
@@ -10,8 +13,13 @@ namespace {
 constexpr size_t kLastIndex = 252;
 constexpr size_t kEscapeLength = 4;
 
-// "\xNN" is one byte of the name.
+// "\xNN" is one byte of the name. Anything else that sscanf() takes for a number counts as well.
 bool readEscape(const char *text, char *byte) {
+    if (text[1] == 'x' && isxdigit(static_cast<unsigned char>(text[2])) != 0 &&
+        isxdigit(static_cast<unsigned char>(text[3])) != 0) {
+        *byte = static_cast<char>(wlbrcm::hexNumber({text + 2, 2}));
+        return true;
+    }
     unsigned value = 0;
     if (sscanf(text, "\\x%02x", &value) != 1)
         return false;
