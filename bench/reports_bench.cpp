@@ -1,4 +1,5 @@
-// How long it takes to read the two largest reports, beside the floor: reading the same file and splitting its lines.
+// How long it takes to read the two largest reports, beside two floors: the same file read with its lines split by the
+// module's own means, and read with its line ends found and nothing else.
 //
 //   cmake -S . -B build/bench -DWLBRCM_BENCH=ON -DWLBRCM_TESTS=OFF -DWLBRCM_HOST=OFF && cmake --build build/bench
 //   build/bench/bench/reports_bench
@@ -9,8 +10,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
-#include <string>
+#include <unistd.h>
 
 #include "module/command.h"
 #include "scan/readers.h"
@@ -76,6 +78,23 @@ constexpr char kStation[] = "STA 02:00:00:00:%02X:%02X:\n"
                             "\t rate of last tx pkt: 866667 kbps - 650000 kbps\n"
                             "\t rate of last rx pkt: 780000 kbps\n";
 
+// The bare floor: every byte read and every line end found.
+void findLineEnds(benchmark::State &state, const char *record) {
+    Report report(record, static_cast<int>(state.range(0)));
+    const int file = fileno(report.rewound());
+    for ([[maybe_unused]] auto _ : state) {
+        lseek(file, 0, SEEK_SET);
+        char buffer[4096];
+        for (ssize_t size; (size = read(file, buffer, sizeof buffer)) > 0;) {
+            const char *at = buffer;
+            while ((at = static_cast<const char *>(memchr(at, '\n', static_cast<size_t>(buffer + size - at)))) !=
+                   nullptr)
+                benchmark::DoNotOptimize(++at);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 // The floor: every line read and split at its tabs, nothing kept.
 template <size_t LineSize> void splitLines(benchmark::State &state, const char *record) {
     Report report(record, static_cast<int>(state.range(0)));
@@ -90,6 +109,8 @@ template <size_t LineSize> void splitLines(benchmark::State &state, const char *
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+void scanBare(benchmark::State &state) { findLineEnds(state, kAccessPoint); }
+void stationsBare(benchmark::State &state) { findLineEnds(state, kStation); }
 void scanFloor(benchmark::State &state) { splitLines<254>(state, kAccessPoint); }
 void stationsFloor(benchmark::State &state) { splitLines<255>(state, kStation); }
 
@@ -131,8 +152,10 @@ void stationReports(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * count);
 }
 
+BENCHMARK(scanBare)->Arg(250)->Arg(500);
 BENCHMARK(scanFloor)->Arg(250)->Arg(500);
 BENCHMARK(scanReport)->Arg(250)->Arg(500);
+BENCHMARK(stationsBare)->Arg(256)->Arg(512);
 BENCHMARK(stationsFloor)->Arg(256)->Arg(512);
 BENCHMARK(stationReports)->Arg(256)->Arg(512);
 
