@@ -13,7 +13,7 @@ void setProtection(ParamsRecord &params, const WlRadioCfg *radio) {
     params.set(qvWlanSetBGProtection, radio->bgProtection);
     params.set(qvWlanSetHTProtect, radio->htProtect);
     params.set(qvWlanSetRifsAdv, radio->rifsAdv);
-    params.aux(Text<32>("%d,%hhd", radio->band, radio->bandwidth));
+    params.aux(Text<64>("%d,%hhd", radio->band, radio->bandwidth));
     params.set(qvWlanSetApCoex, radio->apCoex);
 }
 
@@ -37,7 +37,7 @@ void setWds(ParamsRecord &params, const WlRadioCfg *radio) {
 void setRatesAndTiming(ParamsRecord &params, const WlRadioCfg *radio) {
     params.set(qvWlanSetTxPreamble, radio->txPreamble);
     params.set(qvWlanSetMCS, radio->mcs);
-    params.aux(Text<16>("%d", radio->band));
+    params.aux(Text<64>("%d", radio->band));
     params.set(qvWlanSetRate, radio->rate);
     params.set(qvWlanSetMulticastRate, radio->multicastRate);
     params.set(qvWlanSetRTSThreshold, radio->rtsThreshold);
@@ -53,7 +53,7 @@ void setPowerSave(ParamsRecord &params, const WlRadioCfg *radio, const WlCaps *c
     const int32_t *rx = radio->rxChainPwrsaveParams;
     const int32_t *whole = radio->radioPwrsaveParams;
     if (caps->rxchainPwrsave != 0)
-        params.set(qvWlanSetRxChainPwSave, Text<48>("%d %d %d", rx[0], rx[1], rx[2]).view());
+        params.set(qvWlanSetRxChainPwSave, Text<64>("%d %d %d", rx[0], rx[1], rx[2]).view());
     if (caps->radioPwrsave != 0)
         params.set(qvWlanSetRadioPwSave, Text<64>("%d %d %d %d", whole[0], whole[1], whole[2], whole[3]).view());
 }

@@ -22,7 +22,7 @@ void deriveAddress(const uint8_t (&base)[6], int i, int bssCount, char (&text)[1
         first = (((last % 3 + 12) * 8) | kLocallyAdministered) & 0xFF;
         last = ((last + static_cast<unsigned>(i)) % block) | (last & ~(block - 1));
     }
-    copyText(text, Text<18>("%02X:%02X:%02X:%02X:%02X:%02X", first, base[1], base[2], base[3], base[4], last).view());
+    copyText(text, Text<64>("%02X:%02X:%02X:%02X:%02X:%02X", first, base[1], base[2], base[3], base[4], last).view());
 }
 
 void writeDisabledBss(Here here, const WlRadioCfg *radio, const InterfaceName &ifname) {

@@ -24,7 +24,7 @@ class ParamsRecord {
     void aux(std::string_view text) { copyText(aux_, text); }
     template <size_t Size> void aux(const Text<Size> &text) { aux(text.view()); }
 
-    void value(int number) { copyText(value_, Text<16>("%d", number).view()); }
+    void value(int number) { copyText(value_, Text<64>("%d", number).view()); }
     void set(Setter setter) { setter(&arg_); }
     void set(Setter setter, int number) {
         value(number);

@@ -16,7 +16,7 @@ namespace {
 
 // Process id when the process's command name is `name`, else -1. A process that has just ended is none.
 int matchProcess(int number, const char *name) {
-    const Text<32> path("/proc/%d/stat", number);
+    const Text<64> path("/proc/%d/stat", number);
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) {
         printf("could not open %s\n", path.c_str());

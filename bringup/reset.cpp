@@ -16,7 +16,7 @@ struct DriverThread {
     DriverThread(const char *format, int radio) : name(format, radio), pid(prctl_getPidByName(name.c_str())) {}
     bool found() const { return pid >= 1; }
 
-    Text<32> name;
+    Text<64> name;
     int pid;
 };
 

@@ -11,8 +11,8 @@ namespace {
 
 const char *bandText(int band) { return band == WLBRCM_BAND_5G ? "5G" : band == WLBRCM_BAND_2G ? "2.4G" : ""; }
 
-Text<128> channelDescriptor(const WlRadioCfg *radio) {
-    return Text<128>("%s,%hhu,%hhd,%d,%d,%d,%d,%d,%hhd", bandText(radio->band), radio->bandwidth, radio->sideband,
+Text<256> channelDescriptor(const WlRadioCfg *radio) {
+    return Text<256>("%s,%hhu,%hhd,%d,%d,%d,%d,%d,%hhd", bandText(radio->band), radio->bandwidth, radio->sideband,
                      radio->autoChannel, radio->regMode, radio->dfsPreIsm, radio->dfsPostIsm, radio->tpcDb,
                      radio->wirelessMode);
 }
@@ -36,7 +36,7 @@ void setChannel(ParamsRecord &params, const WlRadioCfg *radio) {
 void setRadioState(ParamsRecord &params, const WlRadioCfg *radio, const WlSsidCfg *bss, const WlCaps *caps) {
     params.set(qvWlanSetRadioOn, radio->radioOn);
     if (radio->autoChannel != 0) {
-        params.aux(Text<16>("%u", radio->acsScanTimer));
+        params.aux(Text<64>("%u", radio->acsScanTimer));
         params.set(qvWlanSetAutoCh, 1);
     }
     if (caps->wme != 0) {

@@ -90,12 +90,11 @@ bool isRadioInterface(const char *ifname) {
 }
 
 void identify(const DriverEvent &event, int32_t code, WlEvent *record) {
-    constexpr size_t kMacSize = sizeof WlStaInfo::macAddr;
     record->event = code;
     copyText(record->ifName, event.ifname);
     copyText(record->radioName, {event.ifname, strcspn(event.ifname, ".")});
     const uint8_t *mac = event.station;
-    const Text<kMacSize> text("%02X:%02X:%02X:%02X:%02X:%02X", mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
+    const Text<64> text("%02X:%02X:%02X:%02X:%02X:%02X", mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
     memcpy(record->sta + offsetof(WlStaInfo, macAddr), text.c_str(), text.size() + 1);
 }
 

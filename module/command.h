@@ -126,6 +126,7 @@ class Report {
     explicit operator bool() const { return descriptor_ >= 0; }
     LineReader &lines() { return lines_; }
     template <size_t Size> bool next(char (&line)[Size]) { return lines_.next(line); }
+    template <size_t Longest> bool next(std::string_view *line) { return lines_.next<Longest>(line); }
 
   private:
     Report(const ResultPath &path, std::nullptr_t notYetOpen);

@@ -33,36 +33,51 @@ void LineReader::readFrom(FILE *stream) {
     descriptor_ = stream != nullptr ? fileno(stream) : -1;
 }
 
+// Adds to what has not been taken yet, which moves to the front. False when nothing came.
 bool LineReader::fill() {
+    memmove(buffer_, buffer_ + at_, end_ - at_);
+    end_ -= at_;
+    at_ = 0;
     ssize_t count;
     do {
         // A host that answers commands from memory hands out streams without a descriptor.
         if (descriptor_ >= 0)
-            count = read(descriptor_, buffer_, sizeof buffer_);
+            count = read(descriptor_, buffer_ + end_, sizeof buffer_ - end_);
         else
-            count = stream_ != nullptr ? static_cast<ssize_t>(fread(buffer_, 1, sizeof buffer_, stream_)) : 0;
+            count =
+                stream_ != nullptr ? static_cast<ssize_t>(fread(buffer_ + end_, 1, sizeof buffer_ - end_, stream_)) : 0;
     } while (count < 0 && errno == EINTR);
-    at_ = 0;
-    end_ = count > 0 ? static_cast<size_t>(count) : 0;
-    return end_ > 0;
+    if (count <= 0)
+        return false;
+    sawNul_ = sawNul_ || memchr(buffer_ + end_, '\0', static_cast<size_t>(count)) != nullptr;
+    end_ += static_cast<size_t>(count);
+    return true;
 }
 
-bool LineReader::nextLine(char *line, size_t size) {
-    size_t used = 0;
+bool LineReader::takeLine(size_t longest, std::string_view *line) {
+    size_t length = 0;
     const void *newline = nullptr;
-    while (newline == nullptr && used + 1 < size && (at_ < end_ || fill())) {
-        const size_t room = size - 1 - used < end_ - at_ ? size - 1 - used : end_ - at_;
-        const char *from = buffer_ + at_;
-        newline = memchr(from, '\n', room);
-        const size_t count =
-            newline != nullptr ? static_cast<size_t>(static_cast<const char *>(newline) - from) + 1 : room;
-        memcpy(line + used, from, count);
-        used += count;
-        at_ += count;
-    }
-    if (used > 0)
-        line[used] = '\0';
-    return used > 0;
+    do {
+        const size_t known = length;
+        length = end_ - at_ < longest ? end_ - at_ : longest;
+        newline = memchr(buffer_ + at_ + known, '\n', length - known);
+    } while (newline == nullptr && length < longest && fill());
+    if (newline != nullptr)
+        length = static_cast<size_t>(static_cast<const char *>(newline) - buffer_) + 1 - at_;
+    if (length == 0)
+        return false;
+    *line = {buffer_ + at_, sawNul_ ? strnlen(buffer_ + at_, length) : length};
+    at_ += length;
+    return true;
+}
+
+bool LineReader::copyLine(char *line, size_t longest) {
+    std::string_view view;
+    if (!takeLine(longest, &view))
+        return false;
+    memcpy(line, view.data(), view.size());
+    line[view.size()] = '\0';
+    return true;
 }
 
 size_t LineReader::takeRest(char *text, size_t longest) {

@@ -33,7 +33,16 @@ class LineReader {
 
     // A line of at most Size - 1 characters, its end included; a longer one comes in pieces. False at the end, with
     // `line` as it was.
-    template <size_t Size> bool next(char (&line)[Size]) { return nextLine(line, Size); }
+    template <size_t Size> bool next(char (&line)[Size]) {
+        static_assert(Size <= kBufferSize);
+        return copyLine(line, Size - 1);
+    }
+    // The same as a view of the reader's own memory, which holds until the next call. Like a terminated text it ends at
+    // the first NUL.
+    template <size_t Longest> bool next(std::string_view *line) {
+        static_assert(Longest < kBufferSize);
+        return takeLine(Longest, line);
+    }
 
     // As much as fits of what has not been read yet, terminated. Returns its length.
     template <size_t Size> size_t rest(char (&text)[Size]) { return takeRest(text, Size - 1); }
@@ -42,7 +51,10 @@ class LineReader {
     void rewind();
 
   private:
-    bool nextLine(char *line, size_t size);
+    static constexpr size_t kBufferSize = 4096;
+
+    bool takeLine(size_t longest, std::string_view *line);
+    bool copyLine(char *line, size_t longest);
     size_t takeRest(char *text, size_t longest);
     bool fill();
 
@@ -50,7 +62,8 @@ class LineReader {
     FILE *stream_ = nullptr;
     size_t at_ = 0;
     size_t end_ = 0;
-    char buffer_[4096];
+    bool sawNul_ = false;
+    char buffer_[kBufferSize];
 };
 
 } // namespace wlbrcm

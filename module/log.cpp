@@ -19,4 +19,6 @@ Shown::Shown(std::string_view text) {
     text_[used] = '\0';
 }
 
+Shown::Shown(const char *text) : Shown(std::string_view(text)) {}
+
 } // namespace wlbrcm

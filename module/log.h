@@ -21,6 +21,7 @@ struct Here {
 class Shown {
   public:
     explicit Shown(std::string_view text);
+    explicit Shown(const char *text);
     const char *c_str() const { return text_; }
 
   private:

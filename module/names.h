@@ -25,7 +25,7 @@ class CheckedName {
   protected:
     using Check = bool (*)(std::string_view);
     CheckedName() : text_{} {}
-    CheckedName(Here here, std::string_view text, Check check, const char *kind);
+    [[gnu::noinline]] CheckedName(Here here, std::string_view text, Check check, const char *kind);
 
   private:
     char text_[18];

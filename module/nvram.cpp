@@ -5,7 +5,7 @@ using namespace wlbrcm;
 namespace {
 
 int storeInt(Here here, int value, const char *key) {
-    const Text<100> text("%d", value);
+    const Text<64> text("%d", value);
     nvram_set(key, text.c_str());
     WLBRCM_LOG_AT(here, LOG_DEBUG, "nvram set %s = %s\n", key, text.c_str());
     return WLBRCM_OK;

@@ -100,10 +100,11 @@ inline bool contains(std::string_view text, std::string_view part) {
 }
 
 // The characters of a text, folded into a set of 32.
+constexpr uint32_t characterBit(char c) { return uint32_t{1} << (c & 31); }
 constexpr uint32_t characterSet(std::string_view text) {
     uint32_t set = 0;
     for (const char c : text)
-        set |= uint32_t{1} << (c & 31);
+        set |= characterBit(c);
     return set;
 }
 

@@ -38,7 +38,7 @@ constexpr size_t kMacTextSize = 18;
 
 // The driver tool splits its line at blanks and reads quotes; each byte is quoted for itself, so that none has a
 // meaning there.
-using QuotedSsid = Text<128>;
+using QuotedSsid = Text<256>;
 static_assert(sizeof(QuotedSsid) > 3 * kLongestSsid);
 
 QuotedSsid quoteSsid(std::string_view ssid) {
@@ -108,7 +108,7 @@ int qvWlanSetGlobalMaxStaNum(WlanParamArg *arg) {
     constexpr IntParam kParam{"maxassoc"};
     int number;
     const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &number);
-    return name ? writeText(WLBRCM_HERE, name, kParam.key, Text<16>("%d", number).view()) : WLBRCM_EINVAL;
+    return name ? writeText(WLBRCM_HERE, name, kParam.key, Text<64>("%d", number).view()) : WLBRCM_EINVAL;
 }
 
 int qvWlanSetPerBssMaxStaNum(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "bss_maxassoc"); }

@@ -41,11 +41,11 @@ int effectiveBandwidth(int requested) {
     return nonly5G == 1 && requested == 80 ? 40 : requested;
 }
 
-Text<16> chanspecText(int channel, int bandwidth, int sideband) {
+Text<64> chanspecText(int channel, int bandwidth, int sideband) {
     if (bandwidth == 80)
-        return Text<16>("%d/80", channel);
+        return Text<64>("%d/80", channel);
     const char *suffix = bandwidth != 40 ? "" : sideband == 1 ? "u" : "l";
-    return Text<16>("%d%s", channel, suffix);
+    return Text<64>("%d%s", channel, suffix);
 }
 
 } // namespace

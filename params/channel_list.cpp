@@ -13,7 +13,7 @@ class ChannelListWriter {
 
     // False when there is no room for the whole number; the list then ends before it.
     bool append(int channel) {
-        const Text<16> entry(used_ > 0 ? ",%d" : "%d", channel);
+        const Text<64> entry(used_ > 0 ? ",%d" : "%d", channel);
         if (!copyText(list_ + used_, WLBRCM_CHANNEL_LIST_SIZE - used_, entry.view())) {
             list_[used_] = '\0';
             return false;
@@ -27,7 +27,8 @@ class ChannelListWriter {
     size_t used_ = 0;
 };
 
-using ListLine = char[256];
+// A line of a listing this long fills any list.
+constexpr size_t kLongestLine = 4095;
 
 struct ListingRequest {
     bool is5G = false;
@@ -106,13 +107,13 @@ bool isBlank(char c) { return contains(" \t\r\n", {&c, 1}); }
 // A chanspec may have any length; what a line too long for one piece has left of it is passed over.
 void readListing(Report *listing, const ListingRequest &request, ChannelListWriter *list) {
     bool insideChanspec = false;
-    for (ListLine piece; listing->next(piece);) {
-        std::string_view line = piece;
+    for (std::string_view line; listing->next<kLongestLine>(&line);) {
+        const bool cut = !line.empty() && !isBlank(line.back());
         while (insideChanspec && !line.empty() && !isBlank(line.front()))
             line.remove_prefix(1);
         if (!readLine(line, request, list))
             return;
-        insideChanspec = *piece != '\0' && !isBlank(piece[strlen(piece) - 1]);
+        insideChanspec = cut;
     }
 }
 
@@ -172,7 +173,7 @@ int qvWlanGetValidChannel(WlanParamArg *arg) {
         return WLBRCM_EFAILED;
     }
     ChannelListWriter list(arg->result);
-    for (ListLine line; listing.next(line) && readNumbers(line, &list);)
+    for (std::string_view line; listing.next<kLongestLine>(&line) && readNumbers(line, &list);)
         continue;
     return WLBRCM_OK;
 }

@@ -108,7 +108,7 @@ int qvWlanSetWepKey(WlanParamArg *arg) {
     const int *key = defaultKeyOf(arg);
     if (key == nullptr)
         return WLBRCM_EINVAL;
-    return writeText(WLBRCM_HERE, name, Text<16>("key%d", *key).c_str(), arg->value);
+    return writeText(WLBRCM_HERE, name, Text<64>("key%d", *key).c_str(), arg->value);
 }
 
 int qvWlanSetPreSharedKey(WlanParamArg *arg) { return setText(WLBRCM_HERE, arg, "wpa_psk"); }

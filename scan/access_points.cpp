@@ -33,7 +33,7 @@ int qvWlanGetScanApResults(WlanParamArg *arg) {
     if (aps == nullptr)
         return WLBRCM_EFAILED;
     ApReader reader(ifname.c_str(), aps, capacity);
-    for (char line[254]; report.next(line);)
+    for (std::string_view line; report.next<253>(&line);)
         reader.readLine(line);
     const int count = reader.finish();
     memcpy(arg->aux, &count, sizeof count);

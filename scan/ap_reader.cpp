@@ -253,7 +253,13 @@ void addRates(char (&list)[259], std::string_view rates) {
 bool Pieces::next(Piece *piece) {
     if (rest_.empty())
         return false;
-    const size_t colon = indexOf(rest_, ':');
+    const char *at = rest_.data();
+    const char *const end = at + rest_.size();
+    uint32_t characters = 0;
+    while (at != end && *at != ':')
+        characters |= characterBit(*at++);
+    piece->characters = characters;
+    const auto colon = static_cast<size_t>(at - rest_.data());
     piece->key = {rest_.data(), colon};
     piece->hasValue = colon < rest_.size();
     rest_.remove_prefix(piece->hasValue ? colon + 1 : colon);
@@ -272,7 +278,7 @@ void ApReader::readLine(std::string_view line) {
 }
 
 void ApReader::dispatch(const Piece &piece) {
-    const uint32_t characters = characterSet(piece.key);
+    const uint32_t characters = piece.characters;
     const Rule *rule = kRules; // the last one matches everything
     while (!rule->key.mayStandIn(characters) || !matches(*rule, piece.key))
         ++rule;

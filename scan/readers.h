@@ -16,6 +16,7 @@ struct Piece {
     std::string_view key;
     std::string_view value;
     bool hasValue;
+    uint32_t characters; // those of the key, as in KeyMark
 };
 
 // Splits a line into its pieces. A key reaches up to its colon and keeps the tabs that indent it; a value ends at the

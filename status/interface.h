@@ -16,7 +16,7 @@ inline InterfaceName bssInterface(Here here, const char *radio, int index, const
     }
     if (radio == nullptr || index <= 0)
         return {here, index == 0 ? radio : nullptr};
-    return {here, Text<32>("%s.%d", radio, index).view()};
+    return {here, Text<64>("%s.%d", radio, index).view()};
 }
 
 } // namespace wlbrcm

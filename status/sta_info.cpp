@@ -190,7 +190,7 @@ int do_get_sta_info(const char *ifname, const char *mac, WlStaInfo *sta, char mo
     copyText(sta->ifName, name.c_str());
     Report report(unlogged(WLBRCM_HERE), path, WLBRCM_COMMAND("wlctl -i %s sta_info %s > %s"), name, address);
     StationCaps caps;
-    for (char line[255]; report.next(line);)
+    for (std::string_view line; report.next<254>(&line);)
         readStationInfo(line, mode == 'd', sta, &caps);
     decideMode(name, caps, sta);
     return WLBRCM_OK;

@@ -111,7 +111,7 @@ void writeBss(Here here, const WlSsidCfg &bss) {
         writeText(here, ifname, "wps_mode", "disabled");
         return;
     }
-    const Text<12> methods("0x%x", bss.wpsConfigMethod);
+    const Text<64> methods("0x%x", bss.wpsConfigMethod);
     const struct {
         const char *suffix;
         std::string_view value;
@@ -160,7 +160,7 @@ void writeRegistrar(Here here, const char *group) {
 void writeRegistrars(Here here) {
     writeRegistrar(here, "lan_");
     for (int number = 1; number < kLanGroups; ++number)
-        writeRegistrar(here, Text<16>("lan%d_", number).c_str());
+        writeRegistrar(here, Text<64>("lan%d_", number).c_str());
 }
 
 // One daemon serves all radios, so what the other radios wrote counts as well.

@@ -54,11 +54,11 @@ bool qvWlanReadCfeDevPin(char (&pin)[kDigits + 1]) {
 
 void generatePin(char (&pin)[kDigits + 1]) {
     srand(static_cast<unsigned>(time(nullptr)));
-    Text<12> random("%08lu", static_cast<unsigned long>(rand()));
+    Text<64> random("%08lu", static_cast<unsigned long>(rand()));
     random.cut(kDigits - 1);
     const unsigned long number = strtoul(random.c_str(), nullptr, 10) * 10;
     const unsigned long checksum = (10 - weightedSum(number) % 10) % 10;
-    copyText(pin, Text<12>("%08lu", number + checksum).view());
+    copyText(pin, Text<64>("%08lu", number + checksum).view());
 }
 
 } // namespace
