@@ -68,14 +68,14 @@ void editDenyList(MacFilterIntf *slot, MacFilterRequest *request) {
 }
 
 // The slot of an interface, claimed for it when it has none yet; -1 when it cannot have one.
-int _intf_index_get(const char *intf_name) {
-    if (!InterfaceName(WLBRCM_HERE, intf_name))
+int _intf_index_get(const char *ifname) {
+    if (!InterfaceName(WLBRCM_HERE, ifname))
         return -1;
     int index = 0;
     for (MacFilterIntf &slot : _intf_data) {
         if (slot.intf_name[0] == '\0')
-            copyText(slot.intf_name, intf_name);
-        if (strcmp(slot.intf_name, intf_name) == 0)
+            copyText(slot.intf_name, ifname);
+        if (strcmp(slot.intf_name, ifname) == 0)
             return index;
         ++index;
     }

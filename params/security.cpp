@@ -5,7 +5,7 @@ using namespace wlbrcm;
 
 namespace {
 
-enum class Akm { Set, Unset, Keep };
+enum class Akm { kSet, kUnset, kKeep };
 
 struct AuthMode {
     const char *word;
@@ -14,8 +14,8 @@ struct AuthMode {
     const char *akm;
 };
 constexpr AuthMode kAuthModes[] = {
-    {"wpa2psk", 0, Akm::Set, "psk2"}, {"wpa2", 0, Akm::Set, "wpa2"}, {"wpapskmix", 0, Akm::Set, "psk psk2"},
-    {"open", 0, Akm::Unset, ""},      {"shared", 1, Akm::Keep, ""},  {"wepauto", 2, Akm::Keep, ""},
+    {"wpa2psk", 0, Akm::kSet, "psk2"}, {"wpa2", 0, Akm::kSet, "wpa2"}, {"wpapskmix", 0, Akm::kSet, "psk psk2"},
+    {"open", 0, Akm::kUnset, ""},      {"shared", 1, Akm::kKeep, ""},  {"wepauto", 2, Akm::kKeep, ""},
 };
 
 struct Cipher {
@@ -56,14 +56,14 @@ int qvWlanSetAuthMode(WlanParamArg *arg) {
                arg->value);
         return WLBRCM_EINVAL;
     }
-    if (mode->change == Akm::Set)
+    if (mode->change == Akm::kSet)
         writeText(WLBRCM_HERE, name, "akm", mode->akm);
-    if (mode->change == Akm::Unset) {
+    if (mode->change == Akm::kUnset) {
         writeText(WLBRCM_HERE, name, "auth_mode", "");
         writeText(WLBRCM_HERE, name, "akm", "");
     }
     const int written = writeInt(WLBRCM_HERE, name, "auth", mode->auth);
-    if (mode->change == Akm::Set)
+    if (mode->change == Akm::kSet)
         return writeText(WLBRCM_HERE, name, "auth_mode", "none");
     return written;
 }

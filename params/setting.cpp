@@ -4,6 +4,7 @@ namespace wlbrcm {
 
 InterfaceName readNumber(Here here, const WlanParamArg *arg, const IntParam &param, int *number) {
     const InterfaceName name = interfaceOf(here, arg, kValue);
+    *number = 0;
     if (!name)
         return name;
     *number = decimal(arg->value);

@@ -188,8 +188,8 @@ template <int Stream> void readVhtMcs(ApReader &reader, const Piece &) {
 
 void passOver(ApReader &, const Piece &) {}
 
-enum class Test { Whole, Substring, Prefix };
-enum class Value { Needed, Optional };
+enum class Test { kWhole, kSubstring, kPrefix };
+enum class Value { kNeeded, kOptional };
 
 struct Rule {
     Test test;
@@ -200,39 +200,39 @@ struct Rule {
 
 // The first rule that matches decides: "VHT Capable" contains "HT Capable", and so on.
 constexpr Rule kRules[] = {
-    {Test::Whole, "SSID", Value::Needed, startRecord},
-    {Test::Whole, "BSSID", Value::Needed, readBssid},
-    {Test::Whole, "Mode", Value::Needed, readMode},
-    {Test::Whole, "Beacon Period", Value::Needed, readBeaconPeriod},
-    {Test::Whole, "DTIM Period", Value::Needed, readDtimPeriod},
-    {Test::Whole, "Channel", Value::Needed, readChannel},
-    {Test::Whole, "RSSI", Value::Needed, readRssi},
-    {Test::Whole, "noise", Value::Needed, readNoise},
-    {Test::Whole, "Supported Rates", Value::Needed, readLegacyRates},
-    {Test::Substring, "Chanspec", Value::Needed, readChanspec},
-    {Test::Whole, "WPS", Value::Optional, readWps},
-    {Test::Whole, "WPA", Value::Optional, readWpa},
-    {Test::Prefix, "RSN", Value::Optional, readWpa2},
-    {Test::Substring, "WPA2", Value::Optional, readWpa2},
-    {Test::Substring, "unicast ciphers", Value::Needed, readCiphers},
-    {Test::Substring, "AKM Suites", Value::Optional, readAkm},
-    {Test::Substring, "VHT Capable", Value::Optional, readVht},
-    {Test::Substring, "HT Capable", Value::Optional, readHt},
-    {Test::Substring, "Supported HT MCS", Value::Needed, readHtMcs},
-    {Test::Substring, "NSS1 Tx", Value::Optional, readVhtMcs<1>},
-    {Test::Substring, "NSS2 Tx", Value::Optional, readVhtMcs<2>},
-    {Test::Substring, "NSS3 Tx", Value::Optional, readVhtMcs<3>},
-    {Test::Substring, "NSS4 Tx", Value::Optional, readVhtMcs<4>},
-    {Test::Prefix, "", Value::Optional, passOver}, // any other key
+    {Test::kWhole, "SSID", Value::kNeeded, startRecord},
+    {Test::kWhole, "BSSID", Value::kNeeded, readBssid},
+    {Test::kWhole, "Mode", Value::kNeeded, readMode},
+    {Test::kWhole, "Beacon Period", Value::kNeeded, readBeaconPeriod},
+    {Test::kWhole, "DTIM Period", Value::kNeeded, readDtimPeriod},
+    {Test::kWhole, "Channel", Value::kNeeded, readChannel},
+    {Test::kWhole, "RSSI", Value::kNeeded, readRssi},
+    {Test::kWhole, "noise", Value::kNeeded, readNoise},
+    {Test::kWhole, "Supported Rates", Value::kNeeded, readLegacyRates},
+    {Test::kSubstring, "Chanspec", Value::kNeeded, readChanspec},
+    {Test::kWhole, "WPS", Value::kOptional, readWps},
+    {Test::kWhole, "WPA", Value::kOptional, readWpa},
+    {Test::kPrefix, "RSN", Value::kOptional, readWpa2},
+    {Test::kSubstring, "WPA2", Value::kOptional, readWpa2},
+    {Test::kSubstring, "unicast ciphers", Value::kNeeded, readCiphers},
+    {Test::kSubstring, "AKM Suites", Value::kOptional, readAkm},
+    {Test::kSubstring, "VHT Capable", Value::kOptional, readVht},
+    {Test::kSubstring, "HT Capable", Value::kOptional, readHt},
+    {Test::kSubstring, "Supported HT MCS", Value::kNeeded, readHtMcs},
+    {Test::kSubstring, "NSS1 Tx", Value::kOptional, readVhtMcs<1>},
+    {Test::kSubstring, "NSS2 Tx", Value::kOptional, readVhtMcs<2>},
+    {Test::kSubstring, "NSS3 Tx", Value::kOptional, readVhtMcs<3>},
+    {Test::kSubstring, "NSS4 Tx", Value::kOptional, readVhtMcs<4>},
+    {Test::kPrefix, "", Value::kOptional, passOver}, // any other key
 };
 
 bool matches(const Rule &rule, std::string_view key) {
     switch (rule.test) {
-    case Test::Whole:
+    case Test::kWhole:
         return key == rule.key.text;
-    case Test::Prefix:
+    case Test::kPrefix:
         return startsWith(key, rule.key.text);
-    case Test::Substring:
+    case Test::kSubstring:
         return contains(key, rule.key.text);
     }
     return false;
@@ -282,7 +282,7 @@ void ApReader::dispatch(const Piece &piece) {
     const Rule *rule = kRules; // the last one matches everything
     while (!rule->key.mayStandIn(characters) || !matches(*rule, piece.key))
         ++rule;
-    if ((piece.hasValue || rule->value == Value::Optional) && (current_ != nullptr || rule->read == startRecord))
+    if ((piece.hasValue || rule->value == Value::kOptional) && (current_ != nullptr || rule->read == startRecord))
         rule->read(*this, piece);
 }
 

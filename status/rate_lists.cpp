@@ -27,7 +27,7 @@ int streamsOfMcsLine(std::string_view line) {
 namespace {
 
 // Rates that a wireless mode supports: a fixed list, or those of 802.11n or 802.11ac.
-enum class Rates { Fixed, Ht, Vht };
+enum class Rates { kFixed, kHt, kVht };
 struct ModeRates {
     int band, mode;
     Rates kind;
@@ -38,12 +38,12 @@ constexpr char kRates11g[] = "1,2,5.5,6,9,11,12,18,24,36,48,54";
 constexpr char kRates11a[] = "6,9,12,18,24,36,48,54";
 constexpr char kBasicRates5g[] = "6,12,24";
 constexpr ModeRates kModeRates[] = {
-    {WLBRCM_BAND_2G, 1, Rates::Fixed, kRates11b}, {WLBRCM_BAND_2G, 0, Rates::Fixed, kRates11g},
-    {WLBRCM_BAND_2G, 2, Rates::Fixed, kRates11g}, {WLBRCM_BAND_2G, 3, Rates::Ht, nullptr},
-    {WLBRCM_BAND_2G, 4, Rates::Ht, nullptr},      {WLBRCM_BAND_5G, 5, Rates::Fixed, kRates11a},
-    {WLBRCM_BAND_5G, 3, Rates::Ht, nullptr},      {WLBRCM_BAND_5G, 6, Rates::Ht, nullptr},
-    {WLBRCM_BAND_5G, 7, Rates::Vht, nullptr},     {WLBRCM_BAND_5G, 8, Rates::Vht, nullptr},
-    {WLBRCM_BAND_5G, 9, Rates::Vht, nullptr}};
+    {WLBRCM_BAND_2G, 1, Rates::kFixed, kRates11b}, {WLBRCM_BAND_2G, 0, Rates::kFixed, kRates11g},
+    {WLBRCM_BAND_2G, 2, Rates::kFixed, kRates11g}, {WLBRCM_BAND_2G, 3, Rates::kHt, nullptr},
+    {WLBRCM_BAND_2G, 4, Rates::kHt, nullptr},      {WLBRCM_BAND_5G, 5, Rates::kFixed, kRates11a},
+    {WLBRCM_BAND_5G, 3, Rates::kHt, nullptr},      {WLBRCM_BAND_5G, 6, Rates::kHt, nullptr},
+    {WLBRCM_BAND_5G, 7, Rates::kVht, nullptr},     {WLBRCM_BAND_5G, 8, Rates::kVht, nullptr},
+    {WLBRCM_BAND_5G, 9, Rates::kVht, nullptr}};
 
 using RateList = Text<256>;
 
@@ -69,9 +69,9 @@ void addSupportedRates(RateList *list, int mode, int bandwidth, int band, int st
     for (const ModeRates &rates : kModeRates) {
         if (rates.band != band || rates.mode != mode)
             continue;
-        if (rates.kind == Rates::Fixed)
+        if (rates.kind == Rates::kFixed)
             list->append("%s", rates.list);
-        else if (rates.kind == Rates::Ht)
+        else if (rates.kind == Rates::kHt)
             addHtRates(list, band, bandwidth, streams);
         else
             addVhtRates(list, bandwidth, streams);
@@ -85,13 +85,13 @@ const char *basicRates(int band) {
 // Modes without 802.11n say nothing about streams and count as two. 0 when the driver's report is missing.
 int streamsOfMode(const InterfaceName &ifname, int mode) {
     constexpr int kDefaultStreams = 2;
-    constexpr Here here{"qvWlanGetDataTxRates", __LINE__};
+    constexpr Here kHere{"qvWlanGetDataTxRates", __LINE__};
     if (mode == 0 || mode == 1 || mode == 2 || mode == 5)
         return kDefaultStreams;
     const ResultPath path("/tmp/%srateset.txt", ifname.c_str());
-    Report report(here, path, WLBRCM_COMMAND("wlctl -i %s rateset > %s"), ifname);
+    Report report(kHere, path, WLBRCM_COMMAND("wlctl -i %s rateset > %s"), ifname);
     if (!report) {
-        WLBRCM_LOG_AT(here, LOG_ERR, ": %s no such file.\n", path.c_str());
+        WLBRCM_LOG_AT(kHere, LOG_ERR, ": %s no such file.\n", path.c_str());
         return 0;
     }
     int streams = kDefaultStreams;

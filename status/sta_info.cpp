@@ -83,13 +83,13 @@ constexpr uint32_t kAssociated = 0x10;
 constexpr uint32_t kVhtCapable = 0x100000;
 constexpr uint32_t kVht160 = 0x4;
 constexpr uint32_t kHt40 = 0x2;
-enum PhyMode : uint32_t { PHY_11B = 1, PHY_11G = 2, PHY_11A = 4, PHY_11N = 8, PHY_11AC = 16 };
+enum PhyMode : uint32_t { kPhy11b = 1, kPhy11g = 2, kPhy11a = 4, kPhy11n = 8, kPhy11ac = 16 };
 
 PhyMode legacyMode(const InterfaceName &ifname, const char *rateSet) {
     constexpr int kHighest11b = 11; // Mbit/s
     if (checkWlBand(ifname.c_str()) == WLBRCM_BAND_5G)
-        return PHY_11A;
-    return getMaxRateSet(rateSet) <= kHighest11b ? PHY_11B : PHY_11G;
+        return kPhy11a;
+    return getMaxRateSet(rateSet) <= kHighest11b ? kPhy11b : kPhy11g;
 }
 
 void decideMode(const InterfaceName &ifname, const StationCaps &caps, WlStaInfo *sta) {
@@ -99,10 +99,10 @@ void decideMode(const InterfaceName &ifname, const StationCaps &caps, WlStaInfo 
     if ((caps.flags & kAssociated) == 0)
         return;
     if ((caps.flags & kVhtCapable) != 0) {
-        sta->phyMode = PHY_11AC;
+        sta->phyMode = kPhy11ac;
         sta->bandwidth = (caps.vht & kVht160) != 0 ? 160 : 80;
     } else if (caps.ht != 0) {
-        sta->phyMode = PHY_11N;
+        sta->phyMode = kPhy11n;
         sta->bandwidth = (caps.ht & kHt40) != 0 ? 40 : 20;
     } else {
         sta->phyMode = legacyMode(ifname, caps.rateSet);

@@ -47,9 +47,9 @@ bool argumentValid(Argument kind, const char *arg) {
 }
 
 // A text that enters a line of the daemon's protocol, where blanks part one key from the next.
-bool isProtocolText(Here here, std::string_view text) {
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) > ' ' && c != '\x7f')
+bool isProtocolText(Here here, const char *text) {
+    for (const char *at = text; at != nullptr && *at != '\0'; ++at) {
+        if (static_cast<unsigned char>(*at) > ' ' && *at != '\x7f')
             continue;
         WLBRCM_LOG_AT(here, LOG_ERR, "invalid text for the WPS daemon \"%s\".\n", Shown(text).c_str());
         return false;
@@ -100,8 +100,9 @@ int qvWlanActionWpsCmd(const char *ifname, const char *mode, const char *arg) {
     const bool version2 = nvram_match("wps_version2", "enabled") != 0;
     char station[32];
     copyText(station, version2 ? nvramText("wps_autho_sta_mac") : "");
-    const bool usesArg = start->argument != Argument::kNone;
-    if (!isProtocolText(WLBRCM_HERE, station) || (usesArg && !isProtocolText(WLBRCM_HERE, arg)))
+    if (start->argument == Argument::kNone)
+        arg = nullptr;
+    if (!isProtocolText(WLBRCM_HERE, station) || !isProtocolText(WLBRCM_HERE, arg))
         return WLBRCM_EINVAL;
     const Text<256> command = startCommand(*start, name.c_str(), arg, version2 ? station : nullptr);
     if (!commandFits(WLBRCM_HERE, command.fits(), command.c_str()))
