@@ -37,7 +37,7 @@ WLBRCM_ASSERT_LAYOUT(sizeof(WlEvent) == 292 && offsetof(WlEvent, event) == 32 &&
 
 /** Opens the event socket (UDP 127.0.0.1:44032, a receive buffer of 352 KiB) and the forwarding socket
  * (127.0.0.1:13728), and sets nvram mevent_enable to 1. wlModuleInit() calls it; a host need not. Called again it opens
- * both anew: the new ones receive, the earlier ones stay open.
+ * both anew: the new ones receive; the earlier forwarding socket is closed, the earlier event socket is the caller's.
  * @param[out] sock  the event socket; stays open for the life of the process, as nothing in the module closes it.
  * @return 0; -14 for null; -5 when a socket cannot be set up. When that is the forwarding socket, *sock is set and
  * stays open all the same. */

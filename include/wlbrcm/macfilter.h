@@ -97,10 +97,9 @@ WLBRCM_API int qvbrcm_BsaMacFilter(const char *ifname, int cmd, const uint8_t ma
 /** Installs a filter in driver and nvram (keys macmode, maclist), past the table. Time: two or three commands.
  * @param ifname  BSS interface.
  * @param cmd  "DENY", "ALLOW" or any other for none.
- * @param list  blank-separated addresses, at most 1535 characters; not read for none;
- *   null is an empty list.
- * @return 0, also when a command fails; -5 for a null name or command; -14 when a name or list is refused (nothing is
- *   then changed), and for a null list that is read (the mode is then set and the list empty). */
+ * @param list  blank-separated addresses, at most 1535 characters; not read for none.
+ * @return 0, also when a command fails; -5 for a null name or command; -14 when a name or list is refused, or a list
+ *   that is read is null (nothing is then changed). */
 WLBRCM_API int qvWifiStaFilter(const char *ifname, const char *cmd, const char *list);
 /** Filter mode of `prefix` in driver and nvram; `value` points to an int 0..2 (not a text). Time: one command. @return
  * 0; -14 for a null argument, another mode or a bad name. */

@@ -31,8 +31,9 @@
  *   nothing and may run beside any other.
  *
  * Names: an interface or bridge name that reaches a command is 1 to 15 characters of [A-Za-z0-9._-] and does not begin
- * with '-'; an address is six pairs of hexadecimal digits joined by colons. Any other is logged at level 4 and gets no
- * command.
+ * with '-'; an address is six pairs of hexadecimal digits joined by colons. Any other is logged at level 4, gets no
+ * command and becomes part of no nvram variable's name. Foreign bytes of a logged name or reply, line ends among them,
+ * are shown as \xNN.
  *
  * nvram: variables are written, never committed. The host commits when it wants them to outlive a restart.
  *
@@ -186,8 +187,7 @@ typedef struct WlModuleHostOps {
     /** Registers the event handler; called at most once. May be null: then no event socket is opened.
      * @param module  "BRCM".
      * @param handler  the record; the host's from the moment it accepts.
-     * @return 0 to accept; any other value refuses it, and the module frees the record. The sockets then stay open and
-     *   nobody reads them. */
+     * @return 0 to accept; any other value refuses it; the module frees the record and closes the sockets. */
     int (*registerEvtHandler)(const char *module, WlEvtHandler *handler);
     /** Log callback. May be null: then nothing is logged. */
     WlPrintFn print;
@@ -217,8 +217,8 @@ WLBRCM_ASSERT_LAYOUT(offsetof(WlModuleOps, empty25) == sizeof(WlModuleOps) - siz
  *
  * A second call is no reset: radios that are in operation are down after it. It replaces the log callback, registers a
  * new table and new records of the same radios, goes on counting in `act_wl_cnt`, and opens the sockets again. The
- * earlier event socket stays open but receives nothing any more; the earlier forwarding socket stays open and is lost.
- * The MAC filter's tables stay.
+ * earlier event socket, which is the host's, stays open but receives nothing any more; the earlier forwarding socket is
+ * closed. The MAC filter's tables stay.
  *
  * Unloading the library (dlclose()) is allowed while no function of it runs. What it handed out stays and may be freed,
  * but its table and handler must not be called again. Both sockets stay open; the host may close `WlEvtHandler.sock`

@@ -2,11 +2,11 @@
  * Parameter setters: one function per configuration parameter of a radio or BSS.
  *
  * All of them take one WlanParamArg and return 0, or -14 when the argument, its `prefix` or a `value` they need is
- * null, the value is out of range or no known word, or a text is too long for nvram (2047 characters); nothing is then
- * written, and some print the possible values on standard output. They write nvram variables named by `prefix`, an
- * underscore and a key; those take effect when the radio is configured again (bringup.h). Setters marked "at once" run
- * a driver or shell command instead, and give -14 for a `prefix` that is no interface name. Results of writes and
- * commands are not checked. Numbers are read like atoi(): text that is no number counts as 0. An empty text removes
+ * null, `prefix` is no interface name, the value is out of range or no known word, or a text is too long for nvram
+ * (2047 characters); nothing is then written, and some print the possible values on standard output. They write nvram
+ * variables named by `prefix`, an underscore and a key; those take effect when the radio is configured again
+ * (bringup.h). Setters marked "at once" run a driver or shell command instead. Results of writes and commands are not
+ * checked. Numbers are read like atoi(): text that is no number counts as 0. An empty text removes
  * the variable, and one trailing blank is cut off except in SSIDs and passphrases.
  *
  * The setup sequence qvbrcm_SetupWlan() calls the setters of one radio in an order that matters: the radio-mode state
@@ -135,15 +135,16 @@ WLBRCM_API int qvWlanSetChannel(WlanParamArg *arg);
  * @param regMode  1 802.11h, 2 802.11d, any other none.
  * @param dfsPreIsm,dfsPostIsm  monitoring before and after use of a radar channel, seconds; -1 the driver's.
  * @param tpcDb  transmit power reduction in dB.
- * @return 0; -14 for a null prefix. */
+ * @return 0; -14 for a prefix that is no interface name. */
 WLBRCM_API int qvWlanSetupRegulatory(const char *prefix, int band, int regMode, int dfsPreIsm, int dfsPostIsm,
                                      int tpcDb);
 /** Channels that the driver allows in a country. Sets the driver's country to it first. Time: two commands.
  * @param arg  `prefix` the radio; `value` "band,bandwidth,sideband": "5GHz" or "2.4GHz"; 10, 20, 40 or 80 MHz; "upper",
- *   "lower" or any other word for both. `aux` the country; one with other characters than letters, digits and "/#._-"
- * is not set, with a level-4 message. `result` a text buffer of WLBRCM_CHANNEL_LIST_SIZE bytes that receives decimal
- *   channel numbers joined by commas; empty when there is no listing.
- * @return 0, also without a listing; -14 for a null member or a bad name (then `result` is empty).
+ *   "lower" or any other word for both. `aux` the country; one with other characters than letters, digits and "/#._-",
+ *   one that begins with none of the former, or holds "..", is not set, with a level-4 message. `result` a text buffer
+ * of WLBRCM_CHANNEL_LIST_SIZE bytes that receives decimal channel numbers joined by commas; empty when there is no
+ * listing.
+ * @return 0, also without a listing; -14 for a null member or a bad name (`result` is then untouched).
  */
 WLBRCM_API int qvWlanChannelList(WlanParamArg *arg);
 /** Channels of the driver's current listing of `prefix`, up to the first word that is no number. `result` as for

@@ -194,14 +194,14 @@ WLBRCM_API int getMaxRateSet(const char *text);
  * @param ifname  the radio's interface.
  * @param bssIndex  0 for the radio's interface, n for its n-th virtual one, "<ifname>.<n>".
  * @param[in,out] info  what the beacon lacks is left as it was; clear it before.
- * @return 0, also when nothing could be read; -14 for a null argument, a bad name or a negative index. */
+ * @return 0. A null argument, a bad name and a negative index are logged at level 4, and nothing is run. */
 WLBRCM_API int qvbrcm_GetGenIntfInfo(const char *ifname, int bssIndex, WlIntfInfo *info);
 /** Operation: free share of the current channel's air time, in percent. Time: one command.
  * @param ifname,bssIndex  as for qvbrcm_GetGenIntfInfo().
  * @param[out] fat  100 minus the sum of the six busy percentages of the driver's channel statistics: 100 is an idle
  *   channel, 0 a full one, and a negative number a sum above 100. Written only when there are statistics; set it to a
  *   number out of range before.
- * @return 0, also when nothing could be read; -14 for a null argument, a bad name or a negative index. */
+ * @return 0. A null argument, a bad name and a negative index are logged at level 4, and nothing is run. */
 WLBRCM_API int qvbrcm_GetFatIntfInfo(const char *ifname, int bssIndex, int *fat);
 
 /** @name Radio getters
