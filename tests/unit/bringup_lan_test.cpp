@@ -27,19 +27,33 @@ class BringUpLan : public PlatformTest {
 };
 
 TEST_F(BringUpLan, GroupsBecomeVariables) {
-    platform.nvram = {{"lan2_ifname", "old"},
-                      {"lan9_hwaddr", "old"},
-                      {"lan10_ifname", "kept"},
-                      {"eth0_hwaddr", "x"},
+    platform.nvram = {{"lan2_ifname", "old"},  {"lan9_hwaddr", "old"},   {"lan3_wps_reg", "old"},
+                      {"lan3_wps_oob", "old"}, {"lan10_ifname", "kept"}, {"eth0_hwaddr", "x"},
                       {"lan_wps_reg", ""}};
     addGroup("br0", {"eth0", "", "wl0", "wl0.1"});
-    addGroup("br1", {"usb0", "wl1"});
+    addGroup("br1", {"usb0", "wl1", "eth=1"});
     EXPECT_EQ(0, update());
-    EXPECT_EQ(Lines({"unset lan2_ifname", "unset lan9_hwaddr", "set lan_ifname=br0", "set lan_ifnames=eth0 wl0 wl0.1",
-                     "set lan_hwaddr=00:10:18:00:00:01", "set eth0_ifname=eth0", "unset eth0_hwaddr",
-                     "set lan1_ifname=br1", "set lan1_ifnames=usb0 wl1", "set lan1_hwaddr=00:10:18:00:00:01",
-                     "set usb0_ifname=usb0", "unset usb0_hwaddr", "set lan_wps_reg=enabled", "set lan_wps_oob=disabled",
-                     "set lan1_wps_reg=enabled", "set lan1_wps_oob=disabled", "run killall eapd", "run /bin/eapd"}),
+    EXPECT_EQ(Lines{"invalid interface name \"eth=1\".\n"}, Lines({platform.logged(4)[0]}));
+    EXPECT_EQ(Lines({"unset lan2_ifname",
+                     "unset lan3_wps_reg",
+                     "unset lan3_wps_oob",
+                     "unset lan9_hwaddr",
+                     "set lan_ifname=br0",
+                     "set lan_ifnames=eth0 wl0 wl0.1",
+                     "set lan_hwaddr=00:10:18:00:00:01",
+                     "set eth0_ifname=eth0",
+                     "unset eth0_hwaddr",
+                     "set lan1_ifname=br1",
+                     "set lan1_ifnames=usb0 wl1 eth=1",
+                     "set lan1_hwaddr=00:10:18:00:00:01",
+                     "set usb0_ifname=usb0",
+                     "unset usb0_hwaddr",
+                     "set lan_wps_reg=enabled",
+                     "set lan_wps_oob=disabled",
+                     "set lan1_wps_reg=enabled",
+                     "set lan1_wps_oob=disabled",
+                     "run killall eapd",
+                     "run /bin/eapd"}),
               platform.journal);
 }
 
@@ -84,7 +98,6 @@ TEST_F(BringUpLan, MembersStayWhole) {
 
 TEST_F(BringUpLan, NothingToBuild) {
     WlLanCfg lan = {0, nullptr};
-    EXPECT_EQ(-14, qvbrcm_UpdateLaninfo(nullptr, nullptr, nullptr));
     EXPECT_EQ(-5, qvbrcm_UpdateLaninfo(nullptr, nullptr, &lan));
     EXPECT_EQ(Lines{"Lan number = 0\n"}, platform.logged(4));
     addGroup("br0", {"eth0"});

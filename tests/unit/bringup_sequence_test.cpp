@@ -1,5 +1,6 @@
 // The order in which a radio is brought up: one rich radio in full, and what the others leave out.
 #include <fstream>
+#include <set>
 
 #include "bringup_radio.h"
 
@@ -124,18 +125,31 @@ class BringUpSequence : public BringUpTest {
     WlLanCfg lans = {1, &lan};
 };
 
+// With every command failing the same things are done: results do not matter, and no setter's refusal stops anything.
 TEST_F(BringUpSequence, RichRadioIsPinned) {
-    fillRichRadio();
     const Lines expected = readLines("bringup_rich_radio.txt");
     ASSERT_GT(expected.size(), 250U);
-    EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans));
-    for (size_t i = 0; i < expected.size() && i < platform.journal.size(); ++i)
-        ASSERT_EQ(expected[i], platform.journal[i]) << "step " << i;
-    EXPECT_EQ(expected.size(), platform.journal.size());
-    EXPECT_EQ(WLBRCM_STATE_READY, intf->state);
-    EXPECT_EQ(Lines{"\nqvbrcm_ForceConfigurePresetSSID: wlanSsid[2].enable = 1......\n"},
-              Lines({platform.logged(8)[0]}));
-    EXPECT_EQ(Lines{}, platform.logged(4));
+    for (const bool works : {true, false}) {
+        platform.forget();
+        fillRichRadio();
+        if (!works) {
+            platform.answer("", "", 1);
+            platform.answer("wlctl -i wl0 ver", "WLTEST\n", 1);
+            platform.failing = {{"affinity", 1}, {"priority", 1}};
+        }
+        intf->state = 0;
+        const std::string output = printed([&] { EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans)); });
+        for (size_t i = 0; i < expected.size() && i < platform.journal.size(); ++i)
+            ASSERT_EQ(expected[i], platform.journal[i]) << "step " << i;
+        EXPECT_EQ(expected.size(), platform.journal.size());
+        EXPECT_EQ(WLBRCM_STATE_READY, intf->state);
+        EXPECT_EQ("\nqvbrcm_ForceConfigurePresetSSID: wlanSsid[2].enable = 1......\n", platform.logged(8)[0]);
+        EXPECT_EQ(!works, output.find("Failed to make wlan processing on wl0 realtime\n") != std::string::npos);
+        EXPECT_EQ(works ? Lines{}
+                        : Lines({"sched_setaffinity failed, rc=-1, wl0-kthrd(101)\n",
+                                 "sched_setaffinity failed, rc=-1, wfd0-thrd(102)\n"}),
+                  platform.logged(4));
+    }
 }
 
 TEST_F(BringUpSequence, ReloadAnnouncesInsteadOfWritingLanVariables) {
@@ -206,6 +220,26 @@ TEST_F(BringUpSequence, VariantsOfTheRichRadio) {
     EXPECT_FALSE(ran("/bin/wps_monitor"));
 }
 
+namespace {
+
+const WlIntf *watched;
+std::set<int> states;
+void watchState(int, const char *, const char *, int, const char *, ...) { states.insert(watched->state); }
+
+} // namespace
+
+TEST_F(BringUpSequence, TheStateTellsWhatIsGoingOn) {
+    watched = intf;
+    brcm_print_fn = watchState;
+    for (const bool reload : {false, true}) {
+        states.clear();
+        intf->state = 0;
+        EXPECT_EQ(0, reload ? qvbrcm_ReloadWlan(intf) : qvbrcm_InitWlan(intf, &lans));
+        EXPECT_EQ(std::set<int>{WLBRCM_STATE_SETTING_UP}, states);
+        EXPECT_EQ(WLBRCM_STATE_READY, intf->state);
+    }
+}
+
 // wl0 itself comes up once more, unless the entry after the last one in use is enabled.
 TEST_F(BringUpSequence, OwnInterface) {
     const struct {
@@ -223,20 +257,6 @@ TEST_F(BringUpSequence, OwnInterface) {
         qvWlanFinishSetup(&radio, bss);
         EXPECT_EQ(row.ups, platform.did("run ifconfig wl0 up 2>/dev/null").size()) << row.inUse;
     }
-}
-
-// Results do not matter: with every command failing, the same things are done, and no setter's refusal stops anything.
-TEST_F(BringUpSequence, FailingCommandsChangeNothing) {
-    fillRichRadio();
-    platform.answer("", "", 1);
-    platform.answer("wlctl -i wl0 ver", "WLTEST\n", 1);
-    platform.failing = {{"affinity", 1}, {"priority", 1}};
-    const std::string output = printed([&] { EXPECT_EQ(0, qvbrcm_InitWlan(intf, &lans)); });
-    EXPECT_EQ(readLines("bringup_rich_radio.txt"), platform.journal);
-    EXPECT_NE(std::string::npos, output.find("Failed to make wlan processing on wl0 realtime\n"));
-    EXPECT_EQ(Lines({"sched_setaffinity failed, rc=-1, wl0-kthrd(101)\n",
-                     "sched_setaffinity failed, rc=-1, wfd0-thrd(102)\n"}),
-              platform.logged(4));
 }
 
 TEST_F(BringUpSequence, StepsLogUnderTheirOwnNames) {
@@ -275,6 +295,8 @@ TEST_F(BringUpSequence, HostileNames) {
     EXPECT_FALSE(ran("rrrr"));
     EXPECT_FALSE(ran("/bin/lld2d"));
     EXPECT_TRUE(ran("killall -9 lld2d"));
+    for (const char *key : {"set wl0_ssid", "set wl0_closed", "set wl0_akm"})
+        EXPECT_EQ(1U, platform.did(key).size()) << "what was refused landed under the radio's prefix";
     for (const char *name : {"br0; reboot", "wl0.1$(reboot)", "-reboot", "br0 && reboot", "rrrrrrrr"})
         EXPECT_TRUE(wasLogged(4, name)) << name;
     for (const char *command : {"wlconf wl0 start", "ifconfig wl0 up", "ifconfig wl0 down", "/bin/nas"})
@@ -305,15 +327,4 @@ TEST_F(BringUpSequence, UnterminatedRecord) {
     EXPECT_FALSE(ran("www"));
     for (const auto &[key, value] : platform.nvram)
         EXPECT_LE(value.size(), 2047U) << key;
-}
-
-TEST_F(BringUpSequence, MissingArguments) {
-    uint8_t changed = 0;
-    EXPECT_EQ(-14, qvbrcm_InitWlan(nullptr, &lans));
-    EXPECT_EQ(-14, qvbrcm_InitWlan(intf, nullptr));
-    EXPECT_EQ(-14, qvbrcm_ReloadWlan(nullptr));
-    EXPECT_EQ(-14, qvbrcm_WPSUpdateConfg(nullptr, &changed));
-    EXPECT_EQ(-14, qvbrcm_WPSUpdateConfg(intf, nullptr));
-    EXPECT_EQ(Lines{}, platform.journal);
-    EXPECT_EQ(0, intf->state);
 }

@@ -255,7 +255,10 @@ TEST_F(EventSockets, SendingOneMessage) {
     platform.forget();
     EXPECT_EQ(0, send(0x7fff, 32)); // no open descriptor
     EXPECT_EQ(Lines{"UDP send failed; sentBytes = -1\n"}, platform.logged(WLBRCM_LOG_ERR));
-    EXPECT_EQ(-14, send_bcmevt_to_Fenra_RPE(sock, nullptr, 32));
+    platform.failing["sendto"] = 1;
+    EXPECT_EQ(0, send(sock, 32));
+    EXPECT_EQ(message.substr(0, 32), received(agent));
+    EXPECT_EQ("UDP send failed; sentBytes = 31\n", platform.logged(WLBRCM_LOG_ERR).back());
     EXPECT_EQ(-14, send(sock, -1));
     EXPECT_EQ("nothing", received(agent));
     close(sock);

@@ -12,6 +12,7 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -125,6 +126,7 @@ struct FakeCalls {
 extern "C" {
 
 int __real_remove(const char *path);
+ssize_t __real_sendto(int sock, const void *data, size_t size, int flags, const sockaddr *to, socklen_t length);
 int __real_open(const char *path, int flags, ...);
 int __real_fstat(int fd, struct stat *status);
 int __real_close(int fd);
@@ -179,6 +181,11 @@ int __wrap_nanosleep(const timespec *time, timespec *left) {
 
 int __wrap_poll(pollfd *descriptors, nfds_t count, int timeout) {
     return __real_poll(descriptors, count, current != nullptr ? timeout / 20 : timeout);
+}
+
+ssize_t __wrap_sendto(int sock, const void *data, size_t size, int flags, const sockaddr *to, socklen_t length) {
+    const ssize_t sent = __real_sendto(sock, data, size, flags, to, length);
+    return fails("sendto") ? sent - 1 : sent;
 }
 
 int __wrap_remove(const char *path) {

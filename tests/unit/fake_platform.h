@@ -54,7 +54,8 @@ class FakePlatform {
     // The n-th calloc() from now (0 = the next) returns null; allocationFailed tells that it was reached.
     void failAllocation(int n);
     bool allocationFailed = false;
-    // Calls that fail: "open /tmp/x", "remove /tmp/x", "opendir", "affinity", "priority", "mutex".
+    // Calls that fail: "open /tmp/x", "remove /tmp/x", "opendir", "affinity", "priority", "mutex";
+    // "sendto" sends, and tells one byte less.
     std::map<std::string, int> failing; // call -> result or errno, any value
     // What a board device answers: called with request code and block, returns the ioctl result. No device without one.
     std::map<std::string, int (*)(unsigned long request, void *block)> devices;

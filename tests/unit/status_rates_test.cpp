@@ -30,7 +30,6 @@ TEST_F(StatusRates, HighestRateByPhy) {
     EXPECT_EQ("run wlctl -i wl0 status > /tmp/wl0_status", platform.journal[0]);
     EXPECT_EQ("cmd = wlctl -i wl0 status > /tmp/wl0_status\n", platform.logged(WLBRCM_LOG_DEBUG)[0]);
     platform.forget();
-    EXPECT_EQ(0, qvWlanGetMaxBitRate(nullptr));
     EXPECT_EQ(0, qvWlanGetMaxBitRate(Arg("wl0 ", "n")));
     EXPECT_EQ(Lines{}, platform.journal);
     platform.loseOutput("wlctl -i wl0 status");
@@ -176,7 +175,6 @@ TEST_F(StatusRates, DataRatesNeedBothFiles) {
     EXPECT_EQ(WLBRCM_EFAILED, qvWlanGetDataTxRates(Arg("wl0"), 1, 20, 2));
     EXPECT_EQ(Lines{":/tmp/wl0DataTxRates.txt no such file.\n"}, platform.logged(WLBRCM_LOG_ERR));
     platform.forget();
-    EXPECT_EQ(WLBRCM_EINVAL, qvWlanGetDataTxRates(nullptr, 1, 20, 2));
     EXPECT_EQ(WLBRCM_EINVAL, qvWlanGetDataTxRates(Arg("../etc/x"), 1, 20, 2));
     EXPECT_EQ(Lines{}, platform.journal);
 }

@@ -50,17 +50,6 @@ class StatusUpdate : public PlatformTest {
     const long none = LONG_MIN;
 };
 
-TEST_F(StatusUpdate, ArgumentsAreChecked) {
-    WlStatusItem item = {"RadioStatus", 0, nullptr};
-    EXPECT_EQ(WLBRCM_EINVAL, qvbrcm_StatusUpdate(nullptr, &item, 1));
-    EXPECT_EQ(WLBRCM_EINVAL, qvbrcm_StatusUpdate(&intf, nullptr, 1));
-    EXPECT_EQ(WLBRCM_EINVAL, qvbrcm_StatusUpdate(&intf, &item, 0));
-    EXPECT_EQ(WLBRCM_EINVAL, qvbrcm_StatusUpdate(&intf, &item, -1));
-    EXPECT_EQ(nullptr, item.value);
-    EXPECT_EQ(Lines{}, platform.journal);
-    EXPECT_EQ(Lines(4, "enter.\n"), platform.logged(WLBRCM_LOG_DEBUG));
-}
-
 TEST_F(StatusUpdate, EveryItemHasItsValue) {
     const std::pair<const char *, long> numbers[] = {{"MaxBitRate", 867},    {"CurChannel", 36}, {"CurBandwidth", 80},
                                                      {"CurChanspec", 57386}, {"SideBand", 3},    {"Noise", -88},
