@@ -42,15 +42,6 @@ size_t positionOf(std::string_view text, std::string_view part) {
     return text.empty() ? std::string_view::npos : text.find(part);
 }
 
-bool listContains(std::string_view list, std::string_view word) {
-    Words words(list);
-    for (std::string_view each; words.next(&each);) {
-        if (each == word)
-            return true;
-    }
-    return false;
-}
-
 int decimal(const char *text) {
     const long number = strtol(text, nullptr, 10);
     return number > INT_MAX ? INT_MAX : number < INT_MIN ? INT_MIN : static_cast<int>(number);

@@ -118,9 +118,6 @@ struct KeyMark {
     uint32_t characters;
 };
 
-// Whether `word` is one of the words of a blank-separated list.
-bool listContains(std::string_view list, std::string_view word);
-
 // Decimal number at the start of a text, like atoi(), but defined for every input: out of range gives the nearest int.
 int decimal(const char *text);
 

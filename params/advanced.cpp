@@ -49,13 +49,14 @@ bool needsCoexistence(const char *bandAndWidth) {
 // and is left to the driver.
 int qvWlanSetRate(WlanParamArg *arg) {
     constexpr int k40MhzOnlyMcs = 32;
+    constexpr IntParam kParam{"rate"};
     int rate;
-    const InterfaceName name = readNumber(WLBRCM_HERE, arg, {"rate"}, &rate);
+    const InterfaceName name = readNumber(WLBRCM_HERE, arg, kParam, &rate);
     if (!name)
         return WLBRCM_EINVAL;
     if (mcs_index == -1)
         rate = 0;
-    const int written = writeInt(WLBRCM_HERE, name, "rate", rate);
+    const int written = writeInt(WLBRCM_HERE, name, kParam.key, rate);
     if (brcm_nmode == 0)
         return written;
     if (mcs_index == k40MhzOnlyMcs) {

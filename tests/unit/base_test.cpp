@@ -57,27 +57,6 @@ TEST_F(Base, TextRemembersThatItOverflowed) {
     EXPECT_STREQ("wxy", field);
 }
 
-TEST_F(Base, WordsAndWholeWordSearch) {
-    Words blanks("  a  bc ");
-    std::string_view word;
-    Lines found;
-    while (blanks.next(&word))
-        found.emplace_back(word);
-    EXPECT_EQ((Lines{"a", "bc"}), found);
-
-    Words commas(",x,", ',', true);
-    found.clear();
-    while (commas.next(&word))
-        found.emplace_back(word);
-    EXPECT_EQ((Lines{"", "x", ""}), found);
-
-    EXPECT_TRUE(listContains("wl0.10 wl0.1", "wl0.1"));
-    EXPECT_FALSE(listContains("wl0.10 xwl0.1", "wl0.1"));
-    EXPECT_EQ(2147483647, decimal("99999999999"));
-    EXPECT_EQ(-2147483647 - 1, decimal("-99999999999"));
-    EXPECT_EQ(12, decimal(" 12ab"));
-}
-
 TEST_F(Base, TextWritesFollowTheBlankRule) {
     const struct {
         const char *key, *value, *entry;
@@ -205,13 +184,6 @@ TEST_F(Base, WhatStandsAtAResultFilesNameIsNotBelieved) {
     EXPECT_EQ(Lines{"cannot remove /tmp/x (error 39), not done: make > /tmp/x\n"}, platform.logged(LOG_ERR));
 }
 
-TEST_F(Base, MatchComparesExactly) {
-    platform.nvram["wps_version2"] = "enabled";
-    EXPECT_EQ(1, nvram_match("wps_version2", "enabled"));
-    EXPECT_EQ(0, nvram_match("wps_version2", "enable"));
-    EXPECT_EQ(0, nvram_match("wps_version1", ""));
-}
-
 TEST_F(Base, CommandsAreLoggedAndNeverRunCut) {
     platform.answer("false", "", 1);
     EXPECT_EQ(0, __qvWlanSystemEx("caller", 1, "true"));
@@ -227,11 +199,4 @@ TEST_F(Base, CommandsAreLoggedAndNeverRunCut) {
     EXPECT_EQ(0, __qvWlanCmdExec("caller", 1, "wl0", (longest + "x").c_str()));
     EXPECT_EQ(1U, platform.journal.size());
     EXPECT_EQ(1U, platform.logged(LOG_ERR).size());
-}
-
-TEST_F(Base, WithoutALogCallbackNothingElseChanges) {
-    brcm_print_fn = nullptr;
-    EXPECT_EQ(0, __qvWlanSystemEx("caller", 1, "true"));
-    EXPECT_EQ(0, writeInt(WLBRCM_HERE, Key("wl0_radio"), 1));
-    EXPECT_EQ((Lines{"run true", "set wl0_radio=1"}), platform.journal);
 }

@@ -178,26 +178,3 @@ TEST_F(BringUpSession, TakesOver) {
         EXPECT_TRUE(ran("/bin/wps_monitor&"));
     }
 }
-
-TEST_F(BringUpSession, LongValuesAreCutOnce) {
-    setField(bss[0].authMode, "wpa2psk");
-    for (const int change : {1, 0}) {
-        platform.nvram = {{"wl0_ssid", std::string(40, 's')}, {"wl0_wpa_psk", std::string(80, 'p')}};
-        uint8_t changed = 9;
-        qvbrcm_WPSUpdateConfg(intf, &changed);
-        EXPECT_EQ(change, changed);
-        EXPECT_EQ(std::string(32, 's') + "|wpa2psk||" + std::string(66, 'p'), settings());
-    }
-}
-
-TEST_F(BringUpSession, OnlyWithWps) {
-    for (const bool capable : {true, false}) {
-        platform.nvram = {{"wl0_ssid", "New"}};
-        bss[0].wpsEnable = capable ? 0 : 1;
-        caps.wpsCapable = capable ? 1 : 0;
-        uint8_t changed = 9;
-        EXPECT_EQ(0, qvbrcm_WPSUpdateConfg(intf, &changed));
-        EXPECT_EQ(0, changed);
-        EXPECT_EQ("|||", settings());
-    }
-}

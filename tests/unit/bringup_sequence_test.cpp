@@ -198,28 +198,6 @@ TEST_F(BringUpSequence, BareRadioThatIsOff) {
     EXPECT_EQ(Lines{}, platform.did("priority"));
 }
 
-TEST_F(BringUpSequence, VariantsOfTheRichRadio) {
-    fillRichRadio();
-    caps.wme = caps.wmeApsd = caps.atf = caps.wpsCapable = caps.muMimo = 0;
-    radio.autoChannel = radio.lazyWds = 1;
-    radio.band = WLBRCM_BAND_2G;
-    bss[0].main = 0;
-    setField(bss[0].macFilterMode, "bogus");
-    bss[1].defaultKeyId = 5;
-    lans.count = 0;
-    qvbrcm_InitWlan(intf, &lans);
-    EXPECT_EQ("br9", platform.nvram["lan1_ifname"]);
-    for (const char *entry : {"set wl0_wme=off", "set wl0_atf=0", "set wl0_txbf_bfr_cap=1", "unset acs_mode",
-                              "unset wl0_wds", "set wl0_nband=2", "set wl0_maxassoc=0", "set wl0_macmode=disable"}) {
-        const std::string text = entry;
-        EXPECT_EQ(Lines{text}, platform.did(text.substr(0, text.find('=')))) << "once, and nothing else";
-    }
-    EXPECT_EQ(Lines{}, platform.did("set wl0.1_key"));
-    EXPECT_EQ(Lines{}, platform.did("set wl0.2_ssid")) << "no preset SSID is forced at 2.4 GHz";
-    EXPECT_EQ(Lines{}, platform.did("pipe "));
-    EXPECT_FALSE(ran("/bin/wps_monitor"));
-}
-
 namespace {
 
 const WlIntf *watched;

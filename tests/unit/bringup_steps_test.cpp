@@ -30,29 +30,6 @@ TEST_F(BringUpDefaults, AddressesOfOneRadio) {
     }
 }
 
-// Whatever the base address: no two BSSs share one, all stay in the base's block, and the derived ones say that they
-// are locally administered.
-TEST_F(BringUpDefaults, AddressesNeverRepeat) {
-    for (int b5 = 0; b5 < 256; ++b5) {
-        for (int count = 1; count <= WLBRCM_MAX_BSS; ++count) {
-            const uint8_t base[6] = {0x00, 0x10, 0x18, 0xAA, 0xBB, static_cast<uint8_t>(b5)};
-            memcpy(radio.baseMac, base, sizeof base);
-            useEntries(count);
-            qvWlanNvramInit(&radio, bss);
-            const int block = count <= 4 ? 4 : 8;
-            std::set<std::string> lastBytes;
-            for (int i = 0; i < count; ++i) {
-                unsigned first = 0, last = 0;
-                ASSERT_EQ(2, sscanf(bss[i].macText, "%2X:10:18:AA:BB:%2X", &first, &last)) << bss[i].macText;
-                EXPECT_EQ(b5 / block, static_cast<int>(last) / block);
-                EXPECT_EQ(i > 0, (first & 2) != 0);
-                lastBytes.insert(std::string(bss[i].macText).substr(15));
-            }
-            EXPECT_EQ(static_cast<size_t>(count), lastBytes.size()) << b5 << ", " << count;
-        }
-    }
-}
-
 TEST_F(BringUpDefaults, VifsWidthAndWep) {
     platform.nvram["wl0_vifs"] = "wl0.9";
     useEntries(1);
@@ -85,14 +62,6 @@ TEST_F(BringUpDefaults, VifsWidthAndWep) {
     EXPECT_EQ("wl0.3 wl0.4 wl0.5", platform.nvram["wl0_vifs"]);
     EXPECT_EQ(Lines{}, platform.did("set http"));
     EXPECT_EQ(2U, platform.logged(WLBRCM_LOG_ERR).size());
-}
-
-TEST_F(BringUpDefaults, PowerManagementIsNotTouched) {
-    EXPECT_EQ(0, qvWlanSetASPM(&radio, &caps));
-    EXPECT_EQ(0, qvWlanChipVarInit(&radio, bss));
-    setField(radio.ifName, "wl0;x");
-    EXPECT_EQ(-14, qvWlanSetASPM(&radio, &caps));
-    EXPECT_EQ(Lines{}, platform.journal);
 }
 
 using BringUpThreads = BringUpTest;

@@ -141,13 +141,6 @@ TEST_F(EventSockets, SetUp) {
     close(events);
 }
 
-TEST_F(EventSockets, SetUpNeedsAPlaceForTheSocket) {
-    EXPECT_EQ(-14, qvbrcm_EvtInit(nullptr));
-    EXPECT_EQ(Lines{"Invalid input arguments.\n"}, platform.logged(WLBRCM_LOG_ERR));
-    EXPECT_EQ(Lines{}, platform.journal);
-    EXPECT_EQ(0, fenra_rpe_sock);
-}
-
 TEST_F(EventSockets, SetUpFailures) {
     const int next = dup(0); // the number that the event socket will get
     close(next);

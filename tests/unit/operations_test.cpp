@@ -22,7 +22,9 @@ struct Call {
     int (*make)();
 };
 #define CALL(result, call)                                                                                             \
-    { #call, result, [] { return static_cast<int>(call); } }
+    {                                                                                                                  \
+#call, result, [] { return static_cast<int>(call); }                                                           \
+    }
 
 const Call kCalls[] = {
     CALL(-1, wlModuleInit(nullptr, nullptr)),

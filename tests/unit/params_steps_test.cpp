@@ -164,27 +164,6 @@ TEST_F(ParamSteps, RateFollowsTheFixedMcs) {
     }
 }
 
-TEST_F(ParamSteps, ProtectionFollowsTheRadioMode) {
-    brcm_gmode = 4;
-    const char *const words[] = {"auto", "auto", "off"};
-    for (int value = 0; value <= 2; ++value) {
-        EXPECT_EQ(0, qvWlanSetBGProtection(Arg("wl0", std::to_string(value))));
-        EXPECT_EQ((Lines{"set wl0_gmode=4", std::string("set wl0_gmode_protection=") + words[value]}), done());
-    }
-    for (const int nmode : {-1, 0}) {
-        brcm_nmode = nmode;
-        EXPECT_EQ(0, qvWlanSetHTProtect(Arg("wl0", "1")));
-        EXPECT_EQ((Lines{nmode == 0 ? "set wl0_gmode_protection=off" : "set wl0_gmode_protection=auto",
-                         "set wl0_nmode_protection=auto"}),
-                  done());
-    }
-    for (const char *bad : {"3", "-1"})
-        EXPECT_EQ(-14, qvWlanSetBGProtection(Arg("wl0", bad)));
-    for (const char *bad : {"2", "-1"})
-        EXPECT_EQ(-14, qvWlanSetHTProtect(Arg("wl0", bad)));
-    EXPECT_EQ(Lines{}, done());
-}
-
 TEST_F(ParamSteps, CoexistenceIsFor40MHzAt2GHz) {
     const struct {
         const char *value, *aux, *written;
@@ -197,24 +176,6 @@ TEST_F(ParamSteps, CoexistenceIsFor40MHzAt2GHz) {
     for (const char *bad : {"2", "-1"})
         EXPECT_EQ(-14, qvWlanSetApCoex(Arg("wl0", bad, "2,40")));
     EXPECT_EQ(Lines{}, done());
-}
-
-TEST_F(ParamSteps, ReceiveStbcAsksTheBoard) {
-    static int32_t given;
-    platform.devices["/dev/chipinfo"] = [](unsigned long, void *block) {
-        static_cast<int32_t *>(block)[3] = given;
-        return 0;
-    };
-    const struct {
-        int32_t answer;
-        int index;
-        const char *written;
-    } rows[] = {{0, 0, "set wl0_stbc_rx=0"}, {0, 1, "set wl0_stbc_rx=2"}, {1, 0, "set wl0_stbc_rx=2"}};
-    for (const auto &row : rows) {
-        given = row.answer;
-        EXPECT_EQ(0, qvWlanSetStbcRx(Arg("wl0", "2", "", row.index)));
-        EXPECT_EQ((Lines{"ioctl /dev/chipinfo c0104300", row.written}), done());
-    }
 }
 
 TEST_F(ParamSteps, InterferenceModeLogs) {

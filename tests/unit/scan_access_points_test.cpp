@@ -347,20 +347,6 @@ class ScanResults : public PlatformTest {
     std::unique_ptr<WlScanAp, decltype(&free)> list_{nullptr, free};
 };
 
-TEST_F(ScanResults, TheDriverIsAskedOnce) {
-    report(kReport, "2\n");
-    ASSERT_EQ(0, get());
-    EXPECT_EQ(2, count);
-    EXPECT_STREQ("my net", aps()[0].ssid);
-    EXPECT_EQ(
-        (Lines{"run wlctl -i wl0 scanresults > /tmp/wl0scanresults", "pipe cat /tmp/wl0scanresults | grep -c ^SSID"}),
-        platform.journal);
-    EXPECT_EQ(Lines{"cmd = wlctl -i wl0 scanresults > /tmp/wl0scanresults\n"}, platform.logged(WLBRCM_LOG_DEBUG));
-    report("SSIDs are missing\n", "1\n"); // counted, but none started
-    ASSERT_EQ(0, get());
-    EXPECT_EQ(0, count);
-}
-
 TEST_F(ScanResults, NothingToReadFails) {
     for (const char *counted : {"0\n", "-1\n", "", "many\n"}) {
         report(kReport, counted);

@@ -38,22 +38,6 @@ TEST(StatusNumbers, UnsignedNumbersAreReadWithAnyBase) {
     EXPECT_EQ(0xe02aU, hexNumber(" E02a"));
 }
 
-TEST(StatusNumbers, DecimalsSaturate) {
-    const std::pair<const char *, int> rows[] = {
-        {"", 0},
-        {"x1", 0},
-        {" -12ab", -12},
-        {"010", 10},
-        {"0x10", 0},
-        {"2147483647", INT_MAX},
-        {"2147483648", INT_MAX},
-        {"-2147483648", INT_MIN},
-        {"-2147483649", INT_MIN},
-    };
-    for (const auto &[text, value] : rows)
-        EXPECT_EQ(value, decimalNumber(text)) << text;
-}
-
 TEST(StatusNumbers, AScanStopsWhereItFailsAndKeepsWhatWasThere) {
     std::string_view rest = "channel 42 80MHz (0xe02a) end";
     int channel = -1, width = -1;

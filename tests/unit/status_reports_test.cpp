@@ -59,32 +59,3 @@ TEST_F(StatusReports, LinesAreReadInPieces) {
     EXPECT_EQ(0, qvWlanRateUpdate(Arg("wl0", "5GHz 9", "", 0, rate)));
     EXPECT_STREQ("14 Mbps", rate);
 }
-
-TEST_F(StatusReports, LargeReportsAreReadOnce) {
-    std::string stations;
-    for (int i = 0; i < 512; ++i) {
-        char line[40];
-        snprintf(line, sizeof line, "assoclist 02:00:00:00:%02x:%02x\n", i / 256, i % 256);
-        stations += line;
-    }
-    platform.answer("wlctl -i wl0 assoclist", stations);
-    WlStaInfo *list = nullptr;
-    int count = 0;
-    EXPECT_EQ(0, qvbrcm_GetAssocDevList(&intf, 0, &list, &count));
-    ASSERT_EQ(512, count);
-    EXPECT_STREQ("02:00:00:00:01:FF", list[511].macAddr);
-    EXPECT_EQ(2 + 2 * 512U, platform.journal.size()); // the list, the noise and two for each station
-    free(list);
-
-    std::string large;
-    while (large.size() < 10 << 20)
-        large += "txframe 10 txbyte 2000 txerror 1\nrxframe 20 rxbadda 4\n" + std::string(3000, 'x');
-    platform.answer("wlctl", large);
-    WlStaInfo sta = {};
-    EXPECT_EQ(0, get_sta_info("wl0", "00:11:22:AA:BB:CC", &sta));
-    WlIntfInfo info = {};
-    EXPECT_EQ(0, qvbrcm_GetGenIntfInfo("wl0", 0, &info));
-    WlTrafficCounters counters;
-    EXPECT_EQ(0, qvWlanGetTrafficInfo("wl0", &counters));
-    EXPECT_EQ(10U, counters.txframe);
-}
