@@ -66,7 +66,7 @@ int qvWlanChipVarInit(WlRadioCfg *, WlSsidCfg *) { return WLBRCM_OK; }
 
 int qvWlanNvramInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     const int count = EntriesInUse::countOf(radio);
-    const InterfaceName radioName(WLBRCM_HERE, fieldText(radio->ifName));
+    const InterfaceName radioName = usableName(WLBRCM_HERE, fieldText(radio->ifName));
     char vifs[WLBRCM_MAX_BSS * 16] = "";
     writeInt(WLBRCM_HERE, Key("acs_no_restrict_align"), 1);
     for (int i = 0; i < count; ++i) {

@@ -109,7 +109,8 @@ void makeRealtime(int pid, const char *ifname) {
 
 // The CPU that serves an interface, as the driver tells it; -1 when it does not.
 int readEventCpu(Here here, const InterfaceName &ifname) {
-    Report report(unlogged(here), ResultPath("/tmp/wlctl_tp_id"), WLBRCM_COMMAND("wlctl -i %s tp_id > %s"), ifname);
+    Report report(unlogged(here), ResultPath(WLBRCM_COMMAND("/tmp/wlctl_tp_id")),
+                  WLBRCM_COMMAND("wlctl -i %s tp_id > %s"), ifname);
     if (!report)
         return -1;
     char text[64];

@@ -89,7 +89,7 @@ bool takeOverKeyManagement(Here here, WlSsidCfg *entry, const char *akm) {
             takeOver(entry->encryption, "none");
         return true;
     }
-    WLBRCM_LOG_AT(here, LOG_ERR, "Not support authMode : %s.\n", akm);
+    WLBRCM_LOG_AT(here, LOG_ERR, "Not support authMode : %s.\n", Shown(akm).c_str());
     return false;
 }
 

@@ -64,11 +64,11 @@ int qvbrcm_SetVifsForPresetIntf(int enable, const char *ifname) {
     VifList list = enable != 0 ? VifList("%.*s %s", static_cast<int>(listed.size()), listed.data(), name.c_str())
                                : without(listed, word);
     if (!list.fits()) {
-        WLBRCM_LOG(LOG_ERR, "%s_vifs is too long to change: %s...\n", radio.c_str(), list.c_str());
+        WLBRCM_LOG(LOG_ERR, "%s_vifs is too long to change: %s...\n", radio.c_str(), Shown(list.view()).c_str());
         return WLBRCM_OK;
     }
     __qvWlanSetVarToNvram2(__func__, __LINE__, list.data(), radio.c_str(), "vifs", "string");
-    WLBRCM_LOG(LOG_DEBUG, "set %s_vifs in nvram to %s\n", radio.c_str(), list.c_str());
+    WLBRCM_LOG(LOG_DEBUG, "set %s_vifs in nvram to %s\n", radio.c_str(), Shown(list.view()).c_str());
     return WLBRCM_OK;
 }
 
@@ -76,7 +76,7 @@ int qvbrcm_EnablePresetSSID(const char *ifname, int enable) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return WLBRCM_EINVAL;
-    const Word action = enable != 0 ? Word("up") : Word("down");
+    const Word action = enable != 0 ? "up"_word : "down"_word;
     WLBRCM_LOG(LOG_INFO, "%s %s interface.\n", enable != 0 ? "Enable" : "Disable", name.c_str());
     runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("ifconfig %s %s"), name, action);
     qvbrcm_SetVifsForPresetIntf(enable != 0 ? 1 : 0, name.c_str());

@@ -95,10 +95,10 @@ int qvWlanReset(WlRadioCfg *radio, WlSsidCfg *bss, WlCaps *) {
     return WLBRCM_OK;
 }
 
-void qvWlConfDown(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, Word("down")); }
+void qvWlConfDown(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, "down"_word); }
 
-void qvWlConfUp(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, Word("up")); }
+void qvWlConfUp(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, "up"_word); }
 
-void qvWlConfSecurity(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, Word("security")); }
+void qvWlConfSecurity(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, "security"_word); }
 
-void qvWlConfStart(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, Word("start")); }
+void qvWlConfStart(const char *ifname) { runWlconf(WLBRCM_HERE, ifname, "start"_word); }

@@ -54,7 +54,7 @@ class MacListText {
 
 const char *commandArg(const MacListText &list) { return list.c_str(); }
 
-using ListCommand = CommandText<kLongestList + sizeof "wlctl -i 123456789012345 mac ">;
+using ListCommand = CheckedText<kLongestList + sizeof "wlctl -i 123456789012345 mac ">;
 
 } // namespace
 
@@ -88,7 +88,7 @@ int qvWlanSetMacAuthList(WlanParamArg *arg) {
     if (!list)
         return WLBRCM_EINVAL;
     const ListCommand command(WLBRCM_COMMAND("wlctl -i %s mac %s"), name, list);
-    __qvWlanSystemEx(__func__, __LINE__, command.text.c_str());
+    __qvWlanSystemEx(__func__, __LINE__, command.c_str());
     writeText(WLBRCM_HERE, name, "maclist", list.c_str());
     return WLBRCM_OK;
 }
@@ -97,7 +97,7 @@ int qvWlanGetMacAuthList(WlanParamArg *arg) {
     const InterfaceName name = interfaceOf(WLBRCM_HERE, arg);
     if (!name)
         return WLBRCM_EINVAL;
-    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_mac_filter_list", name.c_str()),
+    Report report(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%s_mac_filter_list"), name),
                   WLBRCM_COMMAND("wlctl -i %s mac > %s"), name);
     for (char line[100]; report.next(line);) {
     }

@@ -49,11 +49,11 @@ namespace wlbrcm {
 
 bool commandFits(Here here, bool fits, const char *command) {
     if (!fits)
-        WLBRCM_LOG_AT(here, LOG_ERR, "command is too long: %s...\n", command);
+        WLBRCM_LOG_AT(here, LOG_ERR, "command is too long: %s...\n", Shown(command).c_str());
     return fits;
 }
 
-int runFormatted(Run run, const char *format, ...) {
+int CommandRun::formatted(Run run, const char *format, ...) {
     CommandLine command = "";
     va_list args;
     va_start(args, format);
@@ -89,12 +89,12 @@ Report::~Report() {
 }
 
 void CommandOutput::run(const char *format, ...) {
-    CommandLine command;
+    CommandLine command = "";
     va_list args;
     va_start(args, format);
-    vsnprintf(command, sizeof command, format, args); // names are short
+    const bool ready = formatCommand(WLBRCM_HERE, command, format, args);
     va_end(args);
-    pipe_ = popen(command, "r");
+    pipe_ = ready ? popen(command, "r") : nullptr;
     lines_.readFrom(pipe_);
     // Commands that are run meanwhile do not inherit the pipe.
     if (pipe_ != nullptr && fileno(pipe_) >= 0)

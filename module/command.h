@@ -33,14 +33,26 @@ int __qvWlanCmdExec(const char *function, int line, const char *ifname, const ch
 namespace wlbrcm {
 
 // What may stand in a command: checked names, result paths, numbers, and words of our own. A bare text cannot; a word
-// of our own is passed as Word("up").
-struct Word {
-    template <size_t Size> explicit constexpr Word(const char (&literal)[Size]) : text(literal) {}
-    const char *text;
+// of our own is written "up"_word.
+class Word {
+  public:
+    constexpr const char *c_str() const { return text_; }
+
+  private:
+    friend constexpr Word operator""_word(const char *literal, size_t length);
+    explicit constexpr Word(const char *literal) : text_(literal) {}
+
+    const char *text_;
 };
+constexpr Word operator""_word(const char *literal, size_t /*length*/) { return Word(literal); }
+
+template <size_t Size> class CheckedText;
+// A file that a command writes and the module reads.
+using ResultPath = CheckedText<64>;
+
 inline const char *commandArg(const CheckedName &name) { return name.c_str(); }
-inline const char *commandArg(const ResultPath &path) { return path.c_str(); }
-inline const char *commandArg(Word word) { return word.text; }
+const char *commandArg(const ResultPath &path);
+inline const char *commandArg(Word word) { return word.c_str(); }
 inline int commandArg(int number) { return number; }
 inline unsigned commandArg(unsigned number) { return number; }
 inline unsigned commandArg(uint8_t number) { return number; }
@@ -50,14 +62,14 @@ constexpr bool converts(char conversion, const char *) { return conversion == 's
 constexpr bool converts(char conversion, int) { return conversion == 'd'; }
 constexpr bool converts(char conversion, unsigned) { return conversion == 'u' || conversion == 'x'; }
 
-// The conversion behind the next "%" of a format, which moves behind it; 0 at the end.
+// The conversion behind the next "%" of a format, which moves behind it; 0 at the end. A precision has one digit.
 constexpr char takeConversion(const char **format) {
     while (**format != '\0') {
         if (*(*format)++ != '%')
             continue;
-        while (**format == '.' || (**format >= '0' && **format <= '9'))
-            ++*format;
-        return *(*format)++;
+        if (**format == '.' && (*format)[1] >= '0' && (*format)[1] <= '9')
+            *format += 2;
+        return **format != '\0' ? *(*format)++ : '%';
     }
     return '\0';
 }
@@ -86,23 +98,30 @@ inline Run unlogged(Here here) {
     return run;
 }
 
-// One command line. Most are short; the MAC filter's list of 85 addresses is the longest.
-template <size_t Size = 256> struct CommandText {
-    template <class Format, class... Args> explicit CommandText(Format, const Args &...args) {
-        text.append(checkedFormat<Format, Args...>(), commandArg(args)...);
+// A command line or a path that holds checked parts only. Most are short; the MAC filter's list of 85 addresses is the
+// longest.
+template <size_t Size> class CheckedText {
+  public:
+    template <class Format, class... Args> explicit CheckedText(Format, const Args &...args) {
+        text_.append(checkedFormat<Format, Args...>(), commandArg(args)...);
     }
-    Text<Size> text;
+    const char *c_str() const { return text_.c_str(); }
+
+  private:
+    Text<Size> text_;
 };
+inline const char *commandArg(const ResultPath &path) { return path.c_str(); }
 
 // A command that did not fit is refused, never run cut.
 bool commandFits(Here here, bool fits, const char *command);
 
-// Formats a command and runs it. Only called by runCommand(), which lets no unchecked text through.
-int runFormatted(Run run, const char *format, ...);
-
 // Runs a command with system(). 0 or WLBRCM_EFAILED.
+class CommandRun {
+    template <class Format, class... Args> friend int runCommand(Run run, Format, const Args &...args);
+    static int formatted(Run run, const char *format, ...);
+};
 template <class Format, class... Args> int runCommand(Run run, Format, const Args &...args) {
-    return runFormatted(run, checkedFormat<Format, Args...>(), commandArg(args)...);
+    return CommandRun::formatted(run, checkedFormat<Format, Args...>(), commandArg(args)...);
 }
 
 // The output of a command in a file: what stands at the file's name is removed, the command is run, the file is opened.

@@ -10,7 +10,8 @@ namespace wlbrcm {
 int openOwnFile(const char *path) {
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
     struct stat status;
-    if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid()))
+    if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+                           status.st_nlink < 2))
         return descriptor;
     close(descriptor);
     return -1;

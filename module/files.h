@@ -10,11 +10,8 @@
 
 namespace wlbrcm {
 
-// A file that a command writes and the module reads; its name is made by the module from checked names.
-using ResultPath = Text<64>;
-
-// Opens a file for reading: waits for nobody, follows no link, and takes only a regular file of this process's own
-// user. -1 for anything else.
+// Opens a file for reading: waits for nobody, follows no link, and takes only a regular file of this process's own user
+// without another name. -1 for anything else.
 int openOwnFile(const char *path);
 
 // Creates a file for writing; -1 when anything stands at its name.

@@ -51,7 +51,7 @@ int bandOfLine(const char *line) {
 
 // The first core revision of the driver's revision report, 0 when there is none.
 unsigned readCoreRevision(const InterfaceName &ifname) {
-    Report report(Here{"checkWlanTxBFCap", __LINE__}, ResultPath("/tmp/%s_revinfo", ifname.c_str()),
+    Report report(Here{"checkWlanTxBFCap", __LINE__}, ResultPath(WLBRCM_COMMAND("/tmp/%s_revinfo"), ifname),
                   WLBRCM_COMMAND("wlctl -i %s revinfo > %s"), ifname);
     for (char line[256]; report.next(line);) {
         std::string_view rest = line;
@@ -67,7 +67,7 @@ unsigned readCoreRevision(const InterfaceName &ifname) {
 }
 
 int countTransmitChains(const InterfaceName &ifname) {
-    Report report(Here{"checkWlanTxBFCap", __LINE__}, ResultPath("/tmp/%s_txchain", ifname.c_str()),
+    Report report(Here{"checkWlanTxBFCap", __LINE__}, ResultPath(WLBRCM_COMMAND("/tmp/%s_txchain"), ifname),
                   WLBRCM_COMMAND("wlctl -i %s txchain > %s"), ifname);
     char text[64];
     report.lines().rest(text);
@@ -94,8 +94,8 @@ int qvWlanDumpWlCap(const char *ifname, char *path) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return WLBRCM_EFAILED;
-    const ResultPath file("/tmp/%s_cap", name.c_str());
-    copyText(path, 64, file.view());
+    const ResultPath file(WLBRCM_COMMAND("/tmp/%s_cap"), name);
+    copyText(path, 64, file.c_str());
     if (hasContent(path))
         return WLBRCM_OK;
     {
@@ -114,8 +114,8 @@ int qvWlanGetBandType(const char *ifname) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return 0;
-    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_ChipInfo", name.c_str()), WLBRCM_COMMAND("wlctl -i %s revinfo > %s"),
-                  name);
+    Report report(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%s_ChipInfo"), name),
+                  WLBRCM_COMMAND("wlctl -i %s revinfo > %s"), name);
     char line[64];
     int band = 0;
     while (band == 0 && report.next(line))
@@ -129,8 +129,8 @@ const char *qvWlanGetPhyType(const char *ifname) {
     const InterfaceName name(WLBRCM_HERE, ifname);
     if (!name)
         return nullptr;
-    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_phytype", name.c_str()), WLBRCM_COMMAND("wlctl -i %s phytype > %s"),
-                  name);
+    Report report(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%s_phytype"), name),
+                  WLBRCM_COMMAND("wlctl -i %s phytype > %s"), name);
     char line[7];
     if (!report.next(line))
         return "b";
@@ -145,11 +145,11 @@ const char *qvWlanGetPhyType(const char *ifname) {
 int checkWlanTxBFCap(const char *ifname) {
     WLBRCM_LOG(LOG_DEBUG, "Enter.\n");
     const bool capable = canBeamform(ifname);
-    const char *shown = ifname != nullptr ? ifname : "";
+    const Shown shown(ifname != nullptr ? ifname : "");
     if (capable)
-        WLBRCM_LOG(LOG_DEBUG, "%s support transform beamforming.\n", shown);
+        WLBRCM_LOG(LOG_DEBUG, "%s support transform beamforming.\n", shown.c_str());
     else
-        WLBRCM_LOG(LOG_DEBUG, "%s not support transform beamforming.\n", shown);
+        WLBRCM_LOG(LOG_DEBUG, "%s not support transform beamforming.\n", shown.c_str());
     return capable ? 1 : 0;
 }
 

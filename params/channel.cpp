@@ -111,10 +111,10 @@ int qvWlanSetAutoChPolicy(WlanParamArg *arg) {
     const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg);
     if (!radio)
         return WLBRCM_EINVAL;
-    const CommandText<> command(WLBRCM_COMMAND("acs_cli -i %s acs_policy %d &"), radio, policy);
-    printf("%s: %s\n", __func__, command.text.c_str());
+    const CheckedText<256> command(WLBRCM_COMMAND("acs_cli -i %s acs_policy %d &"), radio, policy);
+    printf("%s: %s\n", __func__, command.c_str());
     // In the background: the daemon may be busy with a scan.
-    __qvWlanSystemEx(__func__, __LINE__, command.text.c_str());
+    __qvWlanSystemEx(__func__, __LINE__, command.c_str());
     return WLBRCM_OK;
 }
 

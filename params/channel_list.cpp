@@ -151,7 +151,7 @@ int qvWlanChannelList(WlanParamArg *arg) {
     else
         WLBRCM_LOG(LOG_ERR, "invalid country \"%s\".\n", Shown({arg->aux, strnlen(arg->aux, 64)}).c_str());
 
-    Report listing(WLBRCM_HERE, ResultPath("/tmp/%schspeclist", radio.c_str()),
+    Report listing(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%schspeclist"), radio),
                    WLBRCM_COMMAND("wlctl -i %s chanspecs -b %d -w %d > %s"), radio, request.is5G ? 5 : 2,
                    request.bandwidth);
     if (!listing) {
@@ -166,7 +166,7 @@ int qvWlanGetValidChannel(WlanParamArg *arg) {
     const InterfaceName radio = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!radio)
         return WLBRCM_EINVAL;
-    const ResultPath path("/var/%schlist", radio.c_str());
+    const ResultPath path(WLBRCM_COMMAND("/var/%schlist"), radio);
     Report listing(WLBRCM_HERE, path, WLBRCM_COMMAND("wlctl -i %s channels > %s"), radio);
     if (!listing) {
         printf("Can't open %s\n", path.c_str());

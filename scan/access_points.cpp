@@ -24,7 +24,7 @@ int qvWlanGetScanApResults(WlanParamArg *arg) {
     const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kAux | kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/%sscanresults", ifname.c_str());
+    const ResultPath path(WLBRCM_COMMAND("/tmp/%sscanresults"), ifname);
     Report report(WLBRCM_HERE, path, WLBRCM_COMMAND("wlctl -i %s scanresults > %s"), ifname);
     const int capacity = report ? countAccessPoints(path) : 0;
     if (capacity <= 0)

@@ -119,7 +119,7 @@ int qvWlanDumpCSRes(WlanParamArg *arg) {
         return WLBRCM_EINVAL;
     int band = 0;
     memcpy(&band, arg->value, sizeof band);
-    Report dump(WLBRCM_HERE, ResultPath("/tmp/%s_acs_dump_res", ifname.c_str()),
+    Report dump(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%s_acs_dump_res"), ifname),
                 WLBRCM_COMMAND("acs_cli -i %s dump bss > %s"), ifname);
     const int count = countLines(&dump) - 1;
     WlChanScanInfo *channels = count > 0 ? readChannels(&dump, count, band) : nullptr;

@@ -100,7 +100,7 @@ int qvbrcm_GetGenIntfInfo(const char *ifname, int bssIndex, WlIntfInfo *info) {
     const InterfaceName name = bssInterface(WLBRCM_HERE, ifname, bssIndex, info);
     if (!name)
         return WLBRCM_OK;
-    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.intf_info_result"),
+    Report report(unlogged(WLBRCM_HERE), ResultPath(WLBRCM_COMMAND("/tmp/.intf_info_result")),
                   WLBRCM_COMMAND("wlctl -i %s beacon_info > %s"), name);
     BeaconReader reader(info);
     for (char line[99]; report.next(line);)

@@ -72,8 +72,8 @@ int qvWlanGetCurrentChannelInfo(WlanParamArg *arg) {
     const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!ifname || !startsWith(ifname.c_str(), "wl"))
         return WLBRCM_EINVAL;
-    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.cur_channel"), WLBRCM_COMMAND("wlctl -i %s chanspec > %s"),
-                  ifname);
+    Report report(unlogged(WLBRCM_HERE), ResultPath(WLBRCM_COMMAND("/tmp/.cur_channel")),
+                  WLBRCM_COMMAND("wlctl -i %s chanspec > %s"), ifname);
     if (!report) {
         printf("%s: error open file\n", "qvWlanGetCurrentChannelInfo");
         return WLBRCM_EFAILED;

@@ -55,8 +55,8 @@ int qvWlanGetRadioStatus(WlanParamArg *arg) {
     const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
-    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_radio_st", ifname.c_str()), WLBRCM_COMMAND("wlctl -i %s isup > %s"),
-                  ifname);
+    Report report(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%s_radio_st"), ifname),
+                  WLBRCM_COMMAND("wlctl -i %s isup > %s"), ifname);
     return readFirstNumber<49>(&report, arg->result);
 }
 
@@ -64,7 +64,7 @@ int qvWlanGetNoise(WlanParamArg *arg) {
     const InterfaceName ifname = interfaceOf(WLBRCM_HERE, arg, kResult);
     if (!ifname)
         return WLBRCM_EINVAL;
-    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.noise_result"),
+    Report report(unlogged(WLBRCM_HERE), ResultPath(WLBRCM_COMMAND("/tmp/.noise_result")),
                   WLBRCM_COMMAND("wlctl -i %s status | grep \"noise:\" | awk '{sub(/.*noise:/,\"\");print $1}' > %s"),
                   ifname);
     return readFirstNumber<255>(&report, arg->result);

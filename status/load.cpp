@@ -34,8 +34,8 @@ int qvbrcm_GetFatIntfInfo(const char *ifname, int bssIndex, int *fat) {
     const InterfaceName name = bssInterface(WLBRCM_HERE, ifname, bssIndex, fat);
     if (!name)
         return WLBRCM_OK;
-    Report report(unlogged(WLBRCM_HERE), ResultPath("/tmp/.fat_info"), WLBRCM_COMMAND("wlctl -i %s chanim_stats > %s"),
-                  name);
+    Report report(unlogged(WLBRCM_HERE), ResultPath(WLBRCM_COMMAND("/tmp/.fat_info")),
+                  WLBRCM_COMMAND("wlctl -i %s chanim_stats > %s"), name);
     char line[255];
     bool header = false;
     while (!header && report.next(line))

@@ -88,7 +88,7 @@ int streamsOfMode(const InterfaceName &ifname, int mode) {
     constexpr Here kHere{"qvWlanGetDataTxRates", __LINE__};
     if (mode == 0 || mode == 1 || mode == 2 || mode == 5)
         return kDefaultStreams;
-    const ResultPath path("/tmp/%srateset.txt", ifname.c_str());
+    const ResultPath path(WLBRCM_COMMAND("/tmp/%srateset.txt"), ifname);
     Report report(kHere, path, WLBRCM_COMMAND("wlctl -i %s rateset > %s"), ifname);
     if (!report) {
         WLBRCM_LOG_AT(kHere, LOG_ERR, ": %s no such file.\n", path.c_str());
@@ -118,7 +118,7 @@ int qvWlanGetDataTxRates(WlanParamArg *arg, int wirelessMode, int bandwidth, int
     WLBRCM_LOG(LOG_DEBUG, ": Enter. %s antenna number: %d.\n", ifname.c_str(), streams);
     RateList supported;
     addSupportedRates(&supported, wirelessMode, bandwidth, band, streams);
-    const ResultPath path("/tmp/%sDataTxRates.txt", ifname.c_str());
+    const ResultPath path(WLBRCM_COMMAND("/tmp/%sDataTxRates.txt"), ifname);
     const int file = clearPlace(WLBRCM_HERE, path.c_str(), "data rates") ? createOwnFile(path.c_str()) : -1;
     if (file < 0) {
         WLBRCM_LOG(LOG_ERR, ":%s no such file.\n", path.c_str());

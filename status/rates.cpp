@@ -88,7 +88,7 @@ namespace {
 // Whether the driver chooses the rate itself.
 bool isRateAutomatic(Here here, const InterfaceName &ifname, const ResultPath &path, int band) {
     Report report(here, path, WLBRCM_COMMAND("wlctl -i %s %s > %s"), ifname,
-                  band == WLBRCM_BAND_2G ? Word("2g_rate") : Word("5g_rate"));
+                  band == WLBRCM_BAND_2G ? "2g_rate"_word : "5g_rate"_word);
     char line[99];
     if (!report.next(line))
         return false;
@@ -154,8 +154,8 @@ int qvWlanGetMaxBitRate(WlanParamArg *arg) {
     std::string_view value = arg->value;
     std::string_view phy;
     takeWord(&value, value.size(), &phy);
-    Report report(WLBRCM_HERE, ResultPath("/tmp/%s_status", ifname.c_str()), WLBRCM_COMMAND("wlctl -i %s status > %s"),
-                  ifname);
+    Report report(WLBRCM_HERE, ResultPath(WLBRCM_COMMAND("/tmp/%s_status"), ifname),
+                  WLBRCM_COMMAND("wlctl -i %s status > %s"), ifname);
     int mbps = 0;
     unsigned streams = 0;
     char line[100];
@@ -188,7 +188,7 @@ int qvWlanRateUpdate(WlanParamArg *arg) {
     current.result = &info;
     qvWlanGetCurrentChannelInfo(&current);
 
-    const ResultPath path("/tmp/%s_rate", ifname.c_str());
+    const ResultPath path(WLBRCM_COMMAND("/tmp/%s_rate"), ifname);
     RateSet set;
     if (isRateAutomatic(WLBRCM_HERE, ifname, path, band))
         set = readRateSet(WLBRCM_HERE, ifname, path, band);

@@ -185,7 +185,7 @@ int do_get_sta_info(const char *ifname, const char *mac, WlStaInfo *sta, char mo
     const MacText address(WLBRCM_HERE, mac);
     if (!name || !address)
         return WLBRCM_EINVAL;
-    const ResultPath path("/tmp/.sta_result");
+    const ResultPath path(WLBRCM_COMMAND("/tmp/.sta_result"));
     readRssi(name, address, path, sta);
     copyText(sta->ifName, name.c_str());
     Report report(unlogged(WLBRCM_HERE), path, WLBRCM_COMMAND("wlctl -i %s sta_info %s > %s"), name, address);

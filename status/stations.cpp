@@ -21,7 +21,7 @@ bool readStationLine(const char *line, uint8_t mac[6]) {
 
 namespace {
 
-constexpr char kResultStart[] = "/tmp/.assoclist_result";
+constexpr Word kResultStart = "/tmp/.assoclist_result"_word;
 constexpr Here kHere{"qvbrcm_GetAssocDevList", __LINE__};
 
 // Reads of the listings; a longer line counts as several.
@@ -32,13 +32,13 @@ int listStations(const WlSsidCfg &bss) {
     const InterfaceName ifname(kHere, fieldText(bss.ifName));
     if (!ifname)
         return -1;
-    Report report(unlogged(kHere), ResultPath("%s_%s", kResultStart, ifname.c_str()),
+    Report report(unlogged(kHere), ResultPath(WLBRCM_COMMAND("%s_%s"), kResultStart, ifname),
                   WLBRCM_COMMAND("wlctl -i %s assoclist > %s"), ifname);
     report.keep();
     int lines = 0;
     for (ListLine line; report.next(line);)
         ++lines;
-    return lines;
+    return report ? lines : -1;
 }
 
 // Lists the stations of the enabled entries from `first` to before `end`. The sum of their lines is returned, the
@@ -75,7 +75,7 @@ void addStation(StationList *list, const InterfaceName &ifname, const uint8_t ma
 // Reads the listing of a BSS and removes it.
 void addStations(StationList *list, const WlSsidCfg &bss) {
     const InterfaceName ifname(kHere, fieldText(bss.ifName));
-    Report report(ResultPath("%s_%s", kResultStart, ifname.c_str()));
+    Report report(ResultPath(WLBRCM_COMMAND("%s_%s"), kResultStart, ifname));
     uint8_t mac[6];
     for (ListLine line; list->filled < list->capacity && report.next(line);) {
         if (readStationLine(line, mac))
@@ -113,7 +113,7 @@ int qvbrcm_GetAssocDevList(WlIntf *intf, int bssIndex, WlStaInfo **list, int *co
     auto *records =
         capacity > 0 ? static_cast<WlStaInfo *>(calloc(static_cast<size_t>(capacity), sizeof(WlStaInfo))) : nullptr;
     if (records == nullptr) {
-        runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("rm -f %s_*"), Word(kResultStart));
+        runCommand(unlogged(WLBRCM_HERE), WLBRCM_COMMAND("rm -f %s_*"), kResultStart);
         return WLBRCM_OK;
     }
     StationList stations{records, capacity, 0, readNoise(intf->radio)};

@@ -120,8 +120,8 @@ void serveTraffic(Request &request, const Item & /*row*/, WlStatusItem *item) {
 void serveDataRates(Request &request, const Item & /*row*/, WlStatusItem *item) {
     const WlRadioCfg &radio = request.radio;
     WLBRCM_LOG_AT((Here{"qvbrcm_StatusUpdate", __LINE__}), LOG_DEBUG,
-                  ": %s: Input Data:{ifName:%s, wifiMode:%d, Bw:%d, Band:%d}\n", item->name, request.ifName,
-                  radio.wirelessMode, radio.bandwidth, radio.band);
+                  ": %s: Input Data:{ifName:%s, wifiMode:%d, Bw:%d, Band:%d}\n", Shown(item->name).c_str(),
+                  Shown(request.ifName).c_str(), radio.wirelessMode, radio.bandwidth, radio.band);
     const int result = qvWlanGetDataTxRates(&request.arg, radio.wirelessMode, radio.bandwidth, radio.band);
     storeText(item, result == WLBRCM_OK ? "Done" : "Fail");
 }

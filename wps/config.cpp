@@ -190,7 +190,7 @@ int qvWlanWscInit(WlRadioCfg *radio, WlSsidCfg *bss) {
     write(here, "wl_wps_config_state", "1");
     write(here, "wl_wps_reg", "enabled");
     writeRegistrars(here);
-    writeInt(here, InterfaceName(here, fieldText(radio->ifName)), "wps_led",
+    writeInt(here, usableName(here, fieldText(radio->ifName)), "wps_led",
              fieldText(radio->phyType) == "v" ? kLedOfAcRadio : kLed);
     return WLBRCM_OK;
 }

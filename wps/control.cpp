@@ -1,6 +1,7 @@
 // The WPS daemon's control protocol: text datagrams on the loopback interface, one socket for each exchange.
 #include <wlbrcm/wps.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -60,9 +61,11 @@ class ControlSocket {
         while (deadline.waitReadable(socket_)) {
             sockaddr_in from = {};
             socklen_t length = sizeof from;
-            // Readable is no promise: a datagram with a wrong checksum is dropped on reading.
             const ssize_t received =
                 recvfrom(socket_, data, size, MSG_DONTWAIT, reinterpret_cast<sockaddr *>(&from), &length);
+            // Readable is no promise: a datagram with a wrong checksum is dropped on reading.
+            if (received < 0 && errno == EAGAIN)
+                continue;
             if (received < 0 || (from.sin_port == daemon.sin_port && from.sin_addr.s_addr == daemon.sin_addr.s_addr))
                 return received;
         }
@@ -131,7 +134,7 @@ bool sendCommand(const char *command) {
 
 int set_wps_env(const char *command) {
     if (command != nullptr) {
-        WLBRCM_LOG(LOG_DEBUG, "%s\n", command);
+        WLBRCM_LOG(LOG_DEBUG, "%s\n", Shown(command).c_str());
         if (sendCommand(command))
             return 0;
     }

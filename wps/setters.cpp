@@ -40,6 +40,8 @@ int qvWlanSetWpsConfStatus(WlanParamArg *arg) {
     const int configured = decimal(arg->value);
     if (configured != 0 && configured != 1)
         return WLBRCM_EINVAL;
+    if (!valueFits(WLBRCM_HERE, "wps_config_state", arg->value))
+        return WLBRCM_EINVAL;
     writeText(WLBRCM_HERE, name, "wps_config_state", arg->value);
     if (decimal(arg->aux) == 0) {
         writeText(WLBRCM_HERE, Key("wl_wps_config_state"), arg->value);
@@ -61,8 +63,7 @@ int qvWlanSetWpsVendorPinCode(WlanParamArg *arg) {
 int qvWlanSetWpsPBCType(WlanParamArg *arg) {
     if (!hasParts(arg, kValue))
         return WLBRCM_EINVAL;
-    writeText(WLBRCM_HERE, Key("wps_pbc_type"), arg->value);
-    return WLBRCM_OK;
+    return writeText(WLBRCM_HERE, Key("wps_pbc_type"), arg->value);
 }
 
 int qvWlanGenWpsVendorPinCode(WlanParamArg *arg) {

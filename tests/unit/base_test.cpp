@@ -109,6 +109,7 @@ TEST_F(Base, WritesLogTheirTextsAndRefuseWhatDoesNotFit) {
 static_assert(formatTakes<const char *, int>("wlctl -i %s macmode %d") && formatTakes<unsigned>("%.2x"));
 static_assert(!formatTakes<const char *>("macmode %d") && !formatTakes<int>("mac %s") && !formatTakes<int>("%x"));
 static_assert(!formatTakes<>("wlctl -i %s up") && !formatTakes<int, int>("nreqd %d") && !formatTakes<int>("up"));
+static_assert(!formatTakes<>("100%") && !formatTakes<int>("%d %") && !formatTakes<int>("%99d"));
 
 TEST_F(Base, ForeignBytesAreShownEscaped) {
     EXPECT_STREQ("wl0 \\x0a\\x1b[2J\\x7f\\xff~", Shown("wl0 \n\x1b[2J\x7f\xff~").c_str());
@@ -160,7 +161,7 @@ TEST_F(Base, StreamsWithoutADescriptorAreRead) {
 }
 
 TEST_F(Base, WhatStandsAtAResultFilesNameIsNotBelieved) {
-    const ResultPath path("/tmp/x");
+    const ResultPath path(WLBRCM_COMMAND("/tmp/x"));
     const auto read = [&] {
         char text[8] = "";
         Report(WLBRCM_HERE, path, WLBRCM_COMMAND("make > %s")).next(text);
