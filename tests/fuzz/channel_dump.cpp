@@ -7,8 +7,7 @@
 namespace {
 
 std::vector<WlChanScanInfo> dump(const std::string &report, int band) {
-    FakePlatform platform;
-    platform.answer("acs_cli -i wl0 dump bss", report);
+    const fuzz::Gateway gateway{{"acs_cli -i wl0 dump bss", report}};
     WlChanScanInfo *records = nullptr;
     int count = -1;
     Arg arg("wl0", "", "", 0, &records);
@@ -16,7 +15,6 @@ std::vector<WlChanScanInfo> dump(const std::string &report, int band) {
     arg.record.aux = reinterpret_cast<char *>(&count);
     const int result = qvWlanDumpCSRes(arg);
     const std::unique_ptr<WlChanScanInfo, decltype(&free)> block(records, free);
-    HOLDS(platform.leftFiles().empty());
     const int below = fuzz::reads(report, 255) - 1; // the header
     HOLDS((result == 0) == (below > 0) && (result == 0) == (records != nullptr));
     HOLDS(count == (result == 0 ? below : -1));
@@ -34,7 +32,7 @@ FUZZ_TARGET(channel_dump) {
         bool rest = false;
         for (const WlChanScanInfo &channel : dump(input, band)) {
             const WlChanScanInfo empty = {};
-            HOLDS(channel.valid == 1 ? !rest : memcmp(&channel, &empty, sizeof empty) == 0);
+            HOLDS(channel.valid == 1 ? !rest : fuzz::same(channel, empty));
             rest = channel.valid == 0;
             if (rest)
                 continue;
@@ -43,7 +41,7 @@ FUZZ_TARGET(channel_dump) {
             WlChanScanInfo again = {};
             const std::string line =
                 std::to_string(channel.channel) + " " + std::to_string(static_cast<int32_t>(channel.bssNum)) + " 0 0 0";
-            HOLDS(wlbrcm::readChannelLine(line, band, &again) && memcmp(&again, &channel, sizeof again) == 0);
+            HOLDS(wlbrcm::readChannelLine(line, band, &again) && fuzz::same(again, channel));
         }
     }
 }

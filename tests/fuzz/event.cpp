@@ -13,8 +13,7 @@ namespace {
 using Record = std::unique_ptr<WlEvent, decltype(&free)>;
 
 int receive(const std::string &datagram, Record *record) {
-    FakePlatform platform;
-    platform.answer("wlctl -i", "-44\n");
+    const fuzz::Gateway gateway{{"wlctl -i", "-44\n"}};
     int ends[2];
     HOLDS(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends) == 0);
     HOLDS(send(ends[0], datagram.data(), datagram.size(), 0) == static_cast<ssize_t>(datagram.size()));
@@ -26,8 +25,7 @@ int receive(const std::string &datagram, Record *record) {
     for (const int fd : ends)
         close(fd);
     HOLDS((result == 0) == (made != nullptr) && (result == 0 || result == 1));
-    HOLDS(platform.leftFiles().empty());
-    for (const std::string &command : platform.did("run ")) {
+    for (const std::string &command : gateway.did("run ")) {
         // Only for a station that joined, and only about an interface named wlN or wlN.M.
         HOLDS(made != nullptr && isRadioInterface(made->ifName));
         HOLDS(command.find(std::string("run wlctl -i ") + made->ifName + " ") == 0);
@@ -48,7 +46,7 @@ FUZZ_TARGET(event) {
     HOLDS(eventType(input.data(), input.size()) == 0 || input.size() >= 32);
     if (result != 0)
         return;
-    HOLDS(memcmp(record.get(), padded.get(), sizeof *record) == 0);
+    HOLDS(fuzz::same(*record, *padded));
     HOLDS(fuzz::ends(record->ifName) && fuzz::ends(record->radioName));
     HOLDS(std::string(record->ifName, strcspn(record->ifName, ".")) == record->radioName);
     HOLDS(record->event == 1 || record->event == 2 || record->event == 3 || record->event == 6);

@@ -8,16 +8,14 @@ using Aps = std::vector<WlScanAp>;
 
 // Access points of a report that is said to hold `lines` of them.
 Aps scan(const std::string &report, int lines) {
-    FakePlatform platform;
-    platform.answer("wlctl -i wl0 scanresults", report);
-    platform.answer("cat /tmp/wl0scanresults | grep -c ^SSID", std::to_string(lines));
+    const fuzz::Gateway gateway{{"wlctl -i wl0 scanresults", report},
+                                {"cat /tmp/wl0scanresults | grep -c ^SSID", std::to_string(lines)}};
     WlScanAp *records = nullptr;
     int count = -1;
     Arg arg("wl0", "", "", 0, &records);
     arg.record.aux = reinterpret_cast<char *>(&count);
     const int result = qvWlanGetScanApResults(arg);
     const std::unique_ptr<WlScanAp, decltype(&free)> block(records, free);
-    HOLDS(platform.leftFiles().empty());
     HOLDS((result == 0) == (lines > 0) && (result == 0) == (records != nullptr));
     HOLDS(result != 0 || (count >= 0 && count <= lines));
     return result == 0 ? Aps(records, records + count) : Aps();
