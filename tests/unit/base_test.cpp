@@ -19,9 +19,22 @@ TEST_F(Base, InterfaceNamesAreCheckedBeforeTheyReachAShell) {
         const char *text;
         bool good;
     } rows[] = {
-        {"wl0", true},   {"wl0.1", true}, {"br-lan_2", true}, {"123456789012345", true}, {"1234567890123456", false},
-        {"", false},     {"-f", false},   {"wl0 ", false},    {"br0; reboot", false},    {"$(id)", false},
-        {"a`b`", false}, {"a\nb", false}, {"a/b", false},     {"wl\xff", false},         {"a|b", false},
+        {"wl0", true},
+        {"wl0.1", true},
+        {"br-lan_2", true},
+        {"AZaz09", true},
+        {"123456789012345", true},
+        {"1234567890123456", false},
+        {"", false},
+        {"-f", false},
+        {"wl0 ", false},
+        {"br0; reboot", false},
+        {"$(id)", false},
+        {"a`b`", false},
+        {"a\nb", false},
+        {"a/b", false},
+        {"wl\xff", false},
+        {"a|b", false},
     };
     for (const auto &row : rows) {
         platform.forget();

@@ -135,6 +135,7 @@ TEST_F(BringUpThreads, Priority) {
     }
     platform.answer("wlctl -i wl0 tp_id", std::string(70, '1'));
     EXPECT_EQ(-1, get_event_pid("wl0"));
+    EXPECT_EQ("run wlctl -i wl0 tp_id > /tmp/wlctl_tp_id", platform.journal.back());
     EXPECT_TRUE(wasLogged(64, "read of output: rc=63 cpu=2147483647 buf=" + std::string(63, '1') + "\n"));
     EXPECT_TRUE(wasLogged(64, "returning pid -1\n"));
     platform.forget();

@@ -98,8 +98,10 @@ TEST_F(Channels, SkippedLinesLeaveEmptyRecordsAtTheEnd) {
         EXPECT_EQ(channels[i], records.get()[i].channel);
         EXPECT_EQ(channels[i] != 0, records.get()[i].valid == 1);
     }
-    EXPECT_EQ(Lines{"run acs_cli -i wl0 dump bss > /tmp/wl0_acs_dump_res"}, platform.journal);
-    EXPECT_EQ(Lines{"cmd = acs_cli -i wl0 dump bss > /tmp/wl0_acs_dump_res\n"}, platform.logged(WLBRCM_LOG_DEBUG));
+    ASSERT_EQ(0, readDump(2));
+    EXPECT_EQ(14U, records.get()[1].bssNum);
+    EXPECT_EQ(Lines(2, "run acs_cli -i wl0 dump bss > /tmp/wl0_acs_dump_res"), platform.journal);
+    EXPECT_EQ(Lines(2, "cmd = acs_cli -i wl0 dump bss > /tmp/wl0_acs_dump_res\n"), platform.logged(WLBRCM_LOG_DEBUG));
 }
 
 TEST_F(Channels, ADumpWithoutChannelsFails) {

@@ -50,6 +50,7 @@ TEST_F(StatusRates, CurrentRateByRateSetAndWidth) {
         {"5GHz 9", "auto", vht + "end", k80, "650 Mbps"}, // the last line has no such word
         {"2.4GHz 4", "auto\n", vht, k40, "300 Mbps"},
         {"2.4GHz 4", "auto\n", "MCS SET : [ 0 ]", k20, "7 Mbps"},
+        {"2.4GHz 4", "auto\n", "MCS SET : [ 8 ]", k20, "14 Mbps"},
         {"2.4GHz 4", "auto\n", "MCS SET : [ 31 ]", k20, "288 Mbps"},
         {"2.4GHz 4", "auto\n", "MCS SET : [ 31 32 ]", k20, "288 Mbps"},
         {"2.4GHz 4", "auto\n", "MCS SET : [ 31 33 ]", k20, "385 Mbps"}, // MCS 9, four streams

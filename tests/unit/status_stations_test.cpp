@@ -107,6 +107,17 @@ TEST_F(StatusStations, NoStationGivesNoList) {
     EXPECT_EQ(removal, platform.did("run rm"));
 }
 
+// A listing that could not be asked for anew is not read: who knows how old it is.
+TEST_F(StatusStations, AStaleListingIsNotRead) {
+    platform.files["/tmp/.assoclist_result_wl0"] = "assoclist 02:00:00:00:00:99\n";
+    platform.failing["remove /tmp/.assoclist_result_wl0"] = 1;
+    platform.answer("wlctl -i wl0.2 assoclist", "assoclist 02:00:00:00:00:01\n");
+    EXPECT_EQ(0, qvbrcm_GetAssocDevList(&intf, -1, &list, &count));
+    ASSERT_EQ(1, count);
+    EXPECT_STREQ("02:00:00:00:00:01", list[0].macAddr);
+    platform.files.clear();
+}
+
 TEST_F(StatusStations, BadNamesAreSkippedAndLongLinesCountInPieces) {
     memset(intf.bss[0].ifName, 'a', sizeof intf.bss[0].ifName); // not terminated
     platform.answer("wlctl -i wl0.2 assoclist",
@@ -118,7 +129,8 @@ TEST_F(StatusStations, BadNamesAreSkippedAndLongLinesCountInPieces) {
     EXPECT_EQ(1U, platform.did("run wlctl -i wl0.2 assoclist").size());
     free(list);
     platform.forget();
-    EXPECT_EQ(0, qvbrcm_GetAssocDevList(&intf, 1, &list, &count)); // and no other BSS
+    strcpy(intf.bss[0].ifName, "wl0");
+    EXPECT_EQ(0, qvbrcm_GetAssocDevList(&intf, 0, &list, &count)); // and no other BSS
     EXPECT_EQ(Lines{}, platform.did("run wlctl -i wl0.2 "));
 }
 

@@ -247,6 +247,7 @@ TEST_F(WpsConfig, PinsComeFromTheBoardOrAreMade) {
 
 TEST_F(WpsConfig, Setters) {
     constexpr char configured[] = "set wl1_wps_config_state=1; set wl_wps_config_state=1; set lan_wps_oob=disabled";
+    const std::string tooLong = std::string(2047, '0') + "1";
     constexpr char outOfBox[] = "set wl1_wps_config_state=0; set wl_wps_config_state=0; set lan_wps_oob=enabled";
     const struct {
         int (*setter)(WlanParamArg *);
@@ -266,6 +267,8 @@ TEST_F(WpsConfig, Setters) {
         {qvWlanSetWpsConfStatus, {}, "1", "0", 0, configured},
         {qvWlanSetWpsConfStatus, {}, "0", "0", 0, outOfBox},
         {qvWlanSetWpsConfStatus, {}, "2", "0", -14, ""},
+        {qvWlanSetWpsConfStatus, {}, tooLong.c_str(), "0", -14, ""},
+        {qvWlanSetWpsPBCType, {}, tooLong.c_str(), "", -14, ""},
         {qvWlanSetWpsConfStatus, {}, "-1", "0", -14, ""},
         {qvWlanSetWpsVendorPinCode, {}, "12345670", "", 0, "set wps_device_pin=12345670"},
         {qvWlanSetWpsVendorPinCode, {{"wps_device_pin", "12345670"}}, "12345670", "", 0, ""},
