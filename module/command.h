@@ -102,9 +102,9 @@ inline Run unlogged(Here here) {
 // longest.
 template <size_t Size> class CheckedText {
   public:
-    template <class Format, class... Args> explicit CheckedText(Format, const Args &...args) {
-        text_.append(checkedFormat<Format, Args...>(), commandArg(args)...);
-    }
+    template <class Format, class... Args>
+    explicit CheckedText(Format, const Args &...args)
+        : text_(checkedFormat<Format, Args...>(), commandArg(args)...) {}
     const char *c_str() const { return text_.c_str(); }
 
   private:
