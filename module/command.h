@@ -103,8 +103,7 @@ inline Run unlogged(Here here) {
 template <size_t Size> class CheckedText {
   public:
     template <class Format, class... Args>
-    explicit CheckedText(Format, const Args &...args)
-        : text_(checkedFormat<Format, Args...>(), commandArg(args)...) {}
+    explicit CheckedText(Format, const Args &...args) : text_(checkedFormat<Format, Args...>(), commandArg(args)...) {}
     const char *c_str() const { return text_.c_str(); }
 
   private:

@@ -1,21 +1,9 @@
 // The order in which a radio is brought up: one rich radio in full, and what the others leave out.
-#include <fstream>
 #include <set>
 
 #include "bringup_radio.h"
 
 namespace {
-
-Lines readLines(const std::string &name) {
-    const std::string here = __FILE__;
-    std::ifstream file(here.substr(0, here.rfind('/')) + "/data/" + name);
-    Lines lines;
-    for (std::string line; std::getline(file, line);) {
-        if (line[0] != '#')
-            lines.push_back(line);
-    }
-    return lines;
-}
 
 WlLanMember member(const char *name) {
     WlLanMember result = {};

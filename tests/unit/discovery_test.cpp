@@ -221,12 +221,6 @@ TEST_F(Discovery, EveryAllocationMayFail) {
     }
 }
 
-TEST_F(Discovery, NoListingNoRadio) {
-    platform.failPipe("/bin/cat");
-    EXPECT_EQ(0, init());
-    EXPECT_EQ(0, act_wl_cnt);
-}
-
 TEST_F(Discovery, Band) {
     const struct {
         const char *report;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <fstream>
 #include <net/if.h>
 #include <poll.h>
 #include <pthread.h>
@@ -424,6 +425,17 @@ Lines FakePlatform::logged(int level) const {
 void FakePlatform::failAllocation(int n) {
     allocationsLeft_ = n;
     allocationFailed = false;
+}
+
+Lines readLines(const std::string &name) {
+    const std::string here = __FILE__;
+    std::ifstream file(here.substr(0, here.rfind('/')) + "/data/" + name);
+    Lines lines;
+    for (std::string line; std::getline(file, line);) {
+        if (line[0] != '#')
+            lines.push_back(line);
+    }
+    return lines;
 }
 
 Lines openDescriptors() {

@@ -178,13 +178,6 @@ TEST_F(ParamSteps, CoexistenceIsFor40MHzAt2GHz) {
     EXPECT_EQ(Lines{}, done());
 }
 
-TEST_F(ParamSteps, InterferenceModeLogs) {
-    EXPECT_EQ(-14, qvWlanSetInterferenceMode(Arg("wl0", "5")));
-    EXPECT_EQ(Lines{"enter\n"}, platform.logged(WLBRCM_LOG_DEBUG));
-    EXPECT_EQ(Lines{"Invalid argument. value need in -1 to 4, but config value is (5).\n"},
-              platform.logged(WLBRCM_LOG_ERR));
-}
-
 TEST_F(ParamSteps, FlowCacheExcludesALimitedBss) {
     const std::string remove = "run ebtables -t broute -D SKIP_FCACHE -i wl0.2 -j SKIPLOG";
     EXPECT_EQ(0, qvWlanFlowCacheSetup(Arg("wl0.2", "0"), 1));

@@ -38,35 +38,6 @@ TEST(StatusNumbers, UnsignedNumbersAreReadWithAnyBase) {
     EXPECT_EQ(0xe02aU, hexNumber(" E02a"));
 }
 
-TEST(StatusNumbers, AScanStopsWhereItFailsAndKeepsWhatWasThere) {
-    std::string_view rest = "channel 42 80MHz (0xe02a) end";
-    int channel = -1, width = -1;
-    uint32_t number = 9;
-    EXPECT_TRUE(takeText(&rest, "channel "));
-    EXPECT_TRUE(takeDecimal(&rest, &channel));
-    EXPECT_TRUE(takeDecimal(&rest, &width));
-    EXPECT_FALSE(takeDecimal(&rest, &width));
-    EXPECT_FALSE(takeText(&rest, "MHZ"));
-    EXPECT_FALSE(takeThrough(&rest, "["));
-    EXPECT_TRUE(takeThrough(&rest, "("));
-    EXPECT_TRUE(takeHex(&rest, &number));
-    EXPECT_EQ(42, channel);
-    EXPECT_EQ(80, width);
-    EXPECT_EQ(0xe02aU, number);
-    EXPECT_EQ(") end", rest);
-    EXPECT_FALSE(takeUnsigned(&rest, &number));
-    EXPECT_EQ(0xe02aU, number);
-
-    std::string_view word;
-    rest = " \t2.4GHz 9";
-    EXPECT_TRUE(takeWord(&rest, 3, &word));
-    EXPECT_EQ("2.4", word);
-    EXPECT_TRUE(takeWord(&rest, 15, &word));
-    EXPECT_EQ("GHz", word);
-    rest = " ";
-    EXPECT_FALSE(takeWord(&rest, 15, &word));
-}
-
 TEST(StatusNumbers, RateListsExistForRealWidthsAndStreams) {
     EXPECT_STREQ("7.2,14.4,21.7,28.9,43.3,57.8,65,72.2", htRates(20, 1));
     EXPECT_STREQ("15,30,45,60,90,120,135,150,180,240,270,300,360,405,450,480,540,600", htRates(40, 4));
