@@ -428,8 +428,7 @@ void FakePlatform::failAllocation(int n) {
 }
 
 Lines readLines(const std::string &name) {
-    const std::string here = __FILE__;
-    std::ifstream file(here.substr(0, here.rfind('/')) + "/data/" + name);
+    std::ifstream file(std::string(WLBRCM_TEST_DATA) + "/" + name);
     Lines lines;
     for (std::string line; std::getline(file, line);) {
         if (line[0] != '#')

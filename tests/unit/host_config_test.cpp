@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
@@ -40,150 +41,32 @@ std::string patched(const char *pointer, const char *value) {
     return config.dump();
 }
 
-struct Case {
-    const char *pointer, *value, *problem;
-};
-
-#define RADIO "/radios/0/"
-#define SSID "/radios/0/ssids/0/"
-#define AT_RADIO "t:1: radios[0]."
-#define AT_SSID "t:1: radios[0].ssids[0]."
-
-void expectProblems(const std::vector<Case> &cases) {
-    for (const Case &row : cases)
-        EXPECT_EQ(problemOf(patched(row.pointer, row.value)), row.problem) << row.pointer << " = " << row.value;
+// One line of the file a case: pointer, value, problems.
+TEST(HostConfig, ValuesAndTheirProblems) {
+    std::ifstream file(std::string(WLBRCM_TEST_DATA) + "/config_problems.jsonl");
+    int cases = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line[0] == '#')
+            continue;
+        const json row = json::parse(line);
+        const std::string pointer = row[0], value = row[1];
+        EXPECT_EQ(problemOf(patched(pointer.c_str(), value.c_str())), row[2].get<std::string>()) << line;
+        ++cases;
+    }
+    EXPECT_EQ(cases, 62);
 }
 
-TEST(HostConfig, TypesAndRanges) {
-    expectProblems({
-        {RADIO "txpower", "0", AT_RADIO "txpower: 0 is out of range; 1 to 100"},
-        {RADIO "txpower", "1", ""},
-        {RADIO "txpower", "100", ""},
-        {RADIO "txpower", "101", AT_RADIO "txpower: 101 is out of range; 1 to 100"},
-        {RADIO "txpower", "18446744073709551615", AT_RADIO "txpower: 18446744073709551615 is out of range; 1 to 100"},
-        {RADIO "interference", "-1", ""},
-        {RADIO "interference", "-2", AT_RADIO "interference: -2 is out of range; -1 to 4"},
-        {RADIO "rts", "\"1\"", AT_RADIO "rts: \"1\" is not a whole number; 1 to 2347"},
-        {RADIO "rts", "1.5", AT_RADIO "rts: 1.5 is not a whole number; 1 to 2347"},
-        {RADIO "atf", "1", AT_RADIO "atf: 1 is not true or false; true or false"},
-        {RADIO "channel", "true", AT_RADIO "channel: true is not a whole number; 1 to 165, or \"auto\""},
-        {RADIO "channel", "\"auto\"", ""},
-        {RADIO "htmode", "\"HT80\"",
-         AT_RADIO "htmode: \"HT80\" is not known; one of \"HT20\", \"HT40+\", \"HT40-\", \"VHT20\", \"VHT40+\", "
-                  "\"VHT40-\", \"VHT80\""},
-        {RADIO "htmode", "20",
-         AT_RADIO "htmode: 20 is not a word; one of \"HT20\", \"HT40+\", \"HT40-\", \"VHT20\", \"VHT40+\", "
-                  "\"VHT40-\", \"VHT80\""},
-        {RADIO "acs_exclude", "[1, 0]", AT_RADIO "acs_exclude[1]: 0 is no channel number; 1 to 165"},
-        {RADIO "acs_exclude", "[36, 36]", AT_RADIO "acs_exclude[1]: 36 stands twice in the list; 1 to 165"},
-        {RADIO "ssids", "7", AT_RADIO "ssids: 7 is not a list; a list of at most 6"},
-        {RADIO "rxchain_pwrsave", "[]", AT_RADIO "rxchain_pwrsave: [] is not an object"},
-        {"/radios", "{}", "t:1: radios: {} is not a list; a list of at most 16"},
-    });
-    EXPECT_EQ(problemOf("[]"), "t:1: [] is not an object");
-}
-
-TEST(HostConfig, Texts) {
+TEST(HostConfig, Passphrases) {
     const char *const kKey = "; 8 to 63, or 64 hexadecimal digits";
     auto key = [&](size_t length, char c) {
-        return problemOf(patched(SSID "key", json(std::string(length, c)).dump().c_str()));
+        return problemOf(patched("/radios/0/ssids/0/key", json(std::string(length, c)).dump().c_str()));
     };
-    EXPECT_EQ(key(7, 'x'), std::string(AT_SSID "key: \"xxxxxxx\" is 7 characters") + kKey);
+    EXPECT_EQ(key(7, 'x'), std::string("t:1: radios[0].ssids[0].key: \"xxxxxxx\" is 7 characters") + kKey);
     EXPECT_EQ(key(8, 'x'), "");
     EXPECT_EQ(key(63, 'x'), "");
     EXPECT_NE(key(64, 'x').find("is 64 characters, but not all hexadecimal digits"), std::string::npos);
     EXPECT_EQ(key(64, 'f'), "");
     EXPECT_NE(key(65, 'f').find("is 65 characters"), std::string::npos);
-    const char *const kName = "; 1 to 32 bytes of UTF-8 without NUL";
-    const char *const kStation = "; six hexadecimal pairs of a station, such as 00:10:18:aa:bb:cc";
-    expectProblems({
-        {SSID "ssid", "\"12345678901234567890123456789012\"", ""},
-        {SSID "ssid", "\"123456789012345678901234567890123\"",
-         (std::string(AT_SSID "ssid: \"123456789012345678901234567890123\" is 33 bytes") + kName).c_str()},
-        {SSID "ssid", "\"a\\u0000b\"", (std::string(AT_SSID "ssid: \"a\\u0000b\" holds a NUL") + kName).c_str()},
-        {SSID "ifname", "\"wl0; reboot\"",
-         AT_SSID "ifname: \"wl0; reboot\" is no interface name; 1 to 15 of A-Z a-z 0-9 . _ -, the first not -"},
-        {SSID "maclist", "[\"00:10:18:aa:bb\"]",
-         (std::string(AT_SSID "maclist[0]: \"00:10:18:aa:bb\" is no MAC address") + kStation).c_str()},
-        {SSID "maclist", "[\"01:10:18:aa:bb:cc\"]",
-         (std::string(AT_SSID "maclist[0]: \"01:10:18:aa:bb:cc\" is a group address") + kStation).c_str()},
-        {RADIO "country", "\"de\"",
-         AT_RADIO "country: \"de\" is no country; two capitals and perhaps a slash and a revision, such as DE/3"},
-        {RADIO "country", "\"US\"", ""},
-        {SSID "wps", "{\"device_pin\": \"12345678\"}",
-         AT_SSID "wps.device_pin: \"12345678\" has a wrong checksum digit; 8 digits, the last one the checksum"},
-        {SSID "wps", "{\"device_pin\": \"31415927\"}", ""},
-        {SSID "wps", "{\"uuid\": \"0102\"}",
-         AT_SSID "wps.uuid: \"0102\" is no UUID; 32 hexadecimal digits, with or without the four dashes"},
-    });
-}
-
-TEST(HostConfig, Names) {
-    expectProblems({
-        {RADIO "chanel", "36", AT_RADIO "chanel: unknown name; did you mean \"channel\"?"},
-        {SSID "Key", "1", AT_SSID "Key: unknown name; did you mean \"key\"?"},
-        {"/wifi", "1", "t:1: wifi: unknown name; known here: $schema, lan, radios"},
-        {RADIO "name", "", "t:1: radios[0]: name is missing; 1 to 15 of A-Z a-z 0-9 . _ -, the first not -"},
-        {"/radios/1/name", "\"wl0\"",
-         "t:1: radios[1].name: \"wl0\" is the name at radios[0].name already\n"
-         "t:1: radios[1].ssids[0].ifname: \"wl0\" is the interface at radios[0].ssids[0].ifname already"},
-        {"/radios/0/ssids/1/ifname", "\"wl0.6\"",
-         "t:1: radios[0].ssids[1].ifname: \"wl0.6\" is no interface of wl0; wl0.1 to wl0.5"},
-        {"/radios/0/ssids/1/ifname", "\"wl1.1\"",
-         "t:1: radios[0].ssids[1].ifname: \"wl1.1\" is no interface of wl0; wl0.1 to wl0.5"},
-        {SSID "ifname", "\"wl0.1\"",
-         AT_SSID "ifname: \"wl0.1\" is not the radio's interface; the first SSID is wl0\n"
-                 "t:1: radios[0].ssids[1].ifname: \"wl0.1\" is the interface at radios[0].ssids[0].ifname already"},
-        {SSID "network", "\"br7\"", AT_SSID "network: \"br7\" is no LAN group; br0, br1"},
-        {"/radios/0/ssids/1/ifname", "\"wl0.3\"",
-         "t:1: radios[0].ssids[1].network: \"br0\" differs from br1, which has wl0.3 among its ports"},
-        {"/lan/groups/1/ports/0", "\"eth0\"",
-         "t:1: lan.groups[1].ports: \"eth0\" is the port at lan.groups[0].ports already"},
-    });
-}
-
-TEST(HostConfig, SettingsThatContradictEachOther) {
-    expectProblems({
-        {RADIO "channel", "38",
-         AT_RADIO "channel: 38 is no 5 GHz channel; 36 to 64 and 100 to 144 in steps of 4, 149 to 165 in steps of 4"},
-        {"/radios/1/channel", "15",
-         "t:1: radios[1].channel: 15 is no 5 GHz channel; 36 to 64 and 100 to 144 in steps of 4, 149 to 165 in steps "
-         "of 4"},
-        {RADIO "htmode", "\"HT40+\"", ""},
-        {RADIO "htmode", "\"HT40-\"",
-         AT_RADIO "htmode: \"HT40-\" does not fit channel 36; HT20, HT40+, VHT20, VHT40+, VHT80"},
-        {"/radios/1/htmode", "\"VHT80\"",
-         "t:1: radios[1].htmode: \"VHT80\" does not go with 2.4 GHz; HT20, HT40+, HT40-, VHT20, VHT40+, VHT40-"},
-        {RADIO "hwmode", "\"bgn\"",
-         AT_RADIO "hwmode: \"bgn\" does not go with 5 GHz and HT20; n, a, an, ac, nac, anac"},
-        {RADIO "rate", "54", AT_RADIO "rate: 54 has no effect without mcs; 0, or set mcs"},
-        {SSID "key", "",
-         "t:1: radios[0].ssids[0]: key is missing; encryption psk2 needs 8 to 63 characters, or 64 hexadecimal digits"},
-        {SSID "ssid", "", "t:1: radios[0].ssids[0]: ssid is missing; 1 to 32 bytes of UTF-8 without NUL"},
-        {SSID "ssid_hex", "\"ff\"", "t:1: radios[0].ssids[0]: ssid and ssid_hex are both given; one of them"},
-        {SSID "encryption", "\"wpa2\"",
-         AT_SSID "key: has no use with encryption wpa2; for psk2 and psk-mixed\n"
-                 "t:1: radios[0].ssids[0]: radius is missing; encryption wpa2 needs a server"},
-        {"/radios/0/ssids/1/encryption", "\"wep\"",
-         "t:1: radios[0].ssids[1]: key1 is missing; encryption wep sends with key number 1"},
-        {"/radios/0/ssids/1/ieee80211w", "1",
-         "t:1: radios[0].ssids[1].ieee80211w: 1 does not go with encryption none; at most 0"},
-        {"/radios/0/ssids/1/wps", "{\"enabled\": true}",
-         "t:1: radios[0].ssids[1].wps.enabled: true is refused; WPS runs on the radio's first SSID only"},
-        {"/radios/1/ssids/0/wps", "{\"enabled\": true}", ""},
-        {SSID "maclist", "[\"00:10:18:aa:bb:cc\"]",
-         AT_SSID "maclist: has no use without a filter; set macfilter to deny or allow"},
-        {SSID "preset", "\"on-demand\"",
-         AT_SSID "preset: \"on-demand\" is refused; the first SSID is the radio's own interface"},
-        {RADIO "ssids", "[]", "t:1: radios[0]: ssids is missing; 1 to 6, unless the radio is disabled"},
-        {RADIO "ssids", R"([{"ssid":"a","main":true},{"ssid":"b"},{"ssid":"c","main":true}])",
-         AT_RADIO "ssids[2].main: ssids[0] is marked already; at most one of a radio"},
-        {RADIO "ssids", R"([{"ssid":"a","preset":"announcer"},{"ssid":"b","preset":"announcer"}])",
-         AT_RADIO "ssids[1].preset: ssids[0] is marked already; at most one of a radio"},
-        {RADIO "ssids",
-         R"([{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"},{"ssid":"a"}])",
-         AT_RADIO "ssids: has 7 entries; a list of at most 6"},
-    });
 }
 
 // Each control channel with each width: the widths that fit, by the band plans.
@@ -253,6 +136,8 @@ RadioRecords bound(const std::string &text, const WlIntf &intf, const char *phy 
     return records;
 }
 
+#define RADIO "/radios/0/"
+#define SSID "/radios/0/ssids/0/"
 #define NUMBER(member) [](const RadioRecords &r) { return std::to_string(r.member); }
 #define TEXT(member) [](const RadioRecords &r) { return std::string(r.member); }
 
