@@ -48,11 +48,11 @@ constexpr KeyManagement kKeyManagement[] = {
     {nullptr, "wpa2", "wpa2"},
 };
 
-struct Cipher {
+struct SessionCipher {
     const char *crypto;
     const char *encryption;
 };
-constexpr Cipher kCiphers[] = {{"aes", "aes"}, {"tkip+aes", "tkipaes"}};
+constexpr SessionCipher kSessionCiphers[] = {{"aes", "aes"}, {"tkip+aes", "tkipaes"}};
 
 const char *sessionValue(const InterfaceName &radio, const char *suffix) {
     return nvram_get(keyOf(radio, suffix).c_str());
@@ -94,7 +94,7 @@ bool takeOverKeyManagement(Here here, WlSsidCfg *entry, const char *akm) {
 }
 
 bool takeOverCipher(WlSsidCfg *entry, const char *crypto) {
-    for (const Cipher &row : kCiphers) {
+    for (const SessionCipher &row : kSessionCiphers) {
         if (crypto != nullptr && strcmp(row.crypto, crypto) == 0)
             return takeOver(entry->encryption, row.encryption);
     }

@@ -43,7 +43,7 @@ bool readAddress(const char *text, uint8_t (&mac)[6]) {
     return true;
 }
 
-bool appendWord(Here here, std::string_view word, MacFilterEntry **list) {
+bool appendEntry(Here here, std::string_view word, MacFilterEntry **list) {
     char token[kLongestAddressText + 1];
     if (!copyText(token, word)) {
         WLBRCM_LOG_AT(here, LOG_ERR, "invalid si = %d\n", static_cast<int>(kLongestAddressText));
@@ -111,7 +111,7 @@ MacFilterEntry *qvbrcm_MacFilter_mac_list_by_str(const char *text) {
     MacFilterEntry *list = nullptr;
     Words words(text);
     for (std::string_view word; words.next(&word);) {
-        if (!appendWord(WLBRCM_HERE, word, &list)) {
+        if (!appendEntry(WLBRCM_HERE, word, &list)) {
             qvbrcm_MacFilter_release_list(&list);
             return nullptr;
         }

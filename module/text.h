@@ -12,6 +12,8 @@
 
 namespace wlbrcm {
 
+inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
 // Copies as much as fits, always terminated. Returns whether all of it did.
 bool copyText(char *to, size_t size, std::string_view from);
 

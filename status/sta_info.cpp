@@ -9,7 +9,7 @@ namespace wlbrcm {
 
 namespace {
 
-constexpr Here kHere{"do_get_sta_info", __LINE__};
+constexpr Here kStaInfoHere{"do_get_sta_info", __LINE__};
 
 // A line of the report: "<key>: <value>". What some keys stand for is in the key itself, behind `mark`.
 struct Field {
@@ -72,7 +72,7 @@ constexpr Row kRows[] = {
 
 // The driver prints a negative number, or nothing useful.
 void readRssi(const InterfaceName &ifname, const MacText &mac, const ResultPath &path, WlStaInfo *sta) {
-    Report report(unlogged(kHere), path, WLBRCM_COMMAND("wlctl -i %s rssi %s > %s"), ifname, mac);
+    Report report(unlogged(kStaInfoHere), path, WLBRCM_COMMAND("wlctl -i %s rssi %s > %s"), ifname, mac);
     char line[255];
     if (report.next(line) && line[0] == '-')
         sta->rssi = decimalNumber(line);
@@ -109,8 +109,6 @@ void decideMode(const InterfaceName &ifname, const StationCaps &caps, WlStaInfo 
         sta->bandwidth = 20;
     }
 }
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The whole part of a rate in Mbit/s, at most INT_MAX. Few rates need strtod(), which costs more than the rest.
 int takeRate(const char **text) {
