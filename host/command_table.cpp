@@ -37,22 +37,23 @@ const std::vector<Column> kSession = {{"RADIO", "radio"},
 } // namespace
 
 const std::vector<Option> &commonOptions() {
-    static const std::vector<Option> options = {
+    static const std::vector<Option> kOptions = {
         {"--socket", "socket", Value::kFile, "Control socket (WLHOST_SOCKET, /tmp/wlhost.sock)"},
         {"--timeout", "timeout", Value::kNumber, "Seconds to wait for the host", false, {}, 3600},
         {"--json", "json", Value::kFlag, "One JSON document on stdout, errors too"},
     };
-    return options;
+    return kOptions;
 }
 
 const std::vector<Group> &groups() {
-    static const std::vector<Group> rows = {{"wps", "Wi-Fi Protected Setup"}};
-    return rows;
+    static const std::vector<Group> kRows = {{"wps", "Wi-Fi Protected Setup"}};
+    return kRows;
 }
 
+// NOLINTNEXTLINE(readability-function-size): one table
 const std::vector<Command> &commands() {
     // Name and what it is for; options; what the host does; how the result is shown; who asks for it.
-    static const std::vector<Command> rows = {
+    static const std::vector<Command> kRows = {
         {"run",
          "Be the host: bring the configured radios up and serve",
          {kConfig,
@@ -280,7 +281,7 @@ const std::vector<Command> &commands() {
          {},
          complete},
     };
-    return rows;
+    return kRows;
 }
 
 const Command *findCommand(const std::string &name) {

@@ -19,8 +19,8 @@ struct Failure : std::runtime_error {
     std::string where; // radio, interface, file or operation; may be empty
     std::string hint;  // what to do about it; may be empty
 
-    Failure(Status status_, std::string where_, const std::string &text, std::string hint_ = {})
-        : std::runtime_error(text), status(status_), where(std::move(where_)), hint(std::move(hint_)) {}
+    Failure(Status code, std::string place, const std::string &text, std::string advice = {})
+        : std::runtime_error(text), status(code), where(std::move(place)), hint(std::move(advice)) {}
 };
 
 // The error document of a failure: `code`, `where`, `text` and `hint`.

@@ -38,7 +38,7 @@ json resultOf(const Call &call, const std::function<void(int)> &tick = {}) {
 
 // What a session that ended means for who waited for it.
 Status settle(const json &session, const Call &call) {
-    json result = session["result"];
+    const json &result = session["result"];
     if (result == "done") {
         showResult(call, session);
         return Status::kDone;

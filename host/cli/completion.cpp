@@ -18,11 +18,12 @@ struct Line {
 };
 
 const Option *findOption(const Command *command, const std::string &name) {
-    for (const auto *rows : {&commonOptions(), command ? &command->options : nullptr})
+    for (const auto *rows : {&commonOptions(), command ? &command->options : nullptr}) {
         if (rows)
             for (const Option &row : *rows)
                 if (name == row.name)
                     return &row;
+    }
     return nullptr;
 }
 
@@ -106,11 +107,12 @@ std::vector<std::string> candidatesFor(const std::vector<std::string> &words, co
         return found;
     if (!line.command)
         found = namesIn(line.group);
-    for (const auto *rows : {line.command ? &line.command->options : nullptr, &commonOptions()})
+    for (const auto *rows : {line.command ? &line.command->options : nullptr, &commonOptions()}) {
         if (rows)
             for (const Option &row : *rows)
                 if (!row.isPlaced())
                     found.emplace_back(row.name);
+    }
     found.emplace_back("--help");
     return found;
 }

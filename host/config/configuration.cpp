@@ -152,12 +152,12 @@ RadioRecords bindRadio(const Config &config, size_t index, const WlIntf &intf, c
         problems.add(path / "ssids", std::to_string(radio.ssids.size()) + " SSIDs; " + radio.name() +
                                          " carries at most " + std::to_string(intf.caps.maxBss));
 
-    for (size_t i = 0; i < radio.ssids.size(); ++i)
+    for (size_t i = 0; i < radio.ssids.size(); ++i) {
         if (interfaceNumber(radio.ssids[i].record.ifName) >= intf.caps.maxBss)
             problems.add(path / "ssids" / i / "ifname", std::string("\"") + radio.ssids[i].record.ifName +
                                                             "\" does not exist; " + radio.name() + " carries at most " +
                                                             std::to_string(intf.caps.maxBss) + " SSIDs");
-
+    }
     record.band = band;
     if (record.wirelessMode < 0)
         record.wirelessMode = modeNumber(usualMode(band, kHtModes[static_cast<size_t>(radio.fields.htmode)]));
@@ -181,11 +181,12 @@ RadioRecords bindRadio(const Config &config, size_t index, const WlIntf &intf, c
 
 std::vector<std::string> lanMembers(const Config &config, const GroupFields &group) {
     std::vector<std::string> members = splitWords(group.ports);
-    for (const RadioConfig &radio : config.radios)
+    for (const RadioConfig &radio : config.radios) {
         for (const SsidFields &ssid : radio.ssids)
             if (std::strcmp(ssid.record.bridge, group.name) == 0 &&
                 std::count(members.begin(), members.end(), ssid.record.ifName) == 0)
                 members.push_back(ssid.record.ifName);
+    }
     return members;
 }
 

@@ -17,7 +17,7 @@ constexpr ChannelBlock k5gBlocks[] = {{36, 64}, {100, 144}, {149, 165}};
 constexpr const char *k2gChannels = "1 to 14";
 constexpr const char *k5gChannels = "36 to 64 and 100 to 144 in steps of 4, 149 to 165 in steps of 4";
 
-const char *bandName(int band) { return band == WLBRCM_BAND_5G ? "5 GHz" : "2.4 GHz"; }
+const char *bandText(int band) { return band == WLBRCM_BAND_5G ? "5 GHz" : "2.4 GHz"; }
 
 const ChannelBlock *blockOf(int channel) {
     for (const ChannelBlock &block : k5gBlocks)
@@ -173,7 +173,7 @@ void checkChannel(const RadioFields &radio, int band, const json &node, const Pa
     const HtMode &width = kHtModes[static_cast<size_t>(radio.htmode)];
     bool channelExists = band == 0 || channel == 0 || isChannel(band, channel);
     if (!channelExists)
-        problems.add(path / "channel", std::to_string(channel) + " is no " + bandName(band) + " channel; " +
+        problems.add(path / "channel", std::to_string(channel) + " is no " + bandText(band) + " channel; " +
                                            (band == WLBRCM_BAND_2G ? k2gChannels : k5gChannels));
     if (band == WLBRCM_BAND_2G && width.width == 80)
         problems.add(path / "htmode", inQuotes(width.name) + " does not go with 2.4 GHz; " +
@@ -182,12 +182,14 @@ void checkChannel(const RadioFields &radio, int band, const json &node, const Pa
         problems.add(path / "htmode",
                      inQuotes(width.name) + " does not fit channel " + std::to_string(channel) + "; " +
                          fittingNames(kHtModes, [&](const HtMode &m) { return widthFits(band, channel, m); }));
-    int mode = radio.record.wirelessMode;
-    if (mode >= 0 && !modeFits(kHwModes[static_cast<size_t>(mode)], band, width))
+    int8_t number = radio.record.wirelessMode;
+    const HwMode *mode = number < 0 ? nullptr : &kHwModes[static_cast<size_t>(number)];
+    if (mode && !modeFits(*mode, band, width)) {
         problems.add(path / "hwmode",
-                     inQuotes(kHwModes[static_cast<size_t>(mode)].name) + " does not go with " +
-                         (band == 0 ? "" : std::string(bandName(band)) + " and ") + width.name + "; " +
+                     inQuotes(mode->name) + " does not go with " +
+                         (band == 0 ? "" : std::string(bandText(band)) + " and ") + width.name + "; " +
                          fittingNames(kHwModes, [&](const HwMode &m) { return modeFits(m, band, width); }));
+    }
     if (node.contains("rate") && radio.record.rate != 0 && radio.record.mcs < 0)
         problems.add(path / "rate", std::to_string(radio.record.rate) + " has no effect without mcs; 0, or set mcs");
 }

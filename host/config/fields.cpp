@@ -211,7 +211,7 @@ Field inverted(Field field) {
     return field;
 }
 
-constexpr long kMonth = 31 * 24 * 3600;
+constexpr long kMonth = 31L * 24 * 3600;
 
 using R = RadioFields;
 using S = SsidFields;
@@ -226,22 +226,22 @@ std::vector<Field> idleFields(size_t offset, size_t size, const char *enableAbou
 }
 
 const std::vector<Field> &rxChainFields() {
-    static const std::vector<Field> fields =
+    static const std::vector<Field> kFields =
         idleFields(AT(R, record.rxChainPwrsaveParams[0]), "1 switches receive chains off when idle");
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &radioPwrsaveFields() {
-    static const std::vector<Field> fields = [] {
+    static const std::vector<Field> kFields = [] {
         auto rows = idleFields(AT(R, record.radioPwrsaveParams[0]), "1 duty-cycles the radio when idle");
         rows.push_back(number("level", AT(R, record.radioPwrsaveParams[3]), 0, 7, 0, "Depth of the duty cycle"));
         return rows;
     }();
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &wpsFields() {
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         flag("enabled", AT(S, record.wpsEnable), false, "Wi-Fi Protected Setup on this SSID"),
         flag("configured", AT(S, record.wpsConfigured), true, "The network counts as configured"),
         flag("version2", AT(S, record.wpsVersion2), true, "Protocol version 2"),
@@ -253,20 +253,20 @@ const std::vector<Field> &wpsFields() {
         text("device_pin", AT(S, record.wpsDevicePin), kPinRule, "The device's own PIN"),
         text("uuid", AT(S, record.wpsUuid), kUuidRule, "UUID; made from the radio's address when absent"),
     };
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &radiusFields() {
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         required(text("server", AT(S, record.radiusIpaddr), kAddressRule, "Address of the server")),
         number("port", AT(S, record.radiusPort), 1, 65535, 1812, "UDP port of the server"),
         required(text("secret", AT(S, record.radiusKey), kSecretRule, "Shared secret")),
     };
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &ssidFields() {
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         text("ssid", AT(S, record.ssidName), kSsidRule, "Network name"),
         text("ssid_hex", AT(S, record.ssidName), kSsidHexRule, "Network name that is no UTF-8, in place of ssid"),
         inverted(flag("disabled", AT(S, record.enable), false, "The SSID is off")),
@@ -305,12 +305,12 @@ const std::vector<Field> &ssidFields() {
         nested("wps", Kind::kGroup, 0, 0, wpsFields(), "Wi-Fi Protected Setup, on the radio's first SSID"),
         nested("radius", Kind::kGroup, 0, 0, radiusFields(), "RADIUS server of wpa2"),
     };
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &radioFields() {
     static const std::vector<Word> kRifs = {{"off", 0}, {"auto", -1}};
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         required(text("name", AT(R, record.ifName), kInterfaceRule, "Interface of the radio, such as wl0")),
         inverted(flag("disabled", AT(R, record.radioOn), false, "The radio is off")),
         number("index", AT(R, record.radioIndex), 1, 127, 0, "Number of the radio from 1; from its name when absent"),
@@ -362,35 +362,35 @@ const std::vector<Field> &radioFields() {
         nested("ssids", Kind::kRecords, 0, WLBRCM_MAX_BSS, ssidFields(),
                "Networks; the first is the radio's own interface"),
     };
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &groupFields() {
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         required(text("name", AT(GroupFields, name), kInterfaceRule, "Bridge")),
         text("macaddr", AT(GroupFields, hwaddr), kMacRule, "Address of the bridge; the system's when absent"),
         list("ports", AT(GroupFields, ports), 64, kInterfaceRule,
              "Member interfaces; the interfaces of SSIDs that name this network join by themselves"),
     };
-    return fields;
+    return kFields;
 }
 
 const std::vector<Field> &lanFields() {
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         nested("groups", Kind::kRecords, 0, 10, groupFields(), "LAN groups; the first is the main one"),
     };
-    return fields;
+    return kFields;
 }
 
 } // namespace
 
 const std::vector<Field> &rootFields() {
-    static const std::vector<Field> fields = {
+    static const std::vector<Field> kFields = {
         {"$schema", Kind::kIgnored, 0, 0, "Schema for editors"},
         nested("lan", Kind::kGroup, 0, 0, lanFields(), "Bridges"),
         nested("radios", Kind::kRecords, 0, 16, radioFields(), "Radios to bring up; others are left alone"),
     };
-    return fields;
+    return kFields;
 }
 
 const Field &fieldAt(const std::vector<std::string> &names) {

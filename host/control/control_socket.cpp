@@ -15,12 +15,12 @@
 namespace wlhost {
 namespace {
 
-constexpr size_t kLargestRequest = 64 * 1024;
-constexpr size_t kLargestAnswer = 64 * 1024 * 1024;
+constexpr size_t kLargestRequest = 64UL * 1024;
+constexpr size_t kLargestAnswer = 64UL * 1024 * 1024;
 constexpr size_t kMostConnections = 32;
 constexpr std::chrono::seconds kPatience{10};
 // What a subscriber may leave unread beyond the kernel's buffer.
-constexpr size_t kLargestBacklog = 256 * 1024;
+constexpr size_t kLargestBacklog = 256UL * 1024;
 
 sockaddr_un addressOf(const std::string &path) {
     sockaddr_un address{};

@@ -34,7 +34,7 @@ class ControlServer {
     struct Reply {
         std::string line;
         bool subscribed; // the connection stays open for what is published
-        Reply(std::string line_, bool subscribed_ = false) : line(std::move(line_)), subscribed(subscribed_) {}
+        Reply(std::string answer, bool stays = false) : line(std::move(answer)), subscribed(stays) {}
     };
     using Handler = std::function<Reply(const std::string &request)>;
 

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -100,7 +101,9 @@ int qvUtilStrReplace(char *text, const char *from, const char *to) {
         return 0;
     int count = 0;
     size_t fromLength = strlen(from), toLength = strlen(to);
-    for (char *at = text; (at = strstr(at, from)) != nullptr; at += toLength, ++count)
-        memmove(at + toLength, at + fromLength, strlen(at + fromLength) + 1), memcpy(at, to, toLength);
+    for (char *at = text; (at = strstr(at, from)) != nullptr; at += toLength, ++count) {
+        memmove(at + toLength, at + fromLength, strlen(at + fromLength) + 1);
+        std::copy_n(to, toLength, at);
+    }
     return count;
 }

@@ -1,4 +1,4 @@
-#include "target.h"
+#include "tests/fuzz/target.h"
 
 #include <algorithm>
 

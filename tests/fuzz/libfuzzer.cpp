@@ -1,5 +1,5 @@
 // Runs under libFuzzer the target that the environment variable FUZZ_TARGET names.
-#include "target.h"
+#include "tests/fuzz/target.h"
 
 static fuzz::Check check;
 

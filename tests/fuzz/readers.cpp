@@ -1,6 +1,6 @@
 // The readers of one line or of a few words. What each is to make of a text stands in the tables of the unit tests;
 // here stands what holds for any text.
-#include "target.h"
+#include "tests/fuzz/target.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,5 +1,5 @@
 // The seeds of every fuzz target, as ordinary tests.
-#include "target.h"
+#include "tests/fuzz/target.h"
 
 #include <filesystem>
 #include <fstream>
@@ -37,7 +37,7 @@ TEST_P(Seeds, Hold) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Fuzz, Seeds, testing::ValuesIn(fuzz::targets()),
-                         [](const auto &info) { return info.param.first; });
+                         [](const auto &row) { return row.param.first; });
 
 // A target that nobody links, or seeds that nobody runs, would go unnoticed.
 TEST(Fuzz, EveryFolderOfSeedsHasATarget) {

@@ -1,5 +1,5 @@
 // The base that everything stands on: names that may reach a shell, bounded text, nvram writes, commands.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <csignal>
 #include <fcntl.h>

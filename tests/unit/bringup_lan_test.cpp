@@ -1,7 +1,7 @@
 // LAN groups, and what a WPS session changes in a radio record.
 #include <sstream>
 
-#include "bringup_radio.h"
+#include "tests/unit/bringup_radio.h"
 
 class BringUpLan : public PlatformTest {
   protected:

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <memory>
 
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 template <size_t Size> void setField(char (&field)[Size], const std::string &text) {
     ASSERT_LT(text.size(), Size);

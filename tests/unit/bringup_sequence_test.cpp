@@ -1,7 +1,7 @@
 // The order in which a radio is brought up: one rich radio in full, and what the others leave out.
 #include <set>
 
-#include "bringup_radio.h"
+#include "tests/unit/bringup_radio.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The single steps of a bring-up: addresses, defaults, driver threads, preset SSIDs, addresses at run time.
 #include <set>
 
-#include "bringup_radio.h"
+#include "tests/unit/bringup_radio.h"
 
 using BringUpDefaults = BringUpTest;
 

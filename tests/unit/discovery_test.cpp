@@ -1,5 +1,5 @@
 // What the host is given at start: tables, radios and their capabilities, on usual and odd systems.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <csignal>
 #include <cstring>

@@ -1,12 +1,12 @@
 // One event received: what the host gets for it, what is logged, and what hostile datagrams do.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <memory>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include "events/decode.h"
-#include "events_message.h"
+#include "tests/unit/events_message.h"
 
 using namespace wlbrcm;
 

@@ -1,5 +1,5 @@
 // The two loopback sockets, the events forwarded through the second, and the steering agent's operations.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <arpa/inet.h>
 #include <array>
@@ -12,7 +12,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "events_message.h"
+#include "tests/unit/events_message.h"
 
 namespace {
 

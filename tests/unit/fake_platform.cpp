@@ -1,4 +1,4 @@
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -387,8 +387,8 @@ void FakePlatform::loseOutput(const std::string &start) { answers_[start].lost =
 void FakePlatform::failPipe(const std::string &start) { answers_[start].noPipe = true; }
 
 const FakePlatform::Answer &FakePlatform::find(const std::string &command) const {
-    static const Answer none;
-    const Answer *best = &none;
+    static const Answer kNone;
+    const Answer *best = &kNone;
     size_t length = 0;
     for (const auto &[start, answer] : answers_) {
         if (start.size() >= length && startsWith(command, start)) {
@@ -482,8 +482,8 @@ PlatformTest::~PlatformTest() {
     EXPECT_EQ(descriptors_, openDescriptors());
 }
 
-Arg::Arg(std::string prefix_, std::string value_, std::string aux_, int index, void *result)
-    : prefix(std::move(prefix_)),
-      value(std::move(value_)),
-      aux(std::move(aux_)),
+Arg::Arg(std::string where, std::string what, std::string more, int index, void *result)
+    : prefix(std::move(where)),
+      value(std::move(what)),
+      aux(std::move(more)),
       record{prefix.data(), value.data(), aux.data(), result, index} {}

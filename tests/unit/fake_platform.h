@@ -100,7 +100,7 @@ class PlatformTest : public ::testing::Test {
 
 // Argument record over literal texts; keeps writable copies.
 struct Arg {
-    Arg(std::string prefix, std::string value = "", std::string aux = "", int index = 0, void *result = nullptr);
+    Arg(std::string where, std::string what = "", std::string more = "", int index = 0, void *result = nullptr);
     operator WlanParamArg *() { return &record; }
     std::string prefix, value, aux;
     WlanParamArg record;

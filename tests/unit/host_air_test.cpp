@@ -1,5 +1,5 @@
 // Stations, scans, rates and beacons as the host tells them.
-#include "host_fixture.h"
+#include "tests/unit/host_fixture.h"
 
 #include <climits>
 
@@ -45,11 +45,12 @@ int beaconOf(const char *ifname, int bss, WlIntfInfo *info) {
     return called("beacon", ifname, std::to_string(bss));
 }
 int rateItems(WlIntf *, WlStatusItem *items, int count) {
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         if (std::string(items[i].name) == "DataTransmitRates" && ratesDone)
             items[i].value = strdup(ratesDone);
         else if (std::string(items[i].name) == "CurRate")
             items[i].value = strdup("866 Mbps");
+    }
     return 0;
 }
 

@@ -1,5 +1,5 @@
 // The host's commands against a module that records what it was asked for.
-#include "host_fixture.h"
+#include "tests/unit/host_fixture.h"
 
 #include "host/base/addresses.h"
 #include "host/base/word_lists.h"
@@ -18,7 +18,7 @@ TEST_F(HostCommands, RefusesRadiosThatDoNotExistBeforeAnythingRuns) {
     calls.clear();
     change("/radios/1/name", "wl7");
     try {
-        Host(module_, Config::load(file_));
+        Host host(module_, Config::load(file_));
         FAIL();
     } catch (const Failure &failure) {
         EXPECT_EQ(std::string(failure.what()).substr(file_.size()),

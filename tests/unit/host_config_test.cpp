@@ -88,7 +88,7 @@ TEST(HostConfig, WidthsFitChannels) {
                  {10, "HT40-"},
                  {13, "HT40-"},
                  {14, ""}};
-    for (const auto &row : cases)
+    for (const auto &row : cases) {
         for (const char *mode : {"HT40+", "HT40-", "VHT80"}) {
             json config = json::parse(kBase);
             config["radios"][0]["channel"] = row.channel;
@@ -97,6 +97,7 @@ TEST(HostConfig, WidthsFitChannels) {
             EXPECT_EQ(problemOf(config.dump()).empty(), std::count(fits.begin(), fits.end(), mode) == 1)
                 << mode << " on " << row.channel;
         }
+    }
 }
 
 TEST(HostConfig, SyntaxAndLines) {
@@ -284,11 +285,12 @@ TEST(HostConfig, SchemaBesideTheExamplesIsTheTables) {
 
 TEST(HostConfig, ExamplesAreSound) {
     int checked = 0;
-    for (const auto &entry : std::filesystem::directory_iterator(kExamples))
-        if (entry.path().filename() != "wlbrcm.schema.json") {
-            EXPECT_NO_THROW(Config::load(entry.path())) << entry.path();
-            ++checked;
-        }
+    for (const auto &entry : std::filesystem::directory_iterator(kExamples)) {
+        if (entry.path().filename() == "wlbrcm.schema.json")
+            continue;
+        EXPECT_NO_THROW(Config::load(entry.path())) << entry.path();
+        ++checked;
+    }
     EXPECT_GE(checked, 2);
 }
 

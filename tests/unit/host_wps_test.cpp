@@ -1,5 +1,5 @@
 // WPS sessions of the host, and the switch of the event forwarding.
-#include "host_fixture.h"
+#include "tests/unit/host_fixture.h"
 
 #include "host/base/escape.h"
 namespace wlhost {

@@ -5,8 +5,8 @@
 #include <array>
 #include <cstring>
 
-#include "fake_platform.h"
 #include "macfilter/pool.h"
+#include "tests/unit/fake_platform.h"
 
 using Mac = std::array<uint8_t, 6>;
 

@@ -1,5 +1,5 @@
 // What the driver gets when the user's filter and the run-time deny list meet.
-#include "macfilter_fixture.h"
+#include "tests/unit/macfilter_fixture.h"
 
 #include <atomic>
 #include <thread>

@@ -1,5 +1,5 @@
 // The pool, address texts, the host's two operations and the driver's setters.
-#include "macfilter_fixture.h"
+#include "tests/unit/macfilter_fixture.h"
 
 #include <memory>
 

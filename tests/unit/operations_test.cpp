@@ -1,5 +1,5 @@
 // Every function of the host's that takes a pointer refuses a missing one, and does nothing.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 namespace {
 

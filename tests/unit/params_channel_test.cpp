@@ -1,5 +1,5 @@
 // Channel and regulatory setters, and the lists read back from the driver.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 class ParamChannel : public PlatformTest {
   protected:
@@ -145,7 +145,7 @@ TEST_F(ParamChannel, ListEndsAtItsRoom) {
     EXPECT_EQ(1023U, expected.size());
     EXPECT_EQ(expected, listed("5GHz,20,upper", listing));
     EXPECT_EQ("1" + expected.substr(3) + ",9",
-              listed("5GHz,20,upper", "1 x\n" + listing.substr(13, 255 * 13) + "9 x\n"));
+              listed("5GHz,20,upper", "1 x\n" + listing.substr(13, 255UL * 13) + "9 x\n"));
 }
 
 TEST_F(ParamChannel, ValidChannelsOfTheDriver) {

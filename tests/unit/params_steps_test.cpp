@@ -1,5 +1,5 @@
 // The setters with steps of their own: wireless mode, network name, security, rate, protection, coexistence.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 // Before any test or fixture has touched it.
 static const std::vector<int> kInitialState = {brcm_gmode, brcm_nmode, brcm_vhtmode, brcm_nreqd, nonly5G,

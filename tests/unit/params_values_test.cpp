@@ -2,7 +2,7 @@
 // refuse.
 #include <climits>
 
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 namespace {
 
@@ -62,8 +62,8 @@ struct Row {
     { #setter, setter, value, nullptr, usage }
 
 constexpr char kBeaconUsage[] = "20 ~ 1024 (unit is in milli-seconds)\n";
-const std::string longRevision = "US/" + std::string(2048, '1');
-const char *const kLongRevision = longRevision.c_str();
+const std::string kLongText = "US/" + std::string(2048, '1');
+const char *const kLongRevision = kLongText.c_str();
 constexpr char kPowerUsage[] = "1~100 (power output percentage)\n";
 #define POLICES(rate, burst)                                                                                           \
     "run tc qdisc del dev wl0.1 ingress 2> /dev/null|run tc qdisc add dev wl0.1 handle ffff: ingress 2> /dev/null|"    \

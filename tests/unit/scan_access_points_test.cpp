@@ -1,5 +1,5 @@
 // Reports of neighbouring access points: records, rate lists, names, and reports that are cut or garbage.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <memory>
 

@@ -1,5 +1,5 @@
 // Forced scans, the dump of scanned channels, and the report of both lists.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // The driver model: what wlconf makes of the store, and who may join.
-#include "event_message.h"
-#include "nvram_store.h"
-#include "scenario.h"
-#include "sim_driver.h"
+#include "platform/sim/driver/event_message.h"
+#include "platform/sim/driver/scenario.h"
+#include "platform/sim/driver/sim_driver.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <cstdlib>
 #include <cstring>

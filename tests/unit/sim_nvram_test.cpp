@@ -1,5 +1,5 @@
 // The configuration store under several processes, crashes and reboots.
-#include "nvram_store.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <csignal>
 #include <cstdlib>

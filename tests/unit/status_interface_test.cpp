@@ -1,7 +1,7 @@
 // Live values of one interface: up or down, noise, traffic, channel, beacon, channel load.
 #include <climits>
 
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include "status/readers.h"
 

@@ -1,5 +1,5 @@
 // Highest rate, current rate and the file of data rates.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include "module/rates.h"
 #include "status/readers.h"

@@ -1,7 +1,7 @@
 // How reports are read: in pieces of the line buffers, and whole when they are large.
 #include <cstring>
 
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 class StatusReports : public PlatformTest {
   protected:

@@ -2,7 +2,7 @@
 #include <climits>
 #include <cstring>
 
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 class StatusUpdate : public PlatformTest {
   protected:

@@ -1,5 +1,5 @@
 // The WPS configuration in nvram, the daemon's restart, PINs, and the setters and getters.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
 #include <cstring>
 #include <memory>
@@ -246,9 +246,9 @@ TEST_F(WpsConfig, PinsComeFromTheBoardOrAreMade) {
 }
 
 TEST_F(WpsConfig, Setters) {
-    constexpr char configured[] = "set wl1_wps_config_state=1; set wl_wps_config_state=1; set lan_wps_oob=disabled";
+    constexpr char kConfigured[] = "set wl1_wps_config_state=1; set wl_wps_config_state=1; set lan_wps_oob=disabled";
     const std::string tooLong = std::string(2047, '0') + "1";
-    constexpr char outOfBox[] = "set wl1_wps_config_state=0; set wl_wps_config_state=0; set lan_wps_oob=enabled";
+    constexpr char kOutOfBox[] = "set wl1_wps_config_state=0; set wl_wps_config_state=0; set lan_wps_oob=enabled";
     const struct {
         int (*setter)(WlanParamArg *);
         std::map<std::string, std::string> before;
@@ -264,8 +264,8 @@ TEST_F(WpsConfig, Setters) {
         {qvWlanSetWpsMethod, {}, "PBC", "", -14, ""},
         {qvWlanSetWpsPinCode, {}, "12345670 ", "", 0, "set wps_sta_pin=12345670 "},
         {qvWlanSetWpsConfStatus, {}, "1", "1", 0, "set wl1_wps_config_state=1"},
-        {qvWlanSetWpsConfStatus, {}, "1", "0", 0, configured},
-        {qvWlanSetWpsConfStatus, {}, "0", "0", 0, outOfBox},
+        {qvWlanSetWpsConfStatus, {}, "1", "0", 0, kConfigured},
+        {qvWlanSetWpsConfStatus, {}, "0", "0", 0, kOutOfBox},
         {qvWlanSetWpsConfStatus, {}, "2", "0", -14, ""},
         {qvWlanSetWpsConfStatus, {}, tooLong.c_str(), "0", -14, ""},
         {qvWlanSetWpsPBCType, {}, tooLong.c_str(), "", -14, ""},

@@ -1,6 +1,7 @@
 // WPS sessions over the control protocol, against a peer on the daemon's port.
-#include "fake_platform.h"
+#include "tests/unit/fake_platform.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cstring>
 #include <fstream>
@@ -153,7 +154,8 @@ TEST_F(WpsSession, QueriesTakeOneReplyOver) {
         EXPECT_EQ(0, get_wps_env());
         EXPECT_EQ(Lines{kQuery}, peer.received());
         EXPECT_EQ(row.variables, variables()) << row.reply.substr(0, 40);
-        EXPECT_EQ(Lines{std::string(row.reply.c_str()).substr(0, 255) + "\n"}, platform.logged(64));
+        const size_t length = std::min<size_t>(255, row.reply.find('\0'));
+        EXPECT_EQ(Lines{row.reply.substr(0, length) + "\n"}, platform.logged(64));
         EXPECT_EQ(Lines{"sleep 1"}, platform.journal);
     }
 }

@@ -1,4 +1,4 @@
-#include "sim_log.h"
+#include "platform/sim/common/sim_log.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // The gateway's log: what happened, one line each. docs/simulator.md describes its format.
 #pragma once
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 namespace wlsim {
 

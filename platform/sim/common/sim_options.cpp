@@ -1,4 +1,4 @@
-#include "sim_options.h"
+#include "platform/sim/common/sim_options.h"
 
 namespace wlsim {
 

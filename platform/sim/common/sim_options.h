@@ -1,7 +1,7 @@
 // Command line words sorted into plain words and options.
 #pragma once
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <map>
 

@@ -1,4 +1,4 @@
-#include "sim_socket.h"
+#include "platform/sim/common/sim_socket.h"
 
 #include <arpa/inet.h>
 #include <cerrno>

@@ -1,7 +1,7 @@
 // How the simulator's programs talk to each other: a command line goes to a socket, an answer comes back.
 #pragma once
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <functional>
 #include <map>

@@ -1,4 +1,4 @@
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "acs.h"
+#include "platform/sim/daemons/acs.h"
 
 #include <algorithm>
 #include <array>

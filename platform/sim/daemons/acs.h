@@ -1,7 +1,7 @@
 // Automatic channel selection: what a scan found, what it counts per channel, which channel is the quietest.
 #pragma once
 
-#include "model.h"
+#include "platform/sim/driver/model.h"
 
 namespace wlsim {
 

@@ -1,6 +1,6 @@
 // Client of the channel selection daemon: hands it one request and prints the answer.
-#include "faults.h"
-#include "sim_log.h"
+#include "platform/sim/common/sim_log.h"
+#include "platform/sim/driver/faults.h"
 
 #include <cstdio>
 

@@ -1,10 +1,10 @@
 // The channel selection daemon: scans for the radios that nvram's acs_ifnames lists, moves those in automatic mode to
 // the quietest channel, and answers acs_cli.
-#include "acs.h"
-#include "daemon.h"
-#include "nvram_store.h"
-#include "sim_log.h"
-#include "sim_socket.h"
+#include "platform/sim/common/sim_log.h"
+#include "platform/sim/common/sim_socket.h"
+#include "platform/sim/daemons/acs.h"
+#include "platform/sim/daemons/daemon.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <climits>
 #include <ctime>

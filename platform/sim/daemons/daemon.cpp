@@ -1,6 +1,6 @@
-#include "daemon.h"
+#include "platform/sim/daemons/daemon.h"
 
-#include "sim_log.h"
+#include "platform/sim/common/sim_log.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,7 +1,7 @@
 // What the gateway's daemons share: one instance by name, a place in the background, their log.
 #pragma once
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
 // Recording stand-in for ebtables' broute table, which a kernel seldom has and a user namespace never gets: the chain
 // SKIP_FCACHE that the platform's firewall set-up provides, with the rules that programs add to it.
-#include "sim_log.h"
+#include "platform/sim/common/sim_log.h"
 
 #include <algorithm>
 #include <cerrno>

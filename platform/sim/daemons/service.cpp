@@ -1,6 +1,6 @@
 // The daemons whose work the simulated driver models itself (it asks whether they run): the event dispatcher, the
 // authenticator and link-layer discovery.
-#include "daemon.h"
+#include "platform/sim/daemons/daemon.h"
 
 #include <net/if.h>
 #include <stdexcept>

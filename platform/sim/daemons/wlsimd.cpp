@@ -1,8 +1,8 @@
 // wlsimd: the process that plays the wireless driver.
-#include "daemon.h"
-#include "scenario.h"
-#include "sim_driver.h"
-#include "sim_options.h"
+#include "platform/sim/common/sim_options.h"
+#include "platform/sim/daemons/daemon.h"
+#include "platform/sim/driver/scenario.h"
+#include "platform/sim/driver/sim_driver.h"
 
 #include <csignal>
 #include <cstdio>

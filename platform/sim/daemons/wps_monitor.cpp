@@ -1,10 +1,10 @@
 // The WPS daemon: the control protocol on UDP 127.0.0.1:40500 ("GET", "SET key=value ...") and, for the simulation's
 // enrollees, "ENROL ifname= mac= method=pbc|pin [pin=] [seconds=]" on the same port.
-#include "daemon.h"
-#include "nvram_store.h"
-#include "sim_log.h"
-#include "sim_socket.h"
-#include "wps_session.h"
+#include "platform/sim/common/sim_log.h"
+#include "platform/sim/common/sim_socket.h"
+#include "platform/sim/daemons/daemon.h"
+#include "platform/sim/daemons/wps_session.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,6 +1,6 @@
-#include "wps_session.h"
+#include "platform/sim/daemons/wps_session.h"
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
-#include "bss_security.h"
+#include "platform/sim/driver/bss_security.h"
 
-#include "nvram_store.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <algorithm>
 #include <strings.h>

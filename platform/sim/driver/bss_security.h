@@ -1,7 +1,7 @@
 // What a BSS demands of its stations, and whether a station meets it.
 #pragma once
 
-#include "model.h"
+#include "platform/sim/driver/model.h"
 
 namespace wlsim {
 

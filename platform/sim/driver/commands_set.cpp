@@ -1,6 +1,6 @@
 // Driver commands that change something.
-#include "bss_security.h"
-#include "driver_commands.h"
+#include "platform/sim/driver/bss_security.h"
+#include "platform/sim/driver/driver_commands.h"
 
 #include <algorithm>
 

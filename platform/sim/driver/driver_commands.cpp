@@ -1,4 +1,4 @@
-#include "driver_commands.h"
+#include "platform/sim/driver/driver_commands.h"
 
 #include <climits>
 
@@ -79,7 +79,7 @@ constexpr Setting kSettings[] = {
 
 constexpr Command kDhdCommands[] = {{"version", cmdVersion, 0, 0, "version"}};
 
-Reply access(const Setting &setting, std::map<std::string, long> &values, const Words &arguments) {
+Reply readOrSet(const Setting &setting, std::map<std::string, long> &values, const Words &arguments) {
     if (arguments.size() > 1) {
         return refuse(format("usage: %s [%ld..%ld]", setting.name, setting.lowest, setting.highest), 2);
     }
@@ -154,7 +154,7 @@ Reply runDriverCommand(Driver &driver, const Words &words) {
     if (!setting) {
         return refuse(name + ": unknown command");
     }
-    return access(*setting, setting->perBss ? target->bss.settings : target->radio.settings, arguments);
+    return readOrSet(*setting, setting->perBss ? target->bss.settings : target->radio.settings, arguments);
 }
 
 } // namespace wlsim

@@ -1,4 +1,4 @@
-#include "event_message.h"
+#include "platform/sim/driver/event_message.h"
 
 namespace wlsim {
 namespace {

@@ -1,7 +1,7 @@
 // The driver's event messages.
 #pragma once
 
-#include "sim_driver.h"
+#include "platform/sim/driver/sim_driver.h"
 
 namespace wlsim {
 

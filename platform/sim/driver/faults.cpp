@@ -1,6 +1,6 @@
-#include "faults.h"
+#include "platform/sim/driver/faults.h"
 
-#include "sim_driver.h"
+#include "platform/sim/driver/sim_driver.h"
 
 #include <fnmatch.h>
 

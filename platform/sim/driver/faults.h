@@ -1,8 +1,8 @@
 // Failures that a scenario or a test asks the driver for.
 #pragma once
 
-#include "model.h"
-#include "sim_socket.h"
+#include "platform/sim/common/sim_socket.h"
+#include "platform/sim/driver/model.h"
 
 namespace wlsim {
 

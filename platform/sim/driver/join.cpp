@@ -1,4 +1,4 @@
-#include "join.h"
+#include "platform/sim/driver/join.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // Stations that come and go.
 #pragma once
 
-#include "bss_security.h"
-#include "sim_driver.h"
+#include "platform/sim/driver/bss_security.h"
+#include "platform/sim/driver/sim_driver.h"
 
 namespace wlsim {
 

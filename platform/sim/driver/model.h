@@ -1,8 +1,8 @@
 // The state of the simulated driver: radios, their BSSs, stations and neighbours.
 #pragma once
 
-#include "sim_chanspec.h"
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
+#include "platform/sim/driver/sim_chanspec.h"
 
 #include <cstdint>
 #include <map>

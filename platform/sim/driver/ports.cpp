@@ -1,6 +1,6 @@
-#include "ports.h"
+#include "platform/sim/driver/ports.h"
 
-#include "sim_socket.h"
+#include "platform/sim/common/sim_socket.h"
 
 #include <cerrno>
 #include <cstring>

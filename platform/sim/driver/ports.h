@@ -1,7 +1,7 @@
 // What the driver model needs of the machine it runs on, so that it also runs without one.
 #pragma once
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <cstdint>
 #include <map>

@@ -1,5 +1,5 @@
 // Driver reports on stations, on the beacon and on what else is on the air.
-#include "driver_commands.h"
+#include "platform/sim/driver/driver_commands.h"
 
 #include <algorithm>
 

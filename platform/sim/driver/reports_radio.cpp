@@ -1,5 +1,5 @@
 // Driver reports on a radio, in the driver's formats.
-#include "driver_commands.h"
+#include "platform/sim/driver/driver_commands.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "scenario.h"
+#include "platform/sim/driver/scenario.h"
 
-#include "faults.h"
+#include "platform/sim/driver/faults.h"
 
 #include <functional>
 #include <nlohmann/json.hpp>
@@ -122,7 +122,7 @@ void readSsid(Neighbour &ap, const std::optional<std::string> &bytes, const std:
 }
 
 Neighbour neighbourFrom(const json &object, const std::string &where, Band band) {
-    static const Fields<Neighbour> fields = {
+    static const Fields<Neighbour> kFields = {
         {"bssid", mac(&Neighbour::bssid)},
         {"ssid", [](Neighbour &ap, const json &v, const std::string &w) { readSsid(ap, toText(v, w), w); }},
         {"ssid_hex",
@@ -144,7 +144,7 @@ Neighbour neighbourFrom(const json &object, const std::string &where, Band band)
     };
     Neighbour ap;
     ap.chanspec = *parseChanspec(band, band == Band::kGhz2 ? "1" : "36");
-    readRecord(object, where, fields, &ap);
+    readRecord(object, where, kFields, &ap);
     return ap;
 }
 
@@ -159,7 +159,7 @@ void readCountry(Radio &radio, const json &value, const std::string &where) {
 }
 
 const Fields<Radio> &radioFields() {
-    static const Fields<Radio> fields = {
+    static const Fields<Radio> kFields = {
         {"name", [](Radio &, const json &, const std::string &) {}},
         {"band", [](Radio &, const json &, const std::string &) {}},
         {"deviceid", number(&Radio::deviceId, 0, 0xffff)},
@@ -184,7 +184,7 @@ const Fields<Radio> &radioFields() {
              readList<Neighbour>(value, where, read, &radio.neighbours);
          }},
     };
-    return fields;
+    return kFields;
 }
 
 // Number of BSSs that the capability words promise.
@@ -255,14 +255,14 @@ Radio radioFrom(const json &object, const std::string &where) {
 }
 
 Fault faultFrom(const json &object, const std::string &where) {
-    static const Fields<Fault> fields = {
+    static const Fields<Fault> kFields = {
         {"match", text(&Fault::match)},
         {"mode", word(&Fault::mode, kFaultModes)},
         {"count", number(&Fault::count, -1, 1000000)},
         {"ms", number(&Fault::ms, 0, 600000)},
     };
     Fault fault;
-    readRecord(object, where, fields, &fault);
+    readRecord(object, where, kFields, &fault);
     return fault.match.empty() ? (wrong(where, "a fault has a match"), fault) : fault;
 }
 
@@ -280,14 +280,14 @@ std::string toAddress(const json &value, const std::string &where) {
 }
 
 Bridge bridgeFrom(const json &object, const std::string &where) {
-    static const Fields<Bridge> fields = {
+    static const Fields<Bridge> kFields = {
         {"name", [](Bridge &b, const json &v, const std::string &w) { b.name = toName(v, w); }},
         {"address", [](Bridge &b, const json &v, const std::string &w) { b.address = toAddress(v, w); }},
         {"ports",
          [](Bridge &b, const json &v, const std::string &w) { readList<std::string>(v, w, toName, &b.ports); }},
     };
     Bridge bridge;
-    readRecord(object, where, fields, &bridge);
+    readRecord(object, where, kFields, &bridge);
     return bridge.name.empty() ? (wrong(where, "a bridge has a name"), bridge) : bridge;
 }
 

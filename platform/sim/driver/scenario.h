@@ -58,7 +58,7 @@
 //   ms          0 to 600000 milliseconds that the answer takes         0
 #pragma once
 
-#include "model.h"
+#include "platform/sim/driver/model.h"
 
 namespace wlsim {
 

@@ -1,6 +1,6 @@
-#include "sim_chanspec.h"
+#include "platform/sim/driver/sim_chanspec.h"
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
-#include "sim_driver.h"
+#include "platform/sim/driver/sim_driver.h"
 
-#include "event_message.h"
-#include "faults.h"
-#include "nvram_store.h"
-#include "sim_log.h"
+#include "platform/sim/common/sim_log.h"
+#include "platform/sim/driver/event_message.h"
+#include "platform/sim/driver/faults.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <algorithm>
 

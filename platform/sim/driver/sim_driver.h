@@ -1,9 +1,9 @@
 // The simulated driver: one model, driven by command lines.
 #pragma once
 
-#include "model.h"
-#include "ports.h"
-#include "sim_socket.h"
+#include "platform/sim/common/sim_socket.h"
+#include "platform/sim/driver/model.h"
+#include "platform/sim/driver/ports.h"
 
 namespace wlsim {
 

@@ -1,4 +1,4 @@
-#include "state.h"
+#include "platform/sim/driver/state.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 // The state of the simulation, for people and for programs.
 #pragma once
 
-#include "sim_driver.h"
+#include "platform/sim/driver/sim_driver.h"
 
 namespace wlsim {
 

@@ -1,7 +1,7 @@
 // wlconf: takes the stored configuration of a radio into the driver. The store is its only source.
-#include "bss_security.h"
-#include "nvram_store.h"
-#include "sim_driver.h"
+#include "platform/sim/driver/bss_security.h"
+#include "platform/sim/driver/sim_driver.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <algorithm>
 #include <climits>

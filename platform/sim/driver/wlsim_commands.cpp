@@ -1,12 +1,12 @@
 // wlsim: what a person or a test does to the simulated surroundings.
-#include "sim_driver.h"
+#include "platform/sim/driver/sim_driver.h"
 
-#include "faults.h"
-#include "join.h"
-#include "scenario.h"
-#include "sim_log.h"
-#include "sim_options.h"
-#include "state.h"
+#include "platform/sim/common/sim_log.h"
+#include "platform/sim/common/sim_options.h"
+#include "platform/sim/driver/faults.h"
+#include "platform/sim/driver/join.h"
+#include "platform/sim/driver/scenario.h"
+#include "platform/sim/driver/state.h"
 
 #include <algorithm>
 #include <climits>
@@ -330,7 +330,7 @@ Reply rebootCommand(Driver &driver, const Words &words) {
 constexpr struct {
     const char *name;
     Reply (*run)(Driver &, const Words &);
-} kCommands[] = {
+} kWlsimCommands[] = {
     {"status", status},      {"join", joinCommand},           {"leave", leaveCommand}, {"set", setCommand},
     {"event", eventCommand}, {"neighbour", neighbourCommand}, {"fail", failCommand},   {"reboot", rebootCommand},
 };
@@ -339,7 +339,7 @@ constexpr struct {
 
 Reply runControl(Driver &driver, const Words &words) {
     std::string name = words.size() > 1 ? words[1] : "";
-    for (const auto &command : kCommands) {
+    for (const auto &command : kWlsimCommands) {
         if (name == command.name) {
             return command.run(driver, Words(words.begin() + 2, words.end()));
         }

@@ -1,6 +1,6 @@
-#include "nvram_store.h"
+#include "platform/sim/nvram/nvram_store.h"
 
-#include "sim_log.h"
+#include "platform/sim/common/sim_log.h"
 
 #include <cerrno>
 #include <cstdio>

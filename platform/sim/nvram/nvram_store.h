@@ -5,7 +5,7 @@
 // new boot starts from.
 #pragma once
 
-#include "bcmnvram.h"
+#include <bcmnvram.h>
 
 #include <string>
 

@@ -1,5 +1,5 @@
 // nvram: shows and changes the configuration store from a shell.
-#include "nvram_store.h"
+#include "platform/sim/nvram/nvram_store.h"
 
 #include <cstdio>
 #include <cstring>

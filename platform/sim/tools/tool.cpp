@@ -1,5 +1,5 @@
 // wlctl, wl, dhdctl, wlconf: each hands its words to the driver and shows the answer.
-#include "sim_socket.h"
+#include "platform/sim/common/sim_socket.h"
 
 int main(int argc, char **argv) {
     wlsim::Words words(argv, argv + argc);

@@ -1,7 +1,7 @@
 // libwlctl: one command line, without a shell and in the caller's process.
-#include "wlctl_lib.h"
+#include <wlctl_lib.h>
 
-#include "sim_socket.h"
+#include "platform/sim/common/sim_socket.h"
 
 #include <cstdio>
 
@@ -14,7 +14,7 @@ bool splitLine(const char *line, wlsim::Words *words) {
     std::string word;
     for (; *line; line++) {
         if (quote != 0 ? *line == quote : *line == '\'' || *line == '"') {
-            quote = quote != 0 ? 0 : *line;
+            quote = quote != 0 ? '\0' : *line;
             inWord = true;
         } else if (quote == 0 && *line == ' ') {
             if (inWord) {

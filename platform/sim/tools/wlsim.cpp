@@ -1,10 +1,10 @@
 // wlsim: hands its words to the driver, apart from what happens beside the driver: waiting for it, WPS enrollees,
 // senders and receivers of events.
-#include "event_message.h"
-#include "sim_log.h"
-#include "sim_options.h"
-#include "sim_socket.h"
-#include "wps_device.h"
+#include "platform/sim/common/sim_log.h"
+#include "platform/sim/common/sim_options.h"
+#include "platform/sim/common/sim_socket.h"
+#include "platform/sim/driver/event_message.h"
+#include "platform/sim/tools/wps_device.h"
 
 #include <cerrno>
 #include <chrono>

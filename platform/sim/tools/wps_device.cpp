@@ -1,9 +1,9 @@
 // The other side of a WPS session: a device that wants to enrol, and the control protocol by hand.
-#include "wps_device.h"
+#include "platform/sim/tools/wps_device.h"
 
-#include "sim_options.h"
-#include "sim_socket.h"
-#include "wps_session.h"
+#include "platform/sim/common/sim_options.h"
+#include "platform/sim/common/sim_socket.h"
+#include "platform/sim/daemons/wps_session.h"
 
 #include <cstdio>
 #include <cstring>

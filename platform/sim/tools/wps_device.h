@@ -1,7 +1,7 @@
 // wlsim's "wps" command.
 #pragma once
 
-#include "sim_text.h"
+#include "platform/sim/common/sim_text.h"
 
 namespace wlsim {
 
