@@ -2,6 +2,7 @@
 #include <set>
 
 #include "tests/unit/bringup_radio.h"
+#include "tests/unit/data_lines.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 // One event received: what the host gets for it, what is logged, and what hostile datagrams do.
+#include "tests/unit/data_lines.h"
 #include "tests/unit/fake_platform.h"
 
 #include <memory>

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <fstream>
 #include <net/if.h>
 #include <poll.h>
 #include <pthread.h>
@@ -425,16 +424,6 @@ Lines FakePlatform::logged(int level) const {
 void FakePlatform::failAllocation(int n) {
     allocationsLeft_ = n;
     allocationFailed = false;
-}
-
-Lines readLines(const std::string &name) {
-    std::ifstream file(std::string(WLBRCM_TEST_DATA) + "/" + name);
-    Lines lines;
-    for (std::string line; std::getline(file, line);) {
-        if (line[0] != '#')
-            lines.push_back(line);
-    }
-    return lines;
 }
 
 Lines openDescriptors() {

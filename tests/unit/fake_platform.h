@@ -80,9 +80,6 @@ class FakePlatform {
     int allocationsLeft_ = -1;
 };
 
-// The lines of a file in tests/unit/data, without comments.
-std::vector<std::string> readLines(const std::string &name);
-
 // The descriptors that this process has open.
 std::vector<std::string> openDescriptors();
 

@@ -3,11 +3,11 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
 #include "host/config/configuration.h"
+#include "tests/unit/data_lines.h"
 
 namespace wlhost {
 namespace {
@@ -43,17 +43,13 @@ std::string patched(const char *pointer, const char *value) {
 
 // One line of the file a case: pointer, value, problems.
 TEST(HostConfig, ValuesAndTheirProblems) {
-    std::ifstream file(std::string(WLBRCM_TEST_DATA) + "/config_problems.jsonl");
-    int cases = 0;
-    for (std::string line; std::getline(file, line);) {
-        if (line[0] == '#')
-            continue;
+    const std::vector<std::string> lines = readLines("config_problems.jsonl");
+    ASSERT_EQ(lines.size(), 62U);
+    for (const std::string &line : lines) {
         const json row = json::parse(line);
         const std::string pointer = row[0], value = row[1];
         EXPECT_EQ(problemOf(patched(pointer.c_str(), value.c_str())), row[2].get<std::string>()) << line;
-        ++cases;
     }
-    EXPECT_EQ(cases, 62);
 }
 
 TEST(HostConfig, Passphrases) {
