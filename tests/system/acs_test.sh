@@ -40,7 +40,6 @@ test_a_fixed_channel_stays() {
     start_radio wl1 2 1
     start_acsd wl1
     assert_status 0 acs_cli -i wl1 csscan_force
-    assert_eq 'Request finished' "$(echo "$output" | tail -n 1)"
     wait_for 1 on_channel wl1 1
 }
 

@@ -74,26 +74,3 @@ test_daemons_run_once_and_leave_nothing() {
     wait_for 5 pidof wps_monitor
     wait_for 5 nothing_else_in_tmp
 }
-
-# The values that other programs of a gateway read; the effects above cover the rest.
-test_variables_for_the_daemons() {
-    assert_eq "lan_ifnames=eth0 eth1 wl0 wl1 wl1.2
-lan1_ifnames=wl0.1 wl0.2 wl1.1
-acs_ifnames=wl0 wl1
-wl0_vifs=wl0.1
-wl0_chanspec=36/80
-wl0_bw_cap=7
-wl1_bw_cap=1
-wl0_akm=psk2
-wl1_akm=psk psk2
-wl0.1_maxassoc=
-wl0.1_bss_maxassoc=16
-wl1.2_macmode=deny
-wl1.2_maclist=02:00:00:00:DE:01
-wl0_wps_mode=enabled
-wl0.1_wps_mode=disabled
-wl0_wps_config_state=1
-mevent_enable=1" "$(for key in lan_ifnames lan1_ifnames acs_ifnames wl0_vifs wl0_chanspec wl0_bw_cap wl1_bw_cap wl0_akm wl1_akm \
-        wl0.1_maxassoc wl0.1_bss_maxassoc wl1.2_macmode wl1.2_maclist wl0_wps_mode wl0.1_wps_mode wl0_wps_config_state \
-        mevent_enable; do echo "$key=$(nvram get $key)"; done | sed 's/ *$//')"
-}

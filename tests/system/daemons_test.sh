@@ -70,13 +70,6 @@ test_tc_limits_both_ways() {
     assert_status 1 tc qdisc add dev eth9 root tbf rate 1000kbit latency 50ms burst 10kb
 }
 
-test_driver_threads_have_their_names() {
-    local thread
-    for thread in dhd0_dpc wfd0-thrd wl1-kthrd wl1-tmr-kthrd events/1; do
-        assert_contains "$(cat /proc/[0-9]*/stat 2>/dev/null)" " ($thread) S " "$thread"
-    done
-}
-
 test_bridges_are_shown() {
     ip link set wl0 master br1
     assert_eq 'br0 eth0 eth1 br1 wl0' "$(brctl show | awk 'NR > 1 { print (NF > 1 ? $1 " " $4 : $1) }' | xargs)"

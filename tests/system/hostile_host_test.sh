@@ -30,11 +30,6 @@ test_networks() {
     assert_eq '' "$(nvram get wl0.4_maclist)" 'a malformed list'
 }
 
-test_settings_of_the_radio() {
-    survives settings
-    joins wl0 'correct horse'
-}
-
 # The driver takes no such country or mode, so nothing goes on air.
 test_name_country_and_mode_of_the_radio() {
     survives words
@@ -43,16 +38,17 @@ test_name_country_and_mode_of_the_radio() {
     refused 'BSS is down' wl0 --passphrase 'correct horse'
 }
 
-test_lan_groups() {
-    survives lan
-    joins wl0 'correct horse'
-    assert_contains "$log" 'br0; touch /tmp/owned'
-}
-
-test_texts_without_an_end() {
-    survives unterminated
-    joins wl0 'correct horse'
-    assert_contains "$log" AAAAAAAA
+test_settings_groups_and_texts_without_an_end() {
+    local case told
+    while IFS='|' read -r case told; do
+        survives "$case"
+        joins wl0 'correct horse'
+        assert_contains "$log" "$told"
+    done <<'END'
+settings|
+lan|br0; touch /tmp/owned
+unterminated|AAAAAAAA
+END
 }
 
 test_operations() {

@@ -115,7 +115,7 @@ test_two_run_side_by_side() {
 
 test_everything_ends_with_the_launcher() {
     local signal
-    for signal in TERM HUP KILL; do
+    for signal in TERM HUP INT KILL; do
         start_marked "ends-by-$signal"
         kill -"$signal" "$launcher"
         wait_for 20 gone "ends-by-$signal"
@@ -125,12 +125,6 @@ test_everything_ends_with_the_launcher() {
 test_background_processes_end_with_the_command() {
     assert_status 0 gateway -- sh -c '(trap "" HUP TERM; sleep 1000; : left-over-process) & eapd'
     wait_for 20 gone left-over-process
-}
-
-test_interrupt_at_the_terminal_ends_it() {
-    start_marked ends-by-interrupt
-    kill -INT "$launcher"
-    wait_for 20 gone ends-by-interrupt
 }
 
 test_works_as_an_ordinary_user() {

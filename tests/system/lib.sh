@@ -65,10 +65,14 @@ run_cases() {
     echo "done  $title"
 }
 
+# A test file may have something done before each case.
+before_case() { :; }
+
 # NAME: the case's last command may fail; only assertions and the lack of them decide.
 run_case() {
     assertions_hold=yes
     trap end_case EXIT
+    before_case
     "$1" </dev/null
 }
 

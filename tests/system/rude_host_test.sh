@@ -42,7 +42,7 @@ test_signals_cut_nothing_short() {
 
 test_many_descriptors() {
     steps_give 0 start
-    wait_for 10 wlsim-wps state
+    wait_for 10 wlsim wps state
     ulimit -Sn 2000
     steps_give 1100,0,1,0,0 open-many press session cancel session
 }

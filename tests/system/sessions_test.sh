@@ -41,14 +41,6 @@ test_a_pin_session() {
     assert_status 0 wlhost wps apply wl0
 }
 
-test_a_session_is_cancelled() {
-    assert_status 0 wlhost wps push-button wl1
-    assert_eq running "$(progress)"
-    assert_status 0 wlhost wps cancel wl1
-    assert_lacks "$(progress)" running
-    assert_status 1 wlsim wps enrol wl1 --push-button --seconds 1
-}
-
 test_a_silent_daemon_holds_nobody_up() {
     local start=$SECONDS
     kill -STOP "$(pidof wps_monitor)"

@@ -42,6 +42,8 @@ test_results() {
     done
     assert_eq '36 80 -92 3' "$(wlhost --json status wl0 | jq -r '.[0] | [.channel, .width_mhz, .noise_dbm, .ssids] | join(" ")')"
     assert_eq 'wl0 home br0' "$(wlhost --json ssids | jq -r '.[0] | [.interface, .ssid, .bridge] | join(" ")')"
+    assert_status 0 wlhost mac wl0 02:10:18:00:00:99
+    assert_eq 02:10:18:00:00:99 "$(cat /sys/class/net/wl0/address)" 'the address of a radio'
 }
 
 test_errors() {
@@ -102,12 +104,6 @@ test_a_second_host_is_refused() {
     assert_status 7 wlhost run /src/examples/home.json
     assert_contains "$output" 'served by another host'
     assert_status 0 wlhost status
-}
-
-test_the_address_of_a_radio() {
-    start_host_once
-    assert_status 0 wlhost mac wl0 02:10:18:00:00:99
-    assert_eq 02:10:18:00:00:99 "$(cat /sys/class/net/wl0/address)"
 }
 
 test_the_host_ends_cleanly() {

@@ -117,15 +117,6 @@ test_the_walk_time_ends_a_session() {
     assert_status 0 idle
 }
 
-test_an_unconfigured_network_is_secured() {
-    start_radio wl0_wps_config_state=0
-    push
-    assert_status 0 wlsim wps enrol wl0 --push-button --seconds 5
-    assert_contains "$(nvram get wl0_ssid)" Sim_
-    assert_lacks "$(nvram get wl0_wpa_psk)" secret-1234
-    assert_eq '1 disabled' "$(nvram get wl0_wps_config_state) $(nvram get lan_wps_oob)"
-}
-
 test_foreign_datagrams_do_no_harm() {
     start_radio
     local text
