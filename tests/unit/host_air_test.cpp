@@ -81,13 +81,14 @@ class HostAir : public HostCommands {
 TEST_F(HostAir, Stations) {
     json rows = result("stations", {{"interface", "wl0"}, {"sort", "signal"}});
     ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[0]["mac"], "02:00:00:00:00:0c");
-    EXPECT_EQ(rows[0]["signal_dbm"], -40);
-    EXPECT_EQ(rows[0]["snr_db"], 50);
-    EXPECT_EQ(rows[0]["mode"], "ac");
-    EXPECT_EQ(rows[0]["rx_bytes"], 5000000000);
-    EXPECT_TRUE(rows[0]["width_mhz"].is_null() && rows[0]["rx_rate_kbps"].is_null());
-    EXPECT_TRUE(rows[2]["signal_dbm"].is_null() && rows[2]["snr_db"].is_null()) << "0 is what an unheard station has";
+    expectHas(rows[0], {{"mac", "02:00:00:00:00:0c"},
+                        {"signal_dbm", -40},
+                        {"snr_db", 50},
+                        {"mode", "ac"},
+                        {"rx_bytes", 5000000000},
+                        {"width_mhz", nullptr},
+                        {"rx_rate_kbps", nullptr}});
+    expectHas(rows[2], {{"signal_dbm", nullptr}, {"snr_db", nullptr}}); // 0 is what an unheard station has
     EXPECT_EQ(result("stations", {{"interface", "wl0.1"}}), json::array());
     EXPECT_EQ(result("stations").size(), 6u);
     EXPECT_EQ(calls, (Calls{"stations wl0 0", "stations wl0 1", "stations wl0 0", "stations wl0 1", "stations wl1 0"}));
@@ -117,14 +118,16 @@ TEST_F(HostAir, ScanKeepsBytesAndTellsUnknownFromZero) {
     ap.band = WLBRCM_BAND_5G, ap.rssi = -61, ap.security = 3, ap.akm = 2, ap.ciphers = 3, ap.phyModes = 0x1c;
     copyText(ap.supportedRates, "6,5.5,,x,9y,0,-1,1733.2,1e9");
     json row = result("scan", {{"radio", "wl0"}})[0];
-    EXPECT_EQ(row["ssid"], "caf\\xe9 \\x1b[2J");
-    EXPECT_EQ(row["ssid_hex"], "636166e9201b5b324a");
-    EXPECT_EQ(row["bssid"], "02:00:5e:00:10:01");
-    EXPECT_EQ(row["security"], "psk-mixed");
-    EXPECT_EQ(row["ciphers"], (json{"tkip", "ccmp"}));
-    EXPECT_EQ(row["modes"], (json{"a", "n", "ac"}));
     EXPECT_EQ(row["supported_rates_mbps"].dump(), "[6,5.5,1733.2]");
-    EXPECT_TRUE(row["noise_dbm"].is_null() && row["channel"].is_null() && row["ad_hoc"].is_null());
+    expectHas(row, {{"ssid", "caf\\xe9 \\x1b[2J"},
+                    {"ssid_hex", "636166e9201b5b324a"},
+                    {"bssid", "02:00:5e:00:10:01"},
+                    {"security", "psk-mixed"},
+                    {"ciphers", {"tkip", "ccmp"}},
+                    {"modes", {"a", "n", "ac"}},
+                    {"noise_dbm", nullptr},
+                    {"channel", nullptr},
+                    {"ad_hoc", nullptr}});
     result("scan", {{"cached", true}});
     EXPECT_EQ(calls, (Calls{"scan wl0"})) << "a cached scan asks for none";
 
@@ -166,10 +169,10 @@ TEST_F(HostAir, SurveyCountsChannels) {
 TEST_F(HostAir, RatesComeFromTheirFile) {
     std::ofstream("/tmp/wl0DataTxRates.txt") << "6,12,24:BasR\n:SupR\n5:Oth\nnonsense\n";
     json row = result("rates", {{"radio", "wl0"}})[0];
-    EXPECT_EQ(row["basic_rates_mbps"], (json{6, 12, 24}));
-    EXPECT_EQ(row["supported_rates_mbps"], json::array());
-    EXPECT_EQ(row["current_rate_kbps"], 866000);
-    EXPECT_TRUE(row["max_rate_mbps"].is_null());
+    expectHas(row, {{"basic_rates_mbps", {6, 12, 24}},
+                    {"supported_rates_mbps", json::array()},
+                    {"current_rate_kbps", 866000},
+                    {"max_rate_mbps", nullptr}});
     for (const char *answer : {"Fail", static_cast<const char *>(nullptr)}) {
         ratesDone = answer;
         EXPECT_EQ(ask("rates", {{"radio", "wl0"}})["status"], Status::kFailed);
@@ -193,24 +196,22 @@ TEST_F(HostAir, LoadAndBeaconNameTheBss) {
 
 TEST(HostBeacon, ElementsAreDecoded) {
     WlIntfInfo info{};
-    json empty = beaconRow("wl0", info);
-    EXPECT_TRUE(empty["ht"].is_null() && empty["vht"].is_null() && empty["capabilities"].is_null());
+    expectHas(beaconRow("wl0", info), {{"ht", nullptr}, {"vht", nullptr}, {"capabilities", nullptr}});
     info.ieFlags = 0x6;
     const uint8_t ht[] = {0xef, 0x09, 0x17, 0xff, 0xff, 0xff, 0x00}, vht[] = {0xb2, 0x01, 0x88, 0x0f, 0xea, 0xff};
     std::memcpy(info.htCap, ht, sizeof ht);
     std::memcpy(info.vhtCap, vht, sizeof vht);
     info.htInfoId = 61, info.htInfo[0] = 36, info.htInfo[1] = 3;
     json row = beaconRow("wl0", info);
-    EXPECT_EQ(row["ht"]["capabilities"],
-              (json{"ldpc", "40mhz", "short-gi-20", "short-gi-40", "tx-stbc", "amsdu-7935"}));
-    EXPECT_EQ(row["ht"]["streams"], 3);
-    EXPECT_EQ(row["ht"]["rx_stbc_streams"], 1);
-    EXPECT_EQ(row["ht"]["secondary_channel"], "below");
-    EXPECT_EQ(row["ht"]["sm_power_save"], "disabled");
-    EXPECT_EQ(row["vht"]["capabilities"], (json{"rx-ldpc", "short-gi-80", "tx-stbc", "mu-beamformer"}));
-    EXPECT_EQ(row["vht"]["streams"], 3);
-    EXPECT_EQ(row["vht"]["max_mpdu_bytes"], 11454);
-    EXPECT_TRUE(row["vht"]["width_mhz"].is_null()) << "there is no VHT Operation element";
+    expectHas(row["ht"], {{"capabilities", {"ldpc", "40mhz", "short-gi-20", "short-gi-40", "tx-stbc", "amsdu-7935"}},
+                          {"streams", 3},
+                          {"rx_stbc_streams", 1},
+                          {"secondary_channel", "below"},
+                          {"sm_power_save", "disabled"}});
+    expectHas(row["vht"], {{"capabilities", {"rx-ldpc", "short-gi-80", "tx-stbc", "mu-beamformer"}},
+                           {"streams", 3},
+                           {"max_mpdu_bytes", 11454},
+                           {"width_mhz", nullptr}}); // no VHT Operation element
     info.vhtOpId = 192, info.vhtOp[0] = 1, info.vhtOp[1] = 42;
     EXPECT_EQ(beaconRow("wl0", info)["vht"]["center_channel"], 42);
     info.vhtCap[4] = info.vhtCap[5] = 0; // all eight streams
@@ -223,21 +224,17 @@ TEST(HostEvents, RowsSayWhoAndWhatIsKnown) {
     event.event = WLBRCM_EVENT_ASSOCIATED;
     WlStaInfo joined = station("02:00:00:00:00:0A", -50);
     std::memcpy(event.sta, &joined, sizeof joined);
-    json row = eventRow(event, 7);
-    EXPECT_EQ(row["event"], "associated");
-    EXPECT_EQ(row["interface"], "wl0.1") << "the event's, not the station record's";
-    EXPECT_EQ(row["signal_dbm"], -50);
-    EXPECT_EQ(row["sequence"], 7);
+    // The interface is the event's, not the station record's.
+    expectHas(eventRow(event, 7),
+              {{"event", "associated"}, {"interface", "wl0.1"}, {"signal_dbm", -50}, {"sequence", 7}});
     event.event = WLBRCM_EVENT_PRUNED;
-    row = eventRow(event, 8);
+    json row = eventRow(event, 8);
     EXPECT_EQ(row["mac"], "02:00:00:00:00:0a");
     EXPECT_FALSE(row.contains("rx_bytes"));
     EXPECT_EQ(shown("events", row), "8 " + row["time"].get<std::string>() + " wl0.1 02:00:00:00:00:0a pruned");
     copyText(event.ifName, "\x1b[2J");
     event.event = 99;
-    row = eventRow(event, 9);
-    EXPECT_TRUE(row["event"].is_null());
-    EXPECT_EQ(row["interface"], "\\x1b[2J");
+    expectHas(eventRow(event, 9), {{"event", nullptr}, {"interface", "\\x1b[2J"}});
 }
 
 } // namespace

@@ -136,6 +136,9 @@ RadioRecords bound(const std::string &text, const WlIntf &intf, const char *phy 
 #define RADIO "/radios/0/"
 #define SSID "/radios/0/ssids/0/"
 #define NUMBER(member) [](const RadioRecords &r) { return std::to_string(r.member); }
+#define WEP                                                                                                            \
+    R"({"ssid_hex": "ff5c20", "encryption": "wep-shared", "key3": "abcde", "key1": "0102030405", "wep_default_key": 3})"
+#define RADIUS R"({"ssid": "b", "encryption": "wpa2", "radius": {"server": "fe80::1", "port": 1645, "secret": "s e"}})"
 #define TEXT(member) [](const RadioRecords &r) { return std::string(r.member); }
 
 // Every name of the file and the member that it fills, with a value that differs from the initial one.
@@ -208,6 +211,14 @@ TEST(HostConfig, ValuesReachTheirMembers) {
         {SSID "limit_down", "4", "4", NUMBER(bss[0].downstreamRate)},
         {SSID "preset", "\"announcer\"", "2", NUMBER(bss[0].presetRole)},
         {"/radios/0/ssids/1/main", "true", "0", NUMBER(bss[0].main)},
+        {"/radios/0/ssids/0", WEP, "\xff\\ ", TEXT(bss[0].ssidName)},
+        {"/radios/0/ssids/0", WEP, "shared", TEXT(bss[0].authMode)},
+        {"/radios/0/ssids/0", WEP, "abcde", TEXT(bss[0].wepKeys[2])},
+        {"/radios/0/ssids/0", WEP, "0102030405", TEXT(bss[0].wepKeys[0])},
+        {"/radios/0/ssids/0", WEP, "3", NUMBER(bss[0].defaultKeyId)},
+        {"/radios/0/ssids/1", RADIUS, "fe80::1", TEXT(bss[1].radiusIpaddr)},
+        {"/radios/0/ssids/1", RADIUS, "1645", NUMBER(bss[1].radiusPort)},
+        {"/radios/0/ssids/1", RADIUS, "s e", TEXT(bss[1].radiusKey)},
         {SSID "wps", "{\"enabled\": true}", "00000000000010008000001018aabbcc", TEXT(bss[0].wpsUuid)},
         {SSID "wps", "{\"uuid\": \"01234567-89AB-cdef-0123-456789abcdef\"}", "0123456789abcdef0123456789abcdef",
          TEXT(bss[0].wpsUuid)},
@@ -237,22 +248,6 @@ TEST(HostConfig, ValuesReachTheirMembers) {
     EXPECT_STREQ(plain.bss[1].ifName, "wl0.1");
     EXPECT_TRUE(plain.bss[0].main && plain.bss[0].valid && !plain.bss[1].main && !plain.bss[2].valid);
     EXPECT_STREQ(bound(kBase, intf, "v").radio.phyType, "v");
-}
-
-TEST(HostConfig, KeysOfWepAndRadius) {
-    json config = json::parse(kBase);
-    config["radios"][0]["ssids"] = json::parse(R"([
-        {"ssid_hex": "ff5c20", "encryption": "wep-shared", "key3": "abcde", "key1": "0102030405", "wep_default_key": 3},
-        {"ssid": "b", "encryption": "wpa2", "radius": {"server": "fe80::1", "port": 1645, "secret": "s e"}}])");
-    RadioRecords records = bound(config.dump(), radioRecord("wl0", WLBRCM_BANDCODE_5G, 6));
-    EXPECT_STREQ(records.bss[0].ssidName, "\xff\\ ");
-    EXPECT_STREQ(records.bss[0].authMode, "shared");
-    EXPECT_STREQ(records.bss[0].wepKeys[2], "abcde");
-    EXPECT_STREQ(records.bss[0].wepKeys[0], "0102030405");
-    EXPECT_EQ(records.bss[0].defaultKeyId, 3);
-    EXPECT_STREQ(records.bss[1].radiusIpaddr, "fe80::1");
-    EXPECT_EQ(records.bss[1].radiusPort, 1645);
-    EXPECT_STREQ(records.bss[1].radiusKey, "s e");
 }
 
 TEST(HostConfig, RadiosThatCannotDoIt) {

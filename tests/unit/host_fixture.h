@@ -85,6 +85,12 @@ inline std::string shown(const char *command, const json &result) {
     return row->show(result, row->columns);
 }
 
+// The values of a result that matter to a test.
+inline void expectHas(const json &row, const json &expected) {
+    for (const auto &[key, value] : expected.items())
+        EXPECT_EQ(row.at(key), value) << key;
+}
+
 class HostCommands : public testing::Test {
   protected:
     HostCommands() : file_("/tmp/wlhost-commands." + std::to_string(getpid()) + ".json") {

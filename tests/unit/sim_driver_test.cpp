@@ -63,6 +63,16 @@ class SimDriver : public ::testing::Test {
         }
         return driver.run(words);
     }
+    /** Brings the radio up with one variable changed; the store is as before after the check. */
+    template <typename Check> void bringUpWith(const std::string &setting, Check check) {
+        std::string key = setting.substr(0, setting.find('='));
+        const char *before = nvram_get(key.c_str());
+        std::string old = before ? before : "";
+        store({setting});
+        bringUp();
+        check();
+        ASSERT_EQ(before ? nvram_set(key.c_str(), old.c_str()) : nvram_unset(key.c_str()), 0);
+    }
     void bringUp() {
         run("wlconf wl0 down");
         configured = run("wlconf wl0 up").status + run("wlconf wl0 security").status + run("wlconf wl0 start").status;
@@ -89,17 +99,6 @@ class SimDriver : public ::testing::Test {
 
 constexpr char kGood[] = "wl0 --passphrase \"correct horse\"";
 
-TEST_F(SimDriver, AConfiguredRadioServesItsStations) {
-    bringUp();
-    EXPECT_EQ(configured, 0);
-    EXPECT_EQ(output("wlctl -i wl0 chanspec"), "36/80 (0xe02a)\n");
-    EXPECT_EQ(output("wlctl -i wl0 country"), "DE (DE/3) GERMANY\n");
-    EXPECT_EQ(join(kGood), "");
-    EXPECT_EQ(join("--ssid guest --mac 02:00:00:00:00:02"), "");
-    EXPECT_EQ(output("wlctl -i wl0 assoclist"), "assoclist 02:00:00:00:00:01\n");
-    EXPECT_EQ(output("wlctl -i wl0.1 assoclist"), "assoclist 02:00:00:00:00:02\n");
-}
-
 TEST_F(SimDriver, JoinIsRefusedForTheReasonThatHolds) {
     const struct {
         const char *setting, *arguments, *reason;
@@ -116,6 +115,8 @@ TEST_F(SimDriver, JoinIsRefusedForTheReasonThatHolds) {
         {"wl0_akm=", kGood, "security mismatch: the BSS is open"},
         {"wl0_auth=1", kGood, "security mismatch: shared-key authentication with akm"},
         {"wl0_wep=enabled", kGood, "security mismatch: WEP together with akm"},
+        {"wl0.1_wep=enabled", "wl0.1 --security wep --passphrase abcde",
+         "security mismatch: WEP without a usable default key"},
         {"wl0_mfp=2", "wl0 --passphrase \"correct horse\" --no-pmf", "security mismatch: frame protection is required"},
         {"wl0_bss_enabled=0", kGood, "BSS is down: not started"},
         {"lan_ifnames=eth0 wl0.1 wl00", kGood, "authenticator not running: no LAN group lists wl0"},
@@ -125,72 +126,29 @@ TEST_F(SimDriver, JoinIsRefusedForTheReasonThatHolds) {
         {"wl0_nmode=-1", "wl0.1 --phy n", ""},
     };
     for (const auto &one : cases) {
-        std::string key(one.setting, strchr(one.setting, '='));
-        const char *before = nvram_get(key.c_str());
-        std::string old = before ? before : "";
-        store({one.setting});
-        bringUp();
-        EXPECT_EQ(join(one.arguments), one.reason) << one.setting << " " << one.arguments;
-        ASSERT_EQ(before ? nvram_set(key.c_str(), old.c_str()) : nvram_unset(key.c_str()), 0);
+        bringUpWith(one.setting,
+                    [&] { EXPECT_EQ(join(one.arguments), one.reason) << one.setting << " " << one.arguments; });
     }
-}
-
-TEST_F(SimDriver, MacFilterFollowsTheStoreAndTheDriver) {
-    store({"wl0_macmode=deny", "wl0_maclist=02:00:00:00:00:01"});
-    bringUp();
-    EXPECT_EQ(join(kGood), "denied by the MAC filter");
-    EXPECT_EQ(run("wlctl -i wl0 macmode 2").status, 0);
-    EXPECT_EQ(join(kGood), "");
-    EXPECT_EQ(join(kGood + std::string(" --mac 02:00:00:00:00:09")), "denied by the MAC filter");
-    EXPECT_EQ(run("wlctl -i wl0 mac none").status, 0);
-    EXPECT_EQ(join(kGood), "denied by the MAC filter");
-    EXPECT_EQ(run("wlctl -i wl0 macmode 0").status, 0);
-    EXPECT_EQ(join(kGood), "");
-    EXPECT_NE(run("wlctl -i wl0 mac 02:00:00:00:00:zz").status, 0);
-    EXPECT_NE(run("wlctl -i wl0 macmode 3").status, 0);
 }
 
 TEST_F(SimDriver, StationLimitsCountOthersOnly) {
     store({"wl0.1_bss_maxassoc=2", "wl0_maxassoc=3"});
     bringUp();
     EXPECT_EQ(join("wl0.1 --mac 02:00:00:00:00:01 --count 2"), "");
-    EXPECT_EQ(join("wl0.1 --mac 02:00:00:00:00:03"), "station limit reached");
     EXPECT_EQ(join("wl0.1 --mac 02:00:00:00:00:02"), "") << "a station that is in already may come again";
     EXPECT_EQ(join(kGood + std::string(" --mac 02:00:00:00:00:04")), "");
     EXPECT_EQ(join(kGood + std::string(" --mac 02:00:00:00:00:05")), "station limit reached");
-}
-
-TEST_F(SimDriver, LegacyStationsNeedARadioThatTakesThem) {
-    bringUp();
-    EXPECT_EQ(join(kGood + std::string(" --phy a")), "");
-    EXPECT_EQ(run("wlctl -i wl0 nreqd 1").status, 0);
-    EXPECT_EQ(join(kGood + std::string(" --phy a")), "802.11n required");
-    EXPECT_EQ(join(kGood + std::string(" --phy n")), "");
-}
-
-TEST_F(SimDriver, WepNetworksWantTheDefaultKey) {
-    store({"wl0.1_wep=enabled", "wl0.1_key=2", "wl0.1_key2=abcde"});
-    bringUp();
-    EXPECT_EQ(join("wl0.1 --security wep --passphrase abcde"), "");
-    EXPECT_EQ(join("wl0.1 --security wep --passphrase abcdf"), "wrong passphrase");
-    store({"wl0.1_key=1"});
-    bringUp();
-    EXPECT_EQ(join("wl0.1 --security wep --passphrase abcde"), "security mismatch: WEP without a usable default key");
 }
 
 TEST_F(SimDriver, InvalidRadioConfigurationStaysDown) {
     for (const char *setting :
          {"wl0_chanspec=36/160", "wl0_chanspec=149/80", "wl0_chanspec=40l", "wl0_nband=2", "wl0_country_code=XX",
           "wl0_bw_cap=1", "wl0_nmode=0", "wl0_bcn=19", "wl0_frameburst=1", "wl0_reg_mode=x", "wl0_chanspec=6"}) {
-        std::string key(setting, strchr(setting, '='));
-        const char *before = nvram_get(key.c_str());
-        std::string old = before ? before : "";
-        store({setting});
-        bringUp();
-        EXPECT_NE(configured, 0) << setting;
-        EXPECT_EQ(output("wlctl -i wl0 isup"), "0\n") << setting;
-        EXPECT_EQ(join(kGood), "BSS is down: the radio is down") << setting;
-        ASSERT_EQ(before ? nvram_set(key.c_str(), old.c_str()) : nvram_unset(key.c_str()), 0);
+        bringUpWith(setting, [&] {
+            EXPECT_NE(configured, 0) << setting;
+            EXPECT_EQ(output("wlctl -i wl0 isup"), "0\n") << setting;
+            EXPECT_EQ(join(kGood), "BSS is down: the radio is down") << setting;
+        });
     }
 }
 
@@ -209,8 +167,13 @@ TEST_F(SimDriver, WlconfWantsItsOrder) {
 }
 
 TEST_F(SimDriver, VirtualInterfacesFollowTheList) {
+    EXPECT_NE(run("wlctl -i wl0.1 macmode 1").status, 0);
+    EXPECT_EQ(run("wlctl -i wl0 ssid -C 1 guest").status, 0) << "naming a BSS creates its interface";
+    EXPECT_EQ(run("wlctl -i wl0 ssid -C 2 other").status, 0);
+    EXPECT_EQ(run("wlctl -i wl0.1 macmode 1").status, 0);
     bringUp();
     EXPECT_TRUE(net.exists("wl0.1"));
+    EXPECT_FALSE(net.exists("wl0.2"));
     run("wlconf wl0 down");
     EXPECT_TRUE(net.exists("wl0.1")) << "down leaves the interfaces for their bridges";
     store({"wl0_vifs=wl0.2 wl1.1 wl0.16"});
@@ -218,16 +181,6 @@ TEST_F(SimDriver, VirtualInterfacesFollowTheList) {
     EXPECT_FALSE(net.exists("wl0.1"));
     EXPECT_TRUE(net.exists("wl0.2"));
     EXPECT_NE(run("wlctl -i wl0.1 isup").status, 0);
-}
-
-TEST_F(SimDriver, NamingABssCreatesItsInterfaceUntilTheListLeavesItOut) {
-    EXPECT_NE(run("wlctl -i wl0.1 macmode 1").status, 0);
-    EXPECT_EQ(run("wlctl -i wl0 ssid -C 1 guest").status, 0);
-    EXPECT_EQ(run("wlctl -i wl0 ssid -C 2 other").status, 0);
-    EXPECT_EQ(run("wlctl -i wl0.1 macmode 1").status, 0);
-    bringUp();
-    EXPECT_TRUE(net.exists("wl0.1"));
-    EXPECT_FALSE(net.exists("wl0.2"));
 }
 
 TEST_F(SimDriver, TwoBssesCannotShareAnAddress) {
@@ -265,6 +218,8 @@ TEST_F(SimDriver, EventsTellWhatStationsDid) {
 
 TEST_F(SimDriver, AnnouncedChannelSwitchTakesItsTime) {
     bringUp();
+    EXPECT_EQ(configured, 0);
+    EXPECT_EQ(output("wlctl -i wl0 country"), "DE (DE/3) GERMANY\n");
     EXPECT_EQ(run("wl -i wl0 csa 0 20 44/80").status, 0);
     clock.now += 2047;
     EXPECT_EQ(output("wlctl -i wl0 chanspec"), "36/80 (0xe02a)\n");
@@ -277,8 +232,9 @@ TEST_F(SimDriver, UnknownWordsAreErrors) {
     for (const char *line :
          {"wlctl -i wl0 frobnicate", "wlctl -i wl7 isup", "wlctl wl0 isup", "wlctl -i wl0 isup now",
           "wlctl -i wl0 ssid -C 16 x", "wlctl -i wl0 pwr_percent 0", "wlctl -i wl0 pwr_percent 101",
-          "wlctl -i wl0 interference_override 5", "dhdctl -i wl1 version", "wlsim jump", "wlsim join wl0 --colour red",
-          "wl -i wl0.1 bss up", "wlctl -i wl0 chanspecs -b 2", "wlctl -i wl0 scanresults"}) {
+          "wlctl -i wl0 interference_override 5", "wlctl -i wl0 mac 02:00:00:00:00:zz", "wlctl -i wl0 macmode 3",
+          "dhdctl -i wl1 version", "wlsim jump", "wlsim join wl0 --colour red", "wl -i wl0.1 bss up",
+          "wlctl -i wl0 chanspecs -b 2", "wlctl -i wl0 scanresults"}) {
         Reply reply = run(line);
         EXPECT_NE(reply.status, 0) << line;
         EXPECT_FALSE(reply.err.empty()) << line;
