@@ -18,7 +18,7 @@ test_no_radio() {
 
 test_a_single_radio() {
     assert_status 2 inside single-radio 'wlhost run /src/examples/home.json'
-    assert_contains "$output" '"wl1" does not exist'
+    assert_contains "$output" ': radios[1].name: "wl1" does not exist; wl0'
     assert_status 0 inside single-radio 'start_host /src/examples/minimal.json && wlsim join wl0 --passphrase "correct horse"'
     assert_contains "$output" 'ssid "minimal" bridge br0'
 }

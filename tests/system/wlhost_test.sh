@@ -13,15 +13,9 @@ test_without_a_host() {
 }
 
 test_configurations_that_are_refused() {
-    local change where
-    while IFS='|' read -r change where; do
-        vary "$change"
-        assert_status 2 wlhost run "$variant"
-        assert_contains "$output" "$where" "$change"
-    done <<'END'
-.radios[0].ssids[2].kye = 1|radios[0].ssids[2]
-.radios[1].name = "wl7"|radios[1].name
-END
+    vary '.radios[0].ssids[2].kye = 1'
+    assert_status 2 wlhost run "$variant"
+    assert_contains "$output" 'radios[0].ssids[2]'
     echo '{ "radios": [' >"$variant"
     assert_status 2 wlhost run "$variant"
     assert_status 2 wlhost run /no/such/file
@@ -58,20 +52,15 @@ test_errors() {
         assert_eq string "$(wlhost --json $words 2>/dev/null | jq -r '.error.text | type')" "text of wlhost $words"
     done <<'END'
 3 status wl7
-3 filter wl0.9
 3 preset wl0 on
 3 reload wl7
-3 unban wl0 02:00:00:00:00:01
 2 stat
-2 filter wl0 den
 2 filter wl0 deny 02:00:00:00:00:xx
 2 ban wl0 01:00:5e:00:00:01
 2 mac wl0 zz
 2 lan /no/such/file
 2 status wl0 wl1
 END
-    assert_status 3 wlhost status wl7
-    assert_contains "$output" 'wl0, wl1'
     assert_eq '' "$(wlhost status wl7 2>/dev/null)" 'stdout of an error'
     assert_status 2 wlhost wps pim
     assert_contains "$output" 'pim: is no command'
@@ -97,13 +86,6 @@ END
     COMP_LINE='wlhost sta --all' COMP_POINT=10
     _wlhost
     assert_eq 'status stations' "${COMPREPLY[*]}" 'words at the cursor'
-}
-
-test_a_second_host_is_refused() {
-    start_host_once
-    assert_status 7 wlhost run /src/examples/home.json
-    assert_contains "$output" 'served by another host'
-    assert_status 0 wlhost status
 }
 
 test_the_host_ends_cleanly() {

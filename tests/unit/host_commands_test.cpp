@@ -15,19 +15,6 @@ TEST_F(HostCommands, BringsConfiguredRadiosUpAndLeavesOthersAlone) {
     expectHas(result("ssids")[0], {{"ssid", "\\xffA"}, {"ssid_hex", "ff41"}, {"security", "psk2"}, {"bridge", "br0"}});
 }
 
-TEST_F(HostCommands, RefusesRadiosThatDoNotExistBeforeAnythingRuns) {
-    calls.clear();
-    change("/radios/1/name", "wl7");
-    try {
-        Host host(module_, Config::load(file_));
-        FAIL();
-    } catch (const Failure &failure) {
-        EXPECT_EQ(std::string(failure.what()).substr(file_.size()),
-                  ":1: radios[1].name: \"wl7\" does not exist; wl0, wl1, wl2");
-    }
-    EXPECT_EQ(calls, Calls{});
-}
-
 TEST_F(HostCommands, ReloadsWhatChanged) {
     calls.clear();
     EXPECT_EQ(result("reload")["radios"][0]["action"], "unchanged");
