@@ -37,7 +37,6 @@ void setWds(ParamsRecord &params, const WlRadioCfg *radio) {
 void setRatesAndTiming(ParamsRecord &params, const WlRadioCfg *radio) {
     params.set(qvWlanSetTxPreamble, radio->txPreamble);
     params.set(qvWlanSetMCS, radio->mcs);
-    params.aux(Text<64>("%d", radio->band));
     params.set(qvWlanSetRate, radio->rate);
     params.set(qvWlanSetMulticastRate, radio->multicastRate);
     params.set(qvWlanSetRTSThreshold, radio->rtsThreshold);

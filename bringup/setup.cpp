@@ -59,24 +59,22 @@ void setNetwork(ParamsRecord &params, const WlSsidCfg &entry, std::string_view r
     params.set(qvWlanSetBssIsolation, entry.bssIsolation != 0 ? 1 : 0);
 }
 
-void setWepKey(ParamsRecord &params, const WlSsidCfg &entry, std::string_view radioName) {
+void setWepKey(ParamsRecord &params, const WlSsidCfg &entry) {
     const int number = entry.defaultKeyId;
     if (fieldText(entry.encryption) != "wep" || number < 1 || number > 4)
         return;
-    params.aux(radioName);
     params.set(qvWlanSetWepKey, fieldText(entry.wepKeys[number - 1]));
 }
 
-void setSecurity(ParamsRecord &params, const WlSsidCfg &entry, std::string_view radioName) {
+void setSecurity(ParamsRecord &params, const WlSsidCfg &entry) {
     const std::string_view encryption = fieldText(entry.encryption);
     const std::string_view passphrase = fieldText(entry.wpaPsk);
-    params.aux(radioName);
     params.set(qvWlanSetEncrypType, encryption);
     params.set(qvWlanSetAuthMode, fieldText(entry.authMode));
     params.set(qvWlanSetRekeyInterval, entry.rekeyInterval);
     params.set(qvWlanSetPreSharedKey, passphrase.empty() ? fieldText(entry.wpaPskFallback) : passphrase);
     params.set(qvWlanSetDefaultKeyID, entry.defaultKeyId);
-    setWepKey(params, entry, radioName);
+    setWepKey(params, entry);
     params.set(qvWlanSetProtectMF, entry.protectMF);
 }
 
@@ -102,7 +100,7 @@ void clearRates(Here here, ParamsRecord &params, const WlSsidCfg &entry) {
 
 void setBss(Here here, ParamsRecord &params, const WlSsidCfg &entry, std::string_view radioName, const WlCaps *caps) {
     setNetwork(params, entry, radioName);
-    setSecurity(params, entry, radioName);
+    setSecurity(params, entry);
     setRates(params, entry.upstreamRate, entry.downstreamRate);
     params.set(qvWlanSetPerBssMaxStaNum, entry.maxSta);
     WLBRCM_LOG_AT(here, LOG_DEBUG, "ifname = %s\n", params.arg()->prefix);

@@ -9,6 +9,7 @@
 
 #include "module/command.h"
 #include "module/nvram.h"
+#include "module/waiting.h"
 
 using namespace wlbrcm;
 
@@ -109,7 +110,9 @@ TEST_F(Base, WritesLogTheirTextsAndRefuseWhatDoesNotFit) {
     // A store may take "key=value" apart.
     EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram2("f", 1, &number, "http_passwd=x", "radio", "int"));
     EXPECT_EQ(1U, platform.journal.size());
-    EXPECT_EQ(3U, platform.logged(LOG_ERR).size());
+    ASSERT_EQ(3U, platform.logged(LOG_ERR).size());
+    EXPECT_EQ("value of nvram " + std::string(255, 'k') + " is too long: " + std::string(32, 'v') + "...\n",
+              platform.logged(LOG_ERR)[0]);
 
     // Fields of the host's record and literals keep their blank.
     const char field[] = "eth0 ";
@@ -151,13 +154,20 @@ TEST_F(Base, SignalsCutNoLineShort) {
     char line[20];
     EXPECT_TRUE(lines.next(line));
     EXPECT_STREQ("one line\n", line);
-    EXPECT_TRUE(lines.next(line));
-    EXPECT_STREQ("and the next", line);
+    char rest[20];
+    EXPECT_EQ(12U, lines.rest(rest));
+    EXPECT_STREQ("and the next", rest);
     EXPECT_FALSE(lines.next(line));
-    EXPECT_STREQ("and the next", line);
+    EXPECT_STREQ("one line\n", line);
     writer.join();
     sigaction(SIGUSR1, &before, nullptr);
     close(ends[0]);
+}
+
+TEST_F(Base, ASignalDoesNotShortenAPause) {
+    platform.failing["nanosleep"] = 1;
+    pauseFor(3);
+    EXPECT_EQ((Lines{"sleep 3", "sleep 2"}), platform.journal);
 }
 
 // A host that answers commands from memory hands out streams without a descriptor.

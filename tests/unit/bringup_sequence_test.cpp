@@ -174,7 +174,9 @@ TEST_F(BringUpSequence, BareRadioThatIsOff) {
     radio.bandwidth = 40;
     radio.sideband = 1;
     radio.channel = 36;
+    radio.apCoex = 1;
     EXPECT_EQ(0, qvbrcm_SetupWlan(&radio, bss, &caps));
+    EXPECT_EQ(Lines{"set wl0_obss_coex=1"}, platform.did("set wl0_obss"));
     ASSERT_GT(platform.journal.size(), 4U);
     EXPECT_EQ(Lines({"set wl0_maxassoc=0", "run /bin/lld2d ", "run /bin/eapd", "run /bin/nas"}),
               Lines(platform.journal.end() - 4, platform.journal.end()));
@@ -185,6 +187,15 @@ TEST_F(BringUpSequence, BareRadioThatIsOff) {
     EXPECT_EQ(Lines{"unset acs_mode"}, platform.did("unset acs_mode"));
     EXPECT_FALSE(ran("wlconf"));
     EXPECT_EQ(Lines{}, platform.did("priority"));
+
+    caps.radioPwrsave = 1; // in this order, behind the one that is always 1
+    for (int i = 0; i < 4; ++i)
+        radio.radioPwrsaveParams[i] = i + 2;
+    qvbrcm_AdvanceSetupWlan(&radio, bss, &caps);
+    std::string saved;
+    for (const std::string &entry : platform.did("set wl0_radio_pwrsave"))
+        saved += entry.back();
+    EXPECT_EQ("12345", saved);
 }
 
 namespace {

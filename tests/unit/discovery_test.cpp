@@ -180,7 +180,20 @@ TEST_F(Discovery, HostsThatRefuseOrLackCallbacks) {
     WlModuleHostOps silent = {takeOps, takeRadio, takeHandler, nullptr};
     EXPECT_EQ(0, wlModuleInit(&silent, &host_.answer));
     EXPECT_EQ(1, act_wl_cnt);
+    EXPECT_EQ(0, fenra_rpe_sock);
     EXPECT_TRUE(platform.logs.empty());
+}
+
+TEST_F(Discovery, WordsTellHowManyNetworksARadioHas) {
+    const std::pair<const char *, int> rows[] = {
+        {"", 1}, {"1ssid", 1}, {"mbss4", 4}, {"mbss8", 6}, {"1ssid mbss16", 6}};
+    for (const auto &[words, most] : rows) {
+        platform.files.clear();
+        listing_.clear();
+        addRadio("wl0", "0x43c5", words);
+        ASSERT_EQ(0, init());
+        EXPECT_EQ(most, host_.radios.back()->caps.maxBss) << words;
+    }
 }
 
 TEST_F(Discovery, AHostThatIgnoresItsChildrenIsTold) {

@@ -55,7 +55,7 @@ class FakePlatform {
     void failAllocation(int n);
     bool allocationFailed = false;
     // Calls that fail: "open /tmp/x", "remove /tmp/x", "opendir", "affinity", "priority", "mutex";
-    // "sendto" sends, and tells one byte less.
+    // "sendto" sends, and tells one byte less; "nanosleep" is interrupted once, behind a second.
     std::map<std::string, int> failing; // call -> result or errno, any value
     // What a board device answers: called with request code and block, returns the ioctl result. No device without one.
     std::map<std::string, int (*)(unsigned long request, void *block)> devices;

@@ -222,7 +222,17 @@ TEST_F(MacFilterRequests, DriverSettersCheckTheirArgument) {
         EXPECT_EQ(WLBRCM_EINVAL, qvWlanSetMacAuthMode(arg));
         EXPECT_EQ(WLBRCM_EINVAL, qvWlanSetMacAuthList(arg));
     }
+    std::string longest;
+    while (longest.size() < 1500)
+        longest += macText(1) + " ";
+    longest.resize(1535, ' ');
+    EXPECT_EQ(WLBRCM_EINVAL, qvWlanSetMacAuthList(Arg("wl0", longest + " ")));
     EXPECT_EQ(Lines{}, platform.journal);
+    EXPECT_EQ(0, qvWlanSetMacAuthList(Arg("wl0", longest)));
+    Arg deny("wl0");
+    deny.record.value = reinterpret_cast<char *>(&mode);
+    EXPECT_EQ(0, qvWlanSetMacAuthMode(deny));
+    platform.forget();
 
     platform.answer("wlctl -i wl0 mac >", "mac AA:BB:CC:DD:00:01\n" + std::string(500, 'x'));
     EXPECT_EQ(0, qvWlanGetMacAuthList(Arg("wl0")));

@@ -16,6 +16,13 @@ uint8_t changed;
 int count;
 char path[64];
 
+// An argument record; a part may be missing, and the name be none.
+WlanParamArg *with(const char *value, const char *aux, void *result, const char *name = "wl0") {
+    static WlanParamArg arg;
+    arg = {const_cast<char *>(name), const_cast<char *>(value), const_cast<char *>(aux), result, 0};
+    return &arg;
+}
+
 struct Call {
     const char *text;
     int result;
@@ -62,6 +69,24 @@ const Call kCalls[] = {
     CALL(-14, qvbrcm_GetChanScanRpt(nullptr, nullptr, nullptr, &aps, &count)),
     CALL(-14, qvbrcm_GetChanScanApRpt(nullptr, &aps, &count)),
     CALL(0, formatSSID(nullptr) != nullptr),
+    CALL(-14, qvWlanSetMCS(nullptr)),
+    CALL(-14, qvWlanSetWirelessMode(nullptr)),
+    CALL(-14, qvWlanGetApMAC(with(nullptr, nullptr, nullptr))),
+    CALL(-14, qvWlanChannelList(with("5GHz,20", nullptr, path))),
+    CALL(-14, qvWlanChannelList(with("5GHz,20", "DE", nullptr))),
+    CALL(-14, qvWlanGetValidChannel(with(nullptr, nullptr, nullptr))),
+    CALL(-14, qvWlanGetCurrentChannelInfo(with(nullptr, nullptr, nullptr))),
+    CALL(-14, qvWlanGetNoise(with(nullptr, nullptr, nullptr))),
+    CALL(-14, qvWlanGetRadioStatus(with(nullptr, nullptr, nullptr))),
+    CALL(-14, qvWlanRateUpdate(with(nullptr, nullptr, path))),
+    CALL(-14, qvWlanRateUpdate(with("5GHz 8", nullptr, nullptr))),
+    CALL(-14, qvWlanGetScanApResults(with(nullptr, nullptr, &aps))),
+    CALL(-14, qvWlanGetScanApResults(with(nullptr, path, nullptr))),
+    CALL(-14, qvWlanDumpCSRes(with(nullptr, path, &aps))),
+    CALL(-14, qvWlanDumpCSRes(with(path, nullptr, &aps))),
+    CALL(-14, qvWlanDumpCSRes(with(path, path, nullptr))),
+    CALL(-14, qvWlanDumpCSRes(with(path, path, &aps, "wl0;x"))),
+    CALL(0, checkWlanTxBFCap(nullptr)),
     CALL(-14, qvWlanWscInit(nullptr, intf.bss)),
     CALL(-14, qvWlanWscInit(&intf.radio, nullptr)),
     CALL(-14, qvbrcm_WPSReload(nullptr)),
@@ -96,6 +121,7 @@ const Call kCalls[] = {
 TEST_F(PlatformTest, MissingArgumentsAreRefused) {
     for (const Call &call : kCalls)
         EXPECT_EQ(call.result, call.make()) << call.text;
+    EXPECT_EQ(-14, qvbrcm_SetVifsForPresetIntf(0, ".1")); // no radio in it
     EXPECT_EQ(Lines{}, platform.journal);
     EXPECT_EQ(0, intf.state);
 }

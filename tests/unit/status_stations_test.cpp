@@ -130,8 +130,9 @@ TEST_F(StatusStations, BadNamesAreSkippedAndLongLinesCountInPieces) {
     free(list);
     platform.forget();
     strcpy(intf.bss[0].ifName, "wl0");
+    intf.bss[1].enable = 1;
     EXPECT_EQ(0, qvbrcm_GetAssocDevList(&intf, 0, &list, &count)); // and no other BSS
-    EXPECT_EQ(Lines{}, platform.did("run wlctl -i wl0.2 "));
+    EXPECT_EQ(Lines{}, platform.did("run wlctl -i wl0."));
 }
 
 TEST_F(StatusStations, ReportFieldsReachTheRecord) {
