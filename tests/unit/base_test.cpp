@@ -54,23 +54,6 @@ TEST_F(Base, MacTextsAreSixHexadecimalPairs) {
         EXPECT_FALSE(isMacText(bad)) << bad;
 }
 
-TEST_F(Base, TextRemembersThatItOverflowed) {
-    Text<8> text("%s", "1234567");
-    EXPECT_TRUE(text.fits());
-    text.append("%d", 8);
-    EXPECT_FALSE(text.fits());
-    EXPECT_STREQ("1234567", text.c_str());
-    text.cut(2);
-    text.append("x");
-    EXPECT_STREQ("12x", text.c_str());
-    EXPECT_FALSE(text.fits());
-
-    char field[4] = {'a', 'b', 'c', 'd'}; // not terminated
-    EXPECT_EQ("abcd", fieldText(field));
-    EXPECT_FALSE(copyText(field, "wxyz"));
-    EXPECT_STREQ("wxy", field);
-}
-
 TEST_F(Base, TextWritesFollowTheBlankRule) {
     const struct {
         const char *key, *value, *entry;

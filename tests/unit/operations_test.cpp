@@ -56,6 +56,7 @@ const Call kCalls[] = {
     CALL(-14, qvbrcm_GetAssocDevList(nullptr, 0, &stations, &count)),
     CALL(-14, qvbrcm_GetAssocDevList(&intf, 0, nullptr, &count)),
     CALL(-14, qvbrcm_GetAssocDevList(&intf, 0, &stations, nullptr)),
+    CALL(-5, qvbrcm_GetAssocDevList(&intf, 0, &stations, &count)), // no entry is in use
     CALL(-1, get_sta_info(nullptr, "00:11:22:AA:BB:CC", &sta)),
     CALL(-1, get_sta_info("wl0", nullptr, &sta)),
     CALL(-1, get_sta_basic_info("wl0", "00:11:22:AA:BB:CC", nullptr)),

@@ -59,21 +59,6 @@ TEST_F(StatusStations, ListCoversEnabledEntriesInOrder) {
     EXPECT_EQ(Lines{"enter.\n"}, platform.logged(WLBRCM_LOG_DEBUG));
 }
 
-TEST_F(StatusStations, OneEntryAndEntriesThatDoNotExist) {
-    platform.answer("wlctl -i wl0.2 assoclist", "assoclist 02:00:00:00:00:01\n");
-    for (const int bad : {3, INT_MAX}) {
-        EXPECT_EQ(WLBRCM_EFAILED, qvbrcm_GetAssocDevList(&intf, bad, &list, &count));
-        EXPECT_EQ(-7, count);
-    }
-    EXPECT_EQ(Lines{}, platform.journal);
-    EXPECT_EQ(0, qvbrcm_GetAssocDevList(&intf, 2, &list, &count));
-    EXPECT_EQ(1, count);
-    EXPECT_EQ(Lines{}, platform.did("run wlctl -i wl0 assoclist"));
-    intf.radio.bssCount = 60000; // more than the record has room for
-    EXPECT_EQ(WLBRCM_EFAILED, qvbrcm_GetAssocDevList(&intf, WLBRCM_MAX_BSS, &list, &count));
-    EXPECT_EQ(1, count);
-}
-
 TEST_F(StatusStations, NoStationGivesNoList) {
     const Lines removal{"run rm -f /tmp/.assoclist_result_*"};
     const struct {
