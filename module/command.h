@@ -102,8 +102,11 @@ inline Run unlogged(Here here) {
 // longest.
 template <size_t Size> class CheckedText {
   public:
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-security" // Clang sees no literal when there are no arguments
     template <class Format, class... Args>
     explicit CheckedText(Format, const Args &...args) : text_(checkedFormat<Format, Args...>(), commandArg(args)...) {}
+#pragma GCC diagnostic pop
     const char *c_str() const { return text_.c_str(); }
 
   private:
