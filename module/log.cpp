@@ -10,7 +10,8 @@ Shown::Shown(std::string_view text) {
     for (const char c : text) {
         if (used + kEscapeLength >= sizeof text_)
             break;
-        if (c >= ' ' && c <= '~')
+        // A backslash as well, so that no text looks like an escape.
+        if (c >= ' ' && c <= '~' && c != '\\')
             text_[used++] = c;
         else
             used += static_cast<size_t>(snprintf(text_ + used, kEscapeLength + 1, "\\x%02x",

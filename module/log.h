@@ -16,8 +16,8 @@ struct Here {
     int line;
 };
 
-// A foreign text as a message shows it: bytes that are no printable ASCII, line ends among them, as \xNN. What is too
-// long for a message is cut.
+// A foreign text as a message shows it: bytes that are no printable ASCII, line ends among them, and backslashes as
+// \xNN. What is too long for a message is cut.
 class Shown {
   public:
     explicit Shown(std::string_view text);

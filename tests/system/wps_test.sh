@@ -6,9 +6,12 @@ set_all() {
     for pair in "$@"; do nvram set "$pair"; done
 }
 
+no_daemon() { ! pidof wps_monitor; }
+
 # A radio on the air with WPS, as a host leaves it; further variables as arguments.
 start_radio() {
     killall -15 wps_monitor 2>/dev/null
+    wait_for 5 no_daemon
     wlconf wl0 down
     set_all wl0_radio=1 wl0_bss_enabled=1 wl0_ifname=wl0 wl0_mode=ap wl0_ssid=Home wl0_akm=psk2 wl0_crypto=aes wl0_wpa_psk=secret-1234 \
         wl0_nband=1 wl0_nmode=-1 wl0_vhtmode=-1 wl0_bw_cap=7 wl0_channel=36 wl0_chanspec=36/80 wl0_country_code=US \
@@ -19,6 +22,7 @@ start_radio() {
     pidof nas >/dev/null || nas
     pidof eapd >/dev/null || eapd
     wps_monitor
+    wait_for 5 wlsim wps state # what is sent before it listens is lost
 }
 
 progress() { nvram get wps_proc_status; }

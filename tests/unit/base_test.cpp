@@ -111,7 +111,7 @@ static_assert(!formatTakes<>("wlctl -i %s up") && !formatTakes<int, int>("nreqd 
 static_assert(!formatTakes<>("100%") && !formatTakes<int>("%d %") && !formatTakes<int>("%99d"));
 
 TEST_F(Base, ForeignBytesAreShownEscaped) {
-    EXPECT_STREQ("wl0 \\x0a\\x1b[2J\\x7f\\xff~", Shown("wl0 \n\x1b[2J\x7f\xff~").c_str());
+    EXPECT_STREQ("wl0 \\x0a\\x1b[2J\\x7f\\xff~\\x5c", Shown("wl0 \n\x1b[2J\x7f\xff~\\").c_str());
     EXPECT_EQ(1020U, strlen(Shown(std::string(300, '\n')).c_str()));
 }
 
