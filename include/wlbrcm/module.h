@@ -32,8 +32,8 @@
  *
  * Names: an interface or bridge name that reaches a command is 1 to 15 characters of [A-Za-z0-9._-] and does not begin
  * with '-'; an address is six pairs of hexadecimal digits joined by colons. Any other is logged at level 4, gets no
- * command and becomes part of no nvram variable's name. Foreign bytes of a logged name or reply, line ends and backslashes among them,
- * are shown as \xNN.
+ * command and becomes part of no nvram variable's name. Foreign bytes of a logged name or reply, line ends and
+ * backslashes among them, are shown as \xNN.
  *
  * nvram: variables are written, never committed. The host commits when it wants them to outlive a restart.
  *
