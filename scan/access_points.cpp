@@ -48,7 +48,7 @@ int qvbrcm_GetChanScanApRpt(WlIntf *intf, WlScanAp **aps, int *count) {
     int found = 0;
     WlScanAp *list = nullptr;
     FieldCopy ifname(intf->radio.ifName);
-    WlanParamArg arg = {ifname.data(), nullptr, reinterpret_cast<char *>(&found), &list, intf->radio.radioIndex - 1};
+    WlanParamArg arg = {ifname.data(), nullptr, reinterpret_cast<char *>(&found), &list, 0};
     if (qvWlanGetScanApResults(&arg) != WLBRCM_OK) {
         WLBRCM_LOG(LOG_ERR, "WDS scan fail on %s......\n", Shown(ifname.c_str()).c_str());
         return WLBRCM_EFAILED;

@@ -61,8 +61,7 @@ WlChanScanInfo *readChannels(Report *dump, int count, int band) {
 int dumpChannels(WlIntf *intf, WlChanScanInfo **channels, int *count) { // NOLINT(readability-non-const-parameter)
     int band = intf->radio.band;
     FieldCopy ifname(intf->radio.ifName);
-    WlanParamArg arg = {ifname.data(), reinterpret_cast<char *>(&band), reinterpret_cast<char *>(count), channels,
-                        intf->radio.radioIndex - 1};
+    WlanParamArg arg = {ifname.data(), reinterpret_cast<char *>(&band), reinterpret_cast<char *>(count), channels, 0};
     return qvWlanDumpCSRes(&arg);
 }
 
@@ -106,7 +105,6 @@ int qvbrcm_ChannelScan(WlIntf *intf) {
     FieldCopy ifname(intf->radio.ifName);
     WlanParamArg arg = {};
     arg.prefix = ifname.data();
-    arg.index = intf->radio.radioIndex - 1;
     if (qvWlanChanScan(&arg) == WLBRCM_OK)
         return WLBRCM_OK;
     WLBRCM_LOG(LOG_ERR, "Channel scan fail on %s......\n", Shown(ifname.c_str()).c_str());

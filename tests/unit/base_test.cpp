@@ -81,6 +81,8 @@ TEST_F(Base, WritesLogTheirTextsAndRefuseWhatDoesNotFit) {
     EXPECT_EQ(0, __qvWlanSetVarToNvram2("f", 1, &number, "wl0.1", "radio", "int"));
     EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram("f", 1, nullptr, "key", "float"));
     EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram("f", 1, nullptr, "key", "int"));
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram2("f", 1, &number, nullptr, "radio", "int"));
+    EXPECT_EQ(WLBRCM_EINVAL, __qvWlanSetVarToNvram2("f", 1, &number, "wl0", nullptr, "int"));
     EXPECT_EQ((Lines{"set wl0.1_radio=-7"}), platform.journal);
     EXPECT_EQ((Lines{"nvram set wl0.1_radio = -7\n"}), platform.logged(LOG_DEBUG));
     EXPECT_EQ((Lines{"type not found.\n"}), platform.logged(LOG_ERR));

@@ -148,6 +148,7 @@ TEST_F(BringUpSession, TakesOver) {
         {"Old|wpapskmix|aes|k", "Old|wpapskmix|aes|k", "", {{"akm", "psk psk2"}}},
         {"Old|wpa2psk|aes|k", "Old|open|none|k", "", {{"akm", ""}}},
         {"Old|open|wep|k", "Old|open|wep|k", "", {{"akm", ""}}},
+        {"Old|wpa2|aes|k", "Old|wpa2|aes|k", "", {{"akm", "wpa2"}}},
         // Unknown key management: the rest still counts.
         {"Old|wpa2psk|aes|k",
          "New|wpa2psk|tkipaes|l",

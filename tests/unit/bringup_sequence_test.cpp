@@ -188,6 +188,7 @@ TEST_F(BringUpSequence, BareRadioThatIsOff) {
     EXPECT_FALSE(ran("wlconf"));
     EXPECT_EQ(Lines{}, platform.did("priority"));
 
+    caps.txbf = radio.txbfBfr = 1;
     caps.radioPwrsave = 1; // in this order, behind the one that is always 1
     for (int i = 0; i < 4; ++i)
         radio.radioPwrsaveParams[i] = i + 2;
@@ -196,6 +197,7 @@ TEST_F(BringUpSequence, BareRadioThatIsOff) {
     for (const std::string &entry : platform.did("set wl0_radio_pwrsave"))
         saved += entry.back();
     EXPECT_EQ("12345", saved);
+    EXPECT_EQ(Lines({"set wl0_txbf_bfr_cap=1", "set wl0_txbf_bfe_cap=0"}), platform.did("set wl0_txbf"));
 }
 
 namespace {

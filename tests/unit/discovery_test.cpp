@@ -306,6 +306,9 @@ TEST_F(Discovery, TheCapabilityListingIsACache) {
     platform.files[path] = ""; // an empty listing is asked for again
     EXPECT_EQ(0, qvWlanDumpWlCap("wl0", path));
     EXPECT_EQ(2U, platform.did("run ").size());
+    platform.files[path] = "x";
+    EXPECT_EQ(0, qvWlanDumpWlCap("wl0", path));
+    EXPECT_EQ(2U, platform.did("run ").size());
     platform.files[path] = "mbss16"; // as is one that somebody else left
     platform.foreign = {path};
     EXPECT_EQ(1, qvWlanGetMaxMbss("wl0"));
@@ -317,6 +320,9 @@ TEST_F(Discovery, TheCapabilityListingIsACache) {
     EXPECT_EQ(WLBRCM_EFAILED, qvWlanDumpWlCap("wl0|id", path));
     EXPECT_EQ("qvWlanDumpWlCap : error input wireless interface name\n",
               printed([&] { EXPECT_EQ(WLBRCM_EFAILED, qvWlanDumpWlCap("eth0", path)); }));
+    platform.loseOutput("wlctl -i wl0 cap");
+    platform.files.clear();
+    EXPECT_EQ(0, qvWlanDumpWlCap("wl0", path)); // whatever the command did
 }
 
 TEST_F(Discovery, WmmSupport) {
@@ -359,4 +365,7 @@ TEST_F(Discovery, BoardDevices) {
     EXPECT_EQ(0xabcd, radio.gpioOverlays);
     EXPECT_EQ((Lines{"ioctl /dev/chipinfo c0104300", "ioctl /dev/chipinfo c0104300", "ioctl /dev/brcmboard c0184232"}),
               platform.did("ioctl"));
+    platform.devices["/dev/brcmboard"] = [](unsigned long, void *) { return -1; };
+    qvWlanGetGPIOverlays(&radio);
+    EXPECT_EQ(0, radio.gpioOverlays);
 }

@@ -248,6 +248,8 @@ TEST_F(EventSockets, SendingOneMessage) {
     platform.forget();
     EXPECT_EQ(0, send(0x7fff, 32)); // no open descriptor
     EXPECT_EQ(Lines{"UDP send failed; sentBytes = -1\n"}, platform.logged(WLBRCM_LOG_ERR));
+    EXPECT_EQ(0, send(sock, 0));
+    EXPECT_EQ("", received(agent));
     EXPECT_EQ(0, send(0, 32)); // a descriptor, if no socket
     platform.failing["sendto"] = 1;
     EXPECT_EQ(0, send(sock, 32));

@@ -36,6 +36,9 @@ TEST(StatusNumbers, UnsignedNumbersAreReadWithAnyBase) {
     EXPECT_EQ(12U, unsignedNumber(std::string_view("12345", 2)));
     EXPECT_EQ(0xe02aU, hexNumber("0xe02a)"));
     EXPECT_EQ(0xe02aU, hexNumber(" E02a"));
+    EXPECT_EQ(INT_MIN, decimalNumber("-2147483649"));
+    EXPECT_EQ(INT_MAX, decimalNumber("2147483648"));
+    EXPECT_EQ(-2147483647, decimalNumber("-2147483647"));
 }
 
 TEST(StatusNumbers, RateListsExistForRealWidthsAndStreams) {

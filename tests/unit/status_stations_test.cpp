@@ -204,7 +204,11 @@ TEST_F(StatusStations, ModesRssiAndCutValues) {
     before.rssi = -3;
     for (const char *report : {"0\n", "12\n", "", " -5\n"}) {
         platform.answer("wlctl -i wl0.1 rssi", report);
-        const WlStaInfo sta = read("tx total pkts: 9\nrate of last rx pkt: 5\n", 'b', before);
+        const WlStaInfo sta = read("tx total pkts: 9\ntx pkts retries: 9\nrate of last rx pkt: 5\n"
+                                   "rate of last tx pkt: 6\n",
+                                   'b', before);
+        EXPECT_EQ(0U, sta.txRetries);
+        EXPECT_EQ(6U, sta.txRate);
         EXPECT_EQ(-3, sta.rssi) << report;
         EXPECT_EQ(4U, sta.txPkts);
         EXPECT_EQ(5U, sta.rxRate);

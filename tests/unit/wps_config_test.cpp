@@ -129,6 +129,7 @@ TEST_F(WpsConfig, LanGroupsAreOutOfTheBoxWhileOneRadioIs) {
         {"lan_", "wl0.1 eth0", "0", "0", "disabled"},
         {"lan_", "xwl0  wl1", "0", "3", "disabled"},
         {"lan1_", "", "0", "0", nullptr},
+        {"lan1_", "wl0", "0", nullptr, "enabled"},
         {"lan10_", "wl0", "0", "0", nullptr},
     };
     for (const auto &row : rows) {
@@ -310,6 +311,7 @@ TEST_F(WpsConfig, Getters) {
         {"wps_device_pin", std::string(50, '1')}, {"wps_uuid", std::string(36, 'u')}, {"wps_proc_status", "12"}};
     qvWlanGetWpsVendorPinCode(Arg("", "", "", 0, text));
     EXPECT_EQ(std::string(31, '1'), text); // the caller's 32 bytes
+    memset(text, 'x', sizeof text);
     qvWlanGetWPSUuid(Arg("", "", "", 0, text));
     EXPECT_EQ(std::string(36, 'u'), text);
     EXPECT_EQ(0, qvWlanGetWPSProcStatus(Arg("", "", "", 0, &status)));

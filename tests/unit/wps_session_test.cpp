@@ -143,6 +143,7 @@ TEST_F(WpsSession, QueriesTakeOneReplyOver) {
     } rows[] = {
         {"wps_config_command=1 wps_uuid=u", "1 0 0 u "},
         {std::string(256, 'x'), "0 0 0 old "},
+        {"x", "0 0 0 old "},
         {"wps_action=3 " + std::string(60000, ' '), "0 3 0 old "},
         {std::string("wps_action=3\0 wps_method=2", 26), "0 3 0 old "},
         {std::string(240, '#') + " wps_action=3333", "0 333 0 old "}, // the 255th byte is the last
@@ -151,7 +152,9 @@ TEST_F(WpsSession, QueriesTakeOneReplyOver) {
         preset();
         platform.forget();
         Peer peer(row.reply);
+        ::testing::internal::CaptureStderr();
         EXPECT_EQ(0, get_wps_env());
+        EXPECT_EQ("", ::testing::internal::GetCapturedStderr());
         EXPECT_EQ(Lines{kQuery}, peer.received());
         EXPECT_EQ(row.variables, variables()) << row.reply.substr(0, 40);
         const size_t length = std::min<size_t>(255, row.reply.find('\0'));
