@@ -24,11 +24,8 @@ json requestOf(const Call &call) {
 // The result of an answer; throws what the host could not do.
 json resultOf(const std::string &line) {
     json answer = json::parse(line);
-    if (Status status = answer.at("status"); status != Status::kDone) {
-        const json &error = answer.at("error");
-        auto known = [&](const char *key) { return error[key].is_string() ? error[key].get<std::string>() : ""; };
-        throw Failure(status, known("where"), known("text"), known("hint"));
-    }
+    if (Status status = answer.at("status"); status != Status::kDone)
+        throw failureOf(status, answer.at("error"));
     return answer.at("result");
 }
 

@@ -85,6 +85,8 @@ Module &loadModule(const std::string &library) {
     if (!init)
         throw Failure(Status::kEnvironment, library, "has no wlModuleInit", "this library is no module");
     theModule.library = library;
+    theModule.handle = handle;
+    theModule.nvramGet = symbol<const char *(const char *)>(handle, "nvram_get");
     theModule.phyType = symbol<decltype(qvWlanGetPhyType)>(handle, "qvWlanGetPhyType");
     theModule.checkPin = symbol<decltype(qvWlanWscPincheck)>(handle, "qvWlanWscPincheck");
     static WlModuleHostOps hostOps = {registerModule, registerIntf, registerEvents, printLog};

@@ -41,6 +41,8 @@ struct Module {
     WlEvtHandler *events = nullptr;
     const char *(*phyType)(const char *ifname) = nullptr; // null when the library does not export it
     int (*checkPin)(const char *pin) = nullptr;           // null when the library does not export it
+    const char *(*nvramGet)(const char *key) = nullptr;   // the platform's own, past anything that stands before it
+    void *handle = nullptr;                               // of the library
     std::string library;
 
     WlIntf *find(const std::string &radio) const;
