@@ -25,7 +25,10 @@ Option required(Option option) {
     return option;
 }
 
-const std::vector<Column> kRadioActions = {{"RADIO", "radio"}, {"ACTION", "action"}};
+const Option kKeep{"--keep", "keep", Value::kFlag, "Stations that are there already may stay"};
+const Option kDryRun{"--dry-run", "dry_run", Value::kFlag, "Tell what it would do, as plan does, and do nothing"};
+
+const std::vector<Column> kRadioActions = {{"RADIO", "radio"}, {"ACTION", "action"}, {"REASON", "reason"}};
 const std::vector<Column> kFilterSides = {
     {"IF", "interface"}, {"SIDE", "side"}, {"MODE", "mode"}, {"STATIONS", "stations"}};
 const std::vector<Column> kSession = {{"RADIO", "radio"},
@@ -59,6 +62,8 @@ const std::vector<Command> &commands() {
          {kConfig,
           {"--sim", "sim", Value::kFlag, "Run in a simulated gateway of its own"},
           {"--once", "once", Value::kFlag, "Bring the radios up and end"},
+          {"--fresh", "fresh", Value::kFlag, "Bring radios up that are as wanted already, too"},
+          kDryRun,
           kLibrary,
           {"--log-level",
            "log_level",
@@ -188,23 +193,40 @@ const std::vector<Command> &commands() {
          "Take the configuration file over again: the radios that it changes, or RADIO",
          {kRadio,
           {"--config", "config", Value::kFile, "Another file, which takes the place of the first"},
-          {"--all", "all", Value::kFlag, "Unchanged radios as well"}},
+          {"--all", "all", Value::kFlag, "Unchanged radios as well"},
+          kDryRun,
+          {"--rollback",
+           "rollback",
+           Value::kNumber,
+           "Seconds until the configuration before comes back, unless confirm comes first",
+           false,
+           {},
+           86400}},
          reload,
          showReload,
          kRadioActions,
-         ask},
+         askForReload},
+        {"confirm", "Keep what a reload with --rollback brought", {}, confirm, showMembers, {}, ask},
+        {"plan",
+         "What a reload would do, or a first start: nvram, commands, who loses the network; nothing is done",
+         {{"CONFIG", "config", Value::kFile, "Configuration file; without, the one in force"}, kLibrary},
+         plan,
+         showPlan,
+         {},
+         askForPlan},
         {"filter",
          "Show the MAC filter of an SSID, or set the user's side of it",
          {kInterface,
           {"MODE", "mode", Value::kText, "deny, allow or off", false, {"deny", "allow", "off"}},
-          {"MAC", "stations", Value::kStations, "Stations"}},
+          {"MAC", "stations", Value::kStations, "Stations"},
+          kKeep},
          filter,
          showFilter,
          kFilterSides,
          ask},
         {"ban",
          "Deny a station until unban, whatever the user's filter says",
-         {kInterface, required(kStation)},
+         {kInterface, required(kStation), kKeep},
          ban,
          showFilter,
          kFilterSides,

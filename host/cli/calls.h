@@ -16,6 +16,10 @@ Status askForScan(const Call &call);
 Status askForSession(const Call &call);
 // Shows events until there were --count of them, or for ever.
 Status askForEvents(const Call &call);
+// A plan; without a host that of a first start. Status 10 when something would change.
+Status askForPlan(const Call &call);
+// The same with --dry-run.
+Status askForReload(const Call &call);
 // Without a host, the version of this program.
 Status askForVersion(const Call &call);
 

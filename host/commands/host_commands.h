@@ -26,6 +26,9 @@ json load(Host &host, const json &args);
 json beacon(Host &host, const json &args);
 
 json reload(Host &host, const json &args);
+// What a reload would do.
+json plan(Host &host, const json &args);
+json confirm(Host &host, const json &args);
 json lan(Host &host, const json &args);
 json preset(Host &host, const json &args);
 json setMac(Host &host, const json &args);

@@ -6,18 +6,30 @@
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
+#include "host/state/light_changes.h"
+#include "host/verify/verification.h"
 
 namespace wlhost {
 namespace {
 
-json filterState(Host &host, const Host::Bss &bss) {
+json filterState(Host &host, const Host::Bss &bss, const std::vector<std::string> &sentAway = {}) {
     const WlSsidCfg &record = bss.record();
     json listed = json::array(), denied = json::array();
     for (const std::string &mac : splitWords(record.macFilterList))
         listed.push_back(formatMac(parseMac(mac).value_or(MacBytes{})));
     for (const std::string &mac : host.bans[record.ifName])
         denied.push_back(mac);
-    return {{"interface", record.ifName}, {"mode", filterMode(record)}, {"stations", listed}, {"denied", denied}};
+    return {{"interface", record.ifName},
+            {"mode", filterMode(record)},
+            {"stations", listed},
+            {"denied", denied},
+            {"sent_away", sentAway}};
+}
+
+// A filter keeps stations from joining; those that are there already are sent away, unless they may stay.
+json enforced(Host &host, const Host::Bss &bss, const json &args) {
+    host.demandVerified(*bss.intf, kOfFilter, bss.record().ifName);
+    return filterState(host, bss, flagArg(args, "keep") ? std::vector<std::string>() : sendDeniedAway(host, bss));
 }
 
 enum class BanCommand { kClear = 0, kDeny = 1, kReadmit = 2 };
@@ -38,7 +50,7 @@ json setBan(Host &host, const json &args, BanCommand command) {
         bans.insert(formatMac(mac));
     else
         bans.erase(formatMac(mac));
-    return filterState(host, bss);
+    return enforced(host, bss, args);
 }
 
 } // namespace
@@ -74,7 +86,7 @@ json filter(Host &host, const json &args) {
     copyText(record.macFilterMode, mode == "deny" ? "DENY" : mode == "allow" ? "ALLOW" : "");
     Host::check(stationFilter(bss.intf, record.objPath), record.ifName, "stationFilter");
     host.noteApplied(bss.intf);
-    return filterState(host, bss);
+    return enforced(host, bss, args);
 }
 
 json ban(Host &host, const json &args) { return setBan(host, args, BanCommand::kDeny); }

@@ -2,13 +2,26 @@
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
+#include "host/tap/dry_run.h"
+#include "host/verify/verification.h"
 
 namespace wlhost {
+namespace {
+
+constexpr std::chrono::seconds kPlanTime{20};
+
+Host::ReloadRequest reloadRequest(const json &args) {
+    return {textArg(args, "radio"), textArg(args, "config"), flagArg(args, "all"),
+            std::chrono::seconds(args.value("rollback", 0))};
+}
+
+} // namespace
 
 json preset(Host &host, const json &args) {
     std::string ifname = textArg(args, "interface");
     bool on = textArg(args, "state") == "on";
-    const WlSsidCfg &record = host.bss(ifname).record();
+    const Host::Bss target = host.bss(ifname);
+    const WlSsidCfg &record = target.record();
     std::vector<std::string> presets;
     for (const Host::Bss &bss : host.allBss())
         if (bss.record().presetRole == WLBRCM_PRESET_ON_DEMAND)
@@ -18,6 +31,7 @@ json preset(Host &host, const json &args) {
     auto *enablePreset = host.operation(host.module().ops->enablePresetSsid, "enablePresetSsid");
     Host::check(enablePreset(ifname.c_str(), on), ifname, "enablePresetSsid");
     host.presets[ifname] = on;
+    host.demandVerified(*target.intf, kOfBss | kOfInterface, ifname);
     return {{"interface", ifname}, {"preset", on ? "on" : "off"}};
 }
 
@@ -26,12 +40,21 @@ json setMac(Host &host, const json &args) {
     MacBytes mac = macOf(textArg(args, "mac"));
     auto *setWlanMacAddr = host.operation(host.module().ops->setWlanMacAddr, "setWlanMacAddr");
     Host::check(setWlanMacAddr(intf, mac.data()), intf->intfName, "setWlanMacAddr");
+    host.demandVerified(*intf, kOfAddress);
     return {{"radio", intf->intfName}, {"mac", formatMac(mac)}};
 }
 
 json reload(Host &host, const json &args) {
-    return host.reload(textArg(args, "radio"), textArg(args, "config"), flagArg(args, "all"));
+    if (flagArg(args, "dry_run"))
+        return plan(host, args);
+    return host.reload(reloadRequest(args));
 }
+
+json plan(Host &host, const json &args) {
+    return tap::inDryRun([&] { return host.planReload(reloadRequest(args)); }, kPlanTime);
+}
+
+json confirm(Host &host, const json &) { return host.confirm(); }
 
 json lan(Host &host, const json &args) { return host.updateLan(textArg(args, "config")); }
 

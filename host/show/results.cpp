@@ -24,14 +24,6 @@ std::string showStatus(const json &result, const std::vector<Column> &columns) {
     return !result.empty() && result[0].contains("items") ? itemRows(result) : table(columns, result);
 }
 
-std::string showRadios(const json &result, const std::vector<Column> &columns) {
-    return table(columns, result["radios"]);
-}
-
-std::string showReload(const json &result, const std::vector<Column> &columns) {
-    return showRadios(result, columns) + "lan " + result["lan"].get<std::string>() + "\n";
-}
-
 std::string showFilter(const json &result, const std::vector<Column> &columns) {
     json rows = {{{"interface", result["interface"]},
                   {"side", "user"},

@@ -12,6 +12,7 @@ std::string showRows(const json &result, const std::vector<Column> &columns);
 std::string showStatus(const json &result, const std::vector<Column> &columns);
 std::string showRadios(const json &result, const std::vector<Column> &columns);
 std::string showReload(const json &result, const std::vector<Column> &columns);
+std::string showPlan(const json &result, const std::vector<Column> &columns);
 std::string showFilter(const json &result, const std::vector<Column> &columns);
 std::string showLan(const json &result, const std::vector<Column> &columns);
 std::string showSurvey(const json &result, const std::vector<Column> &columns);

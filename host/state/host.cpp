@@ -2,94 +2,42 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 
 #include "host/base/addresses.h"
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
+#include "host/verify/verification.h"
 
 namespace wlhost {
 namespace {
 
-std::string systemAddress(const std::string &interface) {
-    std::ifstream file("/sys/class/net/" + interface + "/address");
-    std::string address;
-    file >> address;
-    auto mac = parseMac(address);
-    return mac ? formatMac(*mac, true) : "";
-}
-
-json outcome(const std::string &radio, const char *action, int rc = 0) {
-    return {{"radio", radio}, {"action", action}, {"result", rc}};
-}
-
-// A list of outcomes, or a Failure that names the radios which failed.
-json settled(const json &outcomes) {
-    std::vector<std::string> failed;
-    for (const json &one : outcomes)
-        if (one["result"] != 0)
-            failed.push_back(one["radio"].get<std::string>() + " (" + one["result"].dump() + ")");
-    if (!failed.empty())
-        throw Failure(Status::kFailed, "radios", "the module could not configure " + joined(failed), "see its log");
-    return outcomes;
+// What came of a transition, or a Failure when it is not what was asked.
+json demandSettled(json outcome) {
+    std::string text;
+    auto line = [&](const std::string &words) { text += (text.empty() ? "" : "\n") + words; };
+    for (const json &radio : outcome["radios"]) {
+        std::string name = radio["radio"];
+        if (radio["action"] == "missing")
+            line(name + ": does not exist");
+        else if (radio["result"] != 0)
+            line(name + ": the module could not configure it (" + radio["result"].dump() + ")");
+    }
+    for (const json &difference : outcome["differences"])
+        line(difference["text"]);
+    if (text.empty())
+        return outcome;
+    throw Failure(Status::kFailed, "", text, "see wlhost verify, and the log", std::move(outcome));
 }
 
 } // namespace
 
-LanRecords::LanRecords(const Config &config) {
-    for (const GroupFields &fields : config.lan) {
-        members_.emplace_back();
-        for (const std::string &name : lanMembers(config, fields)) {
-            members_.back().push_back({});
-            copyText(members_.back().back().ifName, name);
-        }
-        asked_.push_back(std::string(fields.name) + " " + fields.hwaddr + " " + joined(lanMembers(config, fields)));
-        WlLanGroup group{};
-        copyText(group.name, fields.name);
-        copyText(group.hwaddr, fields.hwaddr[0] ? fields.hwaddr : systemAddress(fields.name));
-        group.memberCount = static_cast<int32_t>(members_.back().size());
-        groups_.push_back(group);
-    }
-    for (size_t i = 0; i < groups_.size(); ++i)
-        groups_[i].members = members_[i].data();
-    lan_.count = static_cast<int32_t>(groups_.size());
-    lan_.groups = groups_.data();
-}
-
-json LanRecords::describe() const {
-    json groups = json::array();
-    for (size_t i = 0; i < groups_.size(); ++i) {
-        json ports = json::array();
-        for (const WlLanMember &member : members_[i])
-            ports.push_back(member.ifName);
-        auto mac = parseMac(groups_[i].hwaddr);
-        groups.push_back(
-            {{"name", groups_[i].name}, {"mac", mac ? json(formatMac(*mac)) : json()}, {"ports", std::move(ports)}});
-    }
-    return groups;
-}
-
-Host::Host(Module &module, Config config) : module_(module), config_(std::move(config)) {
-    bindAll(config_); // refuses what the radios cannot do before anything is applied
+Host::Host(Module &module, Config config, Verifier verifier)
+    : module_(module), config_(std::move(config)), verifier_(std::move(verifier)) {
     lan_ = std::make_unique<LanRecords>(config_);
+    Transition(*this, config_, {}); // refuses what the radios cannot do before anything is applied
 }
 
-std::vector<Host::Planned> Host::bindAll(const Config &config) const {
-    std::vector<Planned> plan;
-    Problems problems(config.document);
-    for (size_t i = 0; i < config.radios.size(); ++i) {
-        std::string name = config.radios[i].name();
-        WlIntf *intf = module_.find(name);
-        if (intf)
-            plan.push_back({intf, bindRadio(config, i, *intf, module_.phyType ? module_.phyType(name.c_str()) : nullptr,
-                                            problems)});
-        else
-            problems.add(Path() / "radios" / i / "name",
-                         "\"" + name + "\" does not exist; " + joined(module_.names(), "no radio was found"));
-    }
-    problems.throwIfAny();
-    return plan;
-}
+Host::~Host() = default;
 
 void Host::missingOperation(const char *name) {
     throw Failure(Status::kFailed, name, std::string("the module does not offer ") + name);
@@ -101,62 +49,47 @@ void Host::check(int rc, const std::string &where, const char *operation) {
                       "see the module's log");
 }
 
-json Host::apply(const Planned &planned, bool reloading) {
-    auto *init = operation(module_.ops->initWlan, "initWlan");
-    auto *reloadWlan = reloading ? operation(module_.ops->reloadWlan, "reloadWlan") : nullptr;
-    WlIntf &intf = *planned.intf;
-    int32_t boardWord = intf.radio.gpioOverlays; // the module's own word in the record
-    std::memcpy(&intf.radio, &planned.records.radio, sizeof intf.radio);
-    std::memcpy(intf.bss, planned.records.bss, sizeof intf.bss);
-    intf.radio.gpioOverlays = boardWord;
-    int rc = reloading ? reloadWlan(&intf) : init(&intf, lan_->get());
-    if (rc == 0)
-        applied_[&intf] = planned.records;
-    for (const WlSsidCfg &bss : planned.records.bss)
-        presets.erase(bss.ifName);
-    return outcome(intf.intfName, reloading ? "reloaded" : "started", rc);
-}
-
 json Host::bringUp() {
-    json outcomes = json::array();
-    for (const Planned &planned : bindAll(config_))
-        outcomes.push_back(apply(planned, false));
-    return settled(outcomes);
+    Transition transition(*this, config_, {});
+    transition.perform();
+    return transition.outcome();
 }
 
-json Host::reload(const std::string &radio, const std::string &file, bool all) {
-    Config fresh = Config::load(file.empty() ? configFile() : file);
-    std::vector<Planned> plan = bindAll(fresh);
-    auto named = [&](const Planned &planned) { return radio.empty() || radio == planned.intf->intfName; };
-    std::vector<std::string> names;
-    for (const Planned &planned : plan)
-        names.push_back(planned.intf->intfName);
-    if (std::none_of(plan.begin(), plan.end(), named))
-        throw Failure(Status::kNotFound, radio,
-                      radio.empty() ? "no radio is configured" : "no such radio is configured",
-                      "configured: " + joined(names));
+void Host::adopt(const std::set<std::string> &radios) { Transition(*this, config_, {}).adopt(radios); }
 
-    auto lan = std::make_unique<LanRecords>(fresh);
-    bool lanChanged = !lan->sameAs(*lan_) && lan->get()->count > 0;
-    if (lanChanged)
-        check(operation(module_.ops->updateLaninfo, "updateLaninfo")(nullptr, nullptr, lan->get()), "lan",
-              "updateLaninfo");
-    config_ = std::move(fresh);
-    lan_ = std::move(lan);
+Config Host::configOf(const ReloadRequest &request) const {
+    return Config::load(request.file.empty() ? configFile() : request.file);
+}
 
-    json outcomes = json::array();
-    for (const Planned &planned : plan) {
-        auto known = applied_.find(planned.intf);
-        bool unchanged = known != applied_.end() && known->second == planned.records;
-        if (!named(planned) || (unchanged && radio.empty() && !all))
-            outcomes.push_back(outcome(planned.intf->intfName, "unchanged"));
-        else
-            outcomes.push_back(apply(planned, known != applied_.end()));
-    }
-    for (const auto &known : applied_)
-        if (std::none_of(plan.begin(), plan.end(), [&](const Planned &p) { return p.intf == known.first; }))
-            outcomes.push_back(outcome(known.first->intfName, "left-alone"));
-    return {{"config", configFile()}, {"lan", lanChanged ? "updated" : "unchanged"}, {"radios", settled(outcomes)}};
+json Host::reload(const ReloadRequest &request) {
+    Config before = rollback_ ? rollback_->config : config_;
+    Transition transition(*this, configOf(request), {request.radio, request.all});
+    transition.perform();
+    rollback_.reset();
+    if (request.rollback.count() > 0)
+        rollback_ = Rollback{std::move(before), std::chrono::steady_clock::now() + request.rollback};
+    return demandSettled(transition.outcome());
+}
+
+json Host::confirm() {
+    if (!rollback_)
+        throw Failure(Status::kFailed, "confirm", "nothing waits to be confirmed",
+                      "wlhost reload --rollback SECONDS starts what does");
+    rollback_.reset();
+    return {{"config", configFile()}, {"confirmed", true}};
+}
+
+std::optional<std::chrono::steady_clock::time_point> Host::rollbackTime() const {
+    return rollback_ ? std::optional(rollback_->due) : std::nullopt;
+}
+
+json Host::rollBackWhenDue() {
+    if (!rollback_ || std::chrono::steady_clock::now() < rollback_->due)
+        return nullptr;
+    Transition transition(*this, rollback_->config, {});
+    rollback_.reset();
+    transition.perform();
+    return transition.outcome();
 }
 
 json Host::updateLan(const std::string &file) {
@@ -164,17 +97,46 @@ json Host::updateLan(const std::string &file) {
     // The LAN groups of the file; who is a member also depends on the SSIDs in force.
     fresh.radios = config_.radios;
     auto lan = std::make_unique<LanRecords>(fresh);
-    if (lan->get()->count == 0)
+    if (lan->count() == 0)
         throw Failure(Status::kUsage, file, "has no LAN groups", "give it lan.groups");
     check(operation(module_.ops->updateLaninfo, "updateLaninfo")(nullptr, nullptr, lan->get()), "lan", "updateLaninfo");
     lan_ = std::move(lan);
+    lanByCommand_ = true;
+    if (verifier_.gateway)
+        demand(verifier_.gateway(*this, kOfLan | kOfDaemons));
     return {{"groups", lan_->describe()}};
+}
+
+std::vector<Finding> Host::examined(WlIntf &intf, unsigned subjects, const std::string &interface) {
+    std::vector<Finding> differences;
+    if (verifier_.radio)
+        for (Finding &finding : verifier_.radio(*this, intf, subjects, interface))
+            if (!finding.holds)
+                differences.push_back(std::move(finding));
+    return differences;
+}
+
+std::vector<Finding> Host::examinedGateway() {
+    return verifier_.gateway ? verifier_.gateway(*this, kOfEverything) : std::vector<Finding>();
+}
+
+void Host::demandVerified(WlIntf &intf, unsigned subjects, const std::string &interface) {
+    demand(examined(intf, subjects, interface));
 }
 
 std::vector<WlIntf *> Host::configuredRadios() {
     std::vector<WlIntf *> radios;
     for (const RadioConfig &radio : config_.radios)
-        radios.push_back(module_.find(radio.name()));
+        if (WlIntf *intf = module_.find(radio.name()))
+            radios.push_back(intf);
+    return radios;
+}
+
+std::vector<WlIntf *> Host::abandonedRadios() const {
+    std::vector<WlIntf *> radios;
+    for (const auto &[intf, applied] : applied_)
+        if (applied.off)
+            radios.push_back(intf);
     return radios;
 }
 
@@ -188,11 +150,18 @@ WlIntf *Host::radio(const std::string &name) {
     throw Failure(Status::kNotFound, name, "no such radio is configured", "configured: " + joined(names));
 }
 
+std::vector<Host::Bss> Host::bssOf(WlIntf *intf) {
+    std::vector<Bss> all;
+    for (size_t i = 0; i < intf->radio.bssCount && i < WLBRCM_MAX_BSS; ++i)
+        all.push_back({intf, i});
+    return all;
+}
+
 std::vector<Host::Bss> Host::allBss() {
     std::vector<Bss> all;
     for (WlIntf *intf : configuredRadios())
-        for (size_t i = 0; i < intf->radio.bssCount && i < WLBRCM_MAX_BSS; ++i)
-            all.push_back({intf, i});
+        for (const Bss &bss : bssOf(intf))
+            all.push_back(bss);
     return all;
 }
 
@@ -206,12 +175,37 @@ Host::Bss Host::bss(const std::string &ifname) {
     throw Failure(Status::kNotFound, ifname, "no such BSS is configured", "configured: " + joined(names));
 }
 
+std::vector<std::string> Host::stationsOn(const Bss &bss) {
+    std::vector<std::string> stations;
+    if (!module_.ops->getAssocDevList || !bss.record().enable || !bss.intf->radio.radioOn)
+        return stations;
+    List<WlStaInfo> list;
+    module_.ops->getAssocDevList(bss.intf, static_cast<int>(bss.index), list.place(), list.countPlace());
+    for (const WlStaInfo &station : list)
+        if (auto mac = parseMac(station.macAddr))
+            stations.push_back(formatMac(*mac));
+    return stations;
+}
+
+json Host::stationRows(WlIntf &intf) {
+    json rows = json::array();
+    for (const Bss &bss : bssOf(&intf))
+        for (const std::string &mac : stationsOn(bss))
+            rows.push_back({{"mac", mac}, {"interface", bss.record().ifName}});
+    return rows;
+}
+
+bool Host::isSwitchedOn(const WlSsidCfg &bss) const {
+    auto known = presets.find(bss.ifName);
+    return known != presets.end() && known->second;
+}
+
 void Host::noteApplied(WlIntf *intf) {
     auto known = applied_.find(intf);
     if (known == applied_.end())
         return;
     for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i) {
-        WlSsidCfg &kept = known->second.bss[i];
+        WlSsidCfg &kept = known->second.now.bss[i];
         const WlSsidCfg &now = intf->bss[i];
         std::memcpy(kept.macFilterMode, now.macFilterMode, sizeof now.macFilterMode);
         std::memcpy(kept.macFilterList, now.macFilterList, sizeof now.macFilterList);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -9,28 +10,14 @@
 #include <string>
 
 #include "host/config/configuration.h"
+#include "host/state/lan_records.h"
 #include "host/state/loaded_module.h"
+#include "host/state/transition.h"
 
 namespace wlhost {
 
-// LAN groups in the module's records, with the storage behind them.
-class LanRecords {
-  public:
-    explicit LanRecords(const Config &config);
-    LanRecords(const LanRecords &) = delete;
-    LanRecords &operator=(const LanRecords &) = delete;
-
-    const WlLanCfg *get() const { return &lan_; }
-    json describe() const;
-    // Whether the configuration asks for the same; the addresses that the system gave meanwhile do not count.
-    bool sameAs(const LanRecords &other) const { return asked_ == other.asked_; }
-
-  private:
-    std::vector<std::vector<WlLanMember>> members_;
-    std::vector<WlLanGroup> groups_;
-    WlLanCfg lan_{};
-    std::vector<std::string> asked_;
-};
+class Host;
+struct Finding;
 
 // The WPS session that this host started last. The daemon runs one at a time for all radios.
 struct WpsSession {
@@ -42,22 +29,55 @@ struct WpsSession {
     bool cancelled = false; // by a command
 };
 
+// How the host finds out whether what it asked for is so; see verify/verification.h.
+struct Verifier {
+    std::function<std::vector<Finding>(Host &, WlIntf &, unsigned subjects, const std::string &interface)> radio;
+    std::function<std::vector<Finding>(Host &, unsigned subjects)> gateway;
+};
+
 class Host {
   public:
-    // Checks the configuration against the radios that exist; throws a Failure when they cannot do it.
-    Host(Module &module, Config config);
+    // Checks the configuration against the radios that exist; throws a Failure when they cannot do it. Radios that are
+    // missing are left out.
+    Host(Module &module, Config config, Verifier verifier = {});
+    ~Host();
 
     Module &module() const { return module_; }
+    const Config &config() const { return config_; }
     const std::string &configFile() const { return config_.document.file; }
+    const LanRecords &lan() const { return *lan_; }
 
-    // First configuration of every configured radio; what became of each.
+    // First configuration of the radios that are configured and there.
     json bringUp();
-    // Takes a configuration file over: radios whose settings changed are reloaded.
-    // With `radio` only that one, changed or not; with `all` unchanged ones as well. `file`, unless it is empty,
-    // becomes the one in force.
-    json reload(const std::string &radio, const std::string &file, bool all);
+    // Has only the module learn of radios that are as wanted already; where effects are held back.
+    void adopt(const std::set<std::string> &radios);
+    struct ReloadRequest {
+        std::string radio = {};           // only this one, changed or not
+        std::string file = {};            // unless empty, becomes the one in force
+        bool all = false;                 // unchanged radios as well
+        std::chrono::seconds rollback{0}; // back to the configuration before, unless confirmed by then; 0 for never
+    };
+    // Takes a configuration file over. Each radio gets the lightest operation that does it; one that is not as it should
+    // be counts as changed. What was done to each radio and what differs afterwards.
+    json reload(const ReloadRequest &request);
     // Takes over the LAN groups of a file.
     json updateLan(const std::string &file);
+    // What bringUp() or reload() would do. Changes nothing, but what this process holds: for a process of its own.
+    json planBringUp(bool fresh);
+    json planReload(const ReloadRequest &request);
+
+    // Keeps the configuration that a reload with `rollback` brought. Throws when none waits for it.
+    json confirm();
+    // When the configuration before comes back, unless confirmed.
+    std::optional<std::chrono::steady_clock::time_point> rollbackTime() const;
+    // Brings it back when the time has come; what became of the radios, else null.
+    json rollBackWhenDue();
+
+    // Differences from what was asked of one radio, and of the gateway as far as the subjects concern it.
+    std::vector<Finding> examined(WlIntf &intf, unsigned subjects, const std::string &interface = {});
+    std::vector<Finding> examinedGateway();
+    // Throws when there are any.
+    void demandVerified(WlIntf &intf, unsigned subjects, const std::string &interface = {});
 
     // One operation of the module's table. Throws when the module does not offer it.
     template <typename Slot> Slot operation(Slot slot, const char *name) const {
@@ -78,13 +98,22 @@ class Host {
     };
     // A radio that is configured. Throws status 3, naming those that are.
     WlIntf *radio(const std::string &name);
+    // Those that are there.
     std::vector<WlIntf *> configuredRadios();
+    // Those that were taken off the air since the file no longer has them.
+    std::vector<WlIntf *> abandonedRadios() const;
     Bss bss(const std::string &ifname);
     std::vector<Bss> allBss();
+    static std::vector<Bss> bssOf(WlIntf *intf);
+    // Addresses of a BSS's stations, as the module tells them.
+    std::vector<std::string> stationsOn(const Bss &bss);
+
+    json stationRows(WlIntf &intf);
 
     // Keeps what the MAC filter or a WPS registration made of a record at run time, so that a reload of the same file
     // sees it as a change.
     void noteApplied(WlIntf *intf);
+    bool isSwitchedOn(const WlSsidCfg &bss) const;
 
     std::map<std::string, std::set<std::string>> bans; // addresses denied at run time, by interface
     std::map<std::string, bool> presets;               // on-demand SSIDs that were switched, by interface
@@ -92,18 +121,27 @@ class Host {
     uint64_t eventCount = 0; // events so far: the sequence number of the last one
 
   private:
-    struct Planned {
-        WlIntf *intf;
-        RadioRecords records;
+    friend class Transition;
+    // What a radio was given, and what has become of it at run time.
+    struct Applied {
+        RadioRecords given, now;
+        bool off = false; // left the file
     };
-    std::vector<Planned> bindAll(const Config &config) const;
-    json apply(const Planned &planned, bool reloading);
+    struct Rollback {
+        Config config;
+        std::chrono::steady_clock::time_point due;
+    };
+    Config configOf(const ReloadRequest &request) const;
+    json takeOver(Config config, const ReloadRequest &request);
     [[noreturn]] static void missingOperation(const char *name);
 
     Module &module_;
     Config config_;
     std::unique_ptr<LanRecords> lan_;
-    std::map<WlIntf *, RadioRecords> applied_;
+    bool lanByCommand_ = false; // the groups in force are not those of the file
+    std::map<WlIntf *, Applied> applied_;
+    std::optional<Rollback> rollback_;
+    Verifier verifier_;
 };
 
 } // namespace wlhost

@@ -89,6 +89,9 @@ Module &loadModule(const std::string &library) {
     theModule.nvramGet = symbol<const char *(const char *)>(handle, "nvram_get");
     theModule.phyType = symbol<decltype(qvWlanGetPhyType)>(handle, "qvWlanGetPhyType");
     theModule.checkPin = symbol<decltype(qvWlanWscPincheck)>(handle, "qvWlanWscPincheck");
+    theModule.setUpstreamRate = symbol<decltype(qvWlanSetUpstreamRate)>(handle, "qvWlanSetUpstreamRate");
+    theModule.setDownstreamRate = symbol<decltype(qvWlanSetDownstreamRate)>(handle, "qvWlanSetDownstreamRate");
+    theModule.setFlowCache = symbol<decltype(qvWlanFlowCacheSetup)>(handle, "qvWlanFlowCacheSetup");
     static WlModuleHostOps hostOps = {registerModule, registerIntf, registerEvents, printLog};
     if (int rc = init(&hostOps, &theModule); rc != 0 || !theModule.ops)
         throw Failure(Status::kFailed, library, "wlModuleInit returned " + std::to_string(rc),
