@@ -52,6 +52,8 @@ struct Command {
     Status (*run)(const Call &call);
     // The connection stays open behind the answer, for what comes later.
     bool follows = false;
+    // The exit status that a result stands for, where not every result means that all is well.
+    Status (*meaning)(const json &result) = nullptr;
 };
 
 // A command as it was typed.

@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 
@@ -21,12 +22,18 @@ json requestOf(const Call &call) {
     return {{"command", call.command->name}, {"args", args}};
 }
 
-// The result of an answer; throws what the host could not do.
-json resultOf(const std::string &line) {
+struct Answer {
+    Status status;
+    json result;
+};
+
+// Throws what the host could not do.
+Answer answerOf(const std::string &line) {
     json answer = json::parse(line);
-    if (Status status = answer.at("status"); status != Status::kDone)
+    Status status = answer.at("status");
+    if (!answer.contains("result"))
         throw failureOf(status, answer.at("error"));
-    return answer.at("result");
+    return {status, answer["result"]};
 }
 
 json resultOf(const Call &call, const std::function<void(int)> &tick = {}) {
@@ -51,7 +58,7 @@ Status settle(const json &session, const Call &call) {
 } // namespace
 
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick) {
-    return resultOf(callHost(socket, request.dump(), timeout, tick));
+    return answerOf(callHost(socket, request.dump(), timeout, tick)).result;
 }
 
 void showResult(const Call &call, const json &result, FILE *out) {
@@ -65,8 +72,19 @@ std::string absolutePath(const std::string &path) {
 }
 
 Status ask(const Call &call) {
-    showResult(call, resultOf(call));
-    return Status::kDone;
+    Answer answer = answerOf(callHost(call.socket, requestOf(call).dump(), call.timeout, {}));
+    showResult(call, answer.result);
+    return answer.status;
+}
+
+Status askForVerification(const Call &call) {
+    Answer answer = answerOf(callHost(call.socket, requestOf(call).dump(), call.timeout, {}));
+    showResult(call, answer.result);
+    const json &findings = answer.result["findings"];
+    auto unmet = std::count_if(findings.begin(), findings.end(), [](const json &one) { return !one["holds"]; });
+    if (unmet > 0 && !call.asJson)
+        std::fprintf(stderr, "%zd %s not hold\n", unmet, unmet == 1 ? "check does" : "checks do");
+    return answer.status;
 }
 
 Status askForScan(const Call &call) {
@@ -104,7 +122,7 @@ Status askForSession(const Call &call) {
 Status askForEvents(const Call &call) {
     const int count = call.args.value("count", 0);
     ControlClient client(call.socket, requestOf(call).dump(), call.timeout);
-    resultOf(client.nextLine(call.timeout));
+    answerOf(client.nextLine(call.timeout));
     for (int seen = 0; count == 0 || seen < count; ++seen) {
         std::string line = client.nextLine(-1);
         std::printf("%s\n", call.asJson ? line.c_str() : call.command->show(json::parse(line), {}).c_str());

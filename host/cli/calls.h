@@ -12,6 +12,8 @@ namespace wlhost {
 Status ask(const Call &call);
 // The same, and tells meanwhile that a scan takes its time.
 Status askForScan(const Call &call);
+// The same, and counts the checks that do not hold.
+Status askForVerification(const Call &call);
 // A WPS session; with --wait until it ends.
 Status askForSession(const Call &call);
 // Shows events until there were --count of them, or for ever.

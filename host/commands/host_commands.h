@@ -2,7 +2,7 @@
 // the command's row; what they mean is checked here.
 #pragma once
 
-#include "host/base/json.h"
+#include "host/base/failure.h"
 
 namespace wlhost {
 
@@ -14,6 +14,10 @@ constexpr const char *kHostVersion = "1.0";
 json status(Host &host, const json &args);
 json ssids(Host &host, const json &args);
 json version(Host &host, const json &args);
+
+// What differs from what was asked for, or every check.
+json verify(Host &host, const json &args);
+Status meaningOfFindings(const json &result);
 
 json stations(Host &host, const json &args);
 json kick(Host &host, const json &args);

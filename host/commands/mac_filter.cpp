@@ -28,7 +28,7 @@ json filterState(Host &host, const Host::Bss &bss, const std::vector<std::string
 
 // A filter keeps stations from joining; those that are there already are sent away, unless they may stay.
 json enforced(Host &host, const Host::Bss &bss, const json &args) {
-    host.demandVerified(*bss.intf, kOfFilter, bss.record().ifName);
+    host.demandVerified(bss.intf, kOfFilter, bss.record().ifName);
     return filterState(host, bss, flagArg(args, "keep") ? std::vector<std::string>() : sendDeniedAway(host, bss));
 }
 

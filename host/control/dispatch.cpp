@@ -59,7 +59,9 @@ json run(Host &host, const json &request) {
     if (!args.is_object())
         throw Failure(Status::kUsage, "args", "is not an object");
     const Command &command = commandOf(request.at("command"));
-    return command.answer(host, checkedArguments(command, args));
+    json result = command.answer(host, checkedArguments(command, args));
+    Status status = command.meaning ? command.meaning(result) : Status::kDone;
+    return {{"status", status}, {"result", std::move(result)}};
 }
 
 } // namespace
@@ -73,7 +75,7 @@ bool subscribes(const std::string &request) {
 
 json answer(Host &host, const std::string &request) {
     try {
-        return {{"status", Status::kDone}, {"result", run(host, json::parse(request))}};
+        return run(host, json::parse(request));
     } catch (const Failure &failure) {
         return {{"status", failure.status}, {"error", errorOf(failure)}};
     } catch (const json::exception &error) {

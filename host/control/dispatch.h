@@ -10,7 +10,8 @@ namespace wlhost {
 class Host;
 
 // Answers one request `{"command": ..., "args": {...}}` with `{"status": 0, "result": ...}` or
-// `{"status": 3, "error": {"code", "where", "text", "hint"}}`. Never throws.
+// `{"status": 3, "error": {"code", "where", "text", "hint"}}`. A result may come with another status than 0: the
+// command was carried out, and what it found is not well. Never throws.
 json answer(Host &host, const std::string &request);
 
 // Whether a request asks for events as they come, behind its answer.

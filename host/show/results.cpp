@@ -24,6 +24,17 @@ std::string showStatus(const json &result, const std::vector<Column> &columns) {
     return !result.empty() && result[0].contains("items") ? itemRows(result) : table(columns, result);
 }
 
+std::string showFindings(const json &result, const std::vector<Column> &columns) {
+    json rows = json::array();
+    for (json row : result["findings"]) {
+        row["place"] = !row["interface"].is_null() ? row["interface"] : row["radio"];
+        if (!row["said"].is_null())
+            row["found"] = "no answer: " + row["said"].get<std::string>();
+        rows.push_back(row);
+    }
+    return rows.empty() ? "ok\n" : table(columns, rows);
+}
+
 std::string showFilter(const json &result, const std::vector<Column> &columns) {
     json rows = {{{"interface", result["interface"]},
                   {"side", "user"},

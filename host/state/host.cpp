@@ -102,26 +102,21 @@ json Host::updateLan(const std::string &file) {
     check(operation(module_.ops->updateLaninfo, "updateLaninfo")(nullptr, nullptr, lan->get()), "lan", "updateLaninfo");
     lan_ = std::move(lan);
     lanByCommand_ = true;
-    if (verifier_.gateway)
-        demand(verifier_.gateway(*this, kOfLan | kOfDaemons));
+    demandVerified(nullptr, kOfLan | kOfDaemons);
     return {{"groups", lan_->describe()}};
 }
 
-std::vector<Finding> Host::examined(WlIntf &intf, unsigned subjects, const std::string &interface) {
-    std::vector<Finding> differences;
-    if (verifier_.radio)
-        for (Finding &finding : verifier_.radio(*this, intf, subjects, interface))
-            if (!finding.holds)
-                differences.push_back(std::move(finding));
-    return differences;
+std::vector<Finding> Host::differences(WlIntf *intf, unsigned subjects, const std::string &interface, bool patient) {
+    std::vector<Finding> findings;
+    if (verifier_)
+        findings = verifier_(*this, intf, subjects, interface, patient);
+    auto holds = [](const Finding &finding) { return finding.holds; };
+    findings.erase(std::remove_if(findings.begin(), findings.end(), holds), findings.end());
+    return findings;
 }
 
-std::vector<Finding> Host::examinedGateway() {
-    return verifier_.gateway ? verifier_.gateway(*this, kOfEverything) : std::vector<Finding>();
-}
-
-void Host::demandVerified(WlIntf &intf, unsigned subjects, const std::string &interface) {
-    demand(examined(intf, subjects, interface));
+void Host::demandVerified(WlIntf *intf, unsigned subjects, const std::string &interface) {
+    demand(differences(intf, subjects, interface));
 }
 
 std::vector<WlIntf *> Host::configuredRadios() {

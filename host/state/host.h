@@ -13,6 +13,7 @@
 #include "host/state/lan_records.h"
 #include "host/state/loaded_module.h"
 #include "host/state/transition.h"
+#include "host/verify/platform.h"
 
 namespace wlhost {
 
@@ -30,10 +31,9 @@ struct WpsSession {
 };
 
 // How the host finds out whether what it asked for is so; see verify/verification.h.
-struct Verifier {
-    std::function<std::vector<Finding>(Host &, WlIntf &, unsigned subjects, const std::string &interface)> radio;
-    std::function<std::vector<Finding>(Host &, unsigned subjects)> gateway;
-};
+// `intf` is null for what concerns no radio; a patient look waits a moment for what may still come.
+using Verifier = std::function<std::vector<Finding>(Host &, WlIntf *intf, unsigned subjects,
+                                                    const std::string &interface, bool patient)>;
 
 class Host {
   public:
@@ -73,11 +73,12 @@ class Host {
     // Brings it back when the time has come; what became of the radios, else null.
     json rollBackWhenDue();
 
-    // Differences from what was asked of one radio, and of the gateway as far as the subjects concern it.
-    std::vector<Finding> examined(WlIntf &intf, unsigned subjects, const std::string &interface = {});
-    std::vector<Finding> examinedGateway();
-    // Throws when there are any.
-    void demandVerified(WlIntf &intf, unsigned subjects, const std::string &interface = {});
+    // What differs from what was asked: of one radio, or with null of what concerns no radio.
+    std::vector<Finding> differences(WlIntf *intf, unsigned subjects, const std::string &interface = {},
+                                     bool patient = true);
+    bool verifies() const { return static_cast<bool>(verifier_); }
+    // Throws when anything differs.
+    void demandVerified(WlIntf *intf, unsigned subjects, const std::string &interface = {});
 
     // One operation of the module's table. Throws when the module does not offer it.
     template <typename Slot> Slot operation(Slot slot, const char *name) const {
@@ -107,7 +108,6 @@ class Host {
     static std::vector<Bss> bssOf(WlIntf *intf);
     // Addresses of a BSS's stations, as the module tells them.
     std::vector<std::string> stationsOn(const Bss &bss);
-
     json stationRows(WlIntf &intf);
 
     // Keeps what the MAC filter or a WPS registration made of a record at run time, so that a reload of the same file
@@ -118,7 +118,8 @@ class Host {
     std::map<std::string, std::set<std::string>> bans; // addresses denied at run time, by interface
     std::map<std::string, bool> presets;               // on-demand SSIDs that were switched, by interface
     std::optional<WpsSession> wps;
-    uint64_t eventCount = 0; // events so far: the sequence number of the last one
+    const Platform *platform = &devicePlatform(); // what is asked how things really are
+    uint64_t eventCount = 0;                      // events so far: the sequence number of the last one
 
   private:
     friend class Transition;

@@ -15,7 +15,7 @@ const char *actionOf(const Transition::Step &step) {
 unsigned subjectsOf(const Transition::Step &step) {
     constexpr unsigned kSubjects[] = {0,
                                       kOfFilter | kOfLimits,
-                                      kOfBss | kOfInterface | kOfFilter | kOfLimits,
+                                      kOfBss | kOfInterface | kOfBridge | kOfFilter | kOfLimits,
                                       kOfEverything,
                                       kOfEverything,
                                       kOfEverything,
@@ -42,18 +42,17 @@ json Transition::outcome() {
     json radios = json::array(), differences = json::array();
     auto add = [&](const std::vector<Finding> &findings) {
         for (const Finding &finding : findings)
-            if (!finding.holds)
-                differences.push_back(findingRow(finding));
+            differences.push_back(findingRow(finding)), differences.back()["text"] = differenceLine(finding);
     };
     bool changes = lanChanges_;
     for (const Step &step : steps_) {
         radios.push_back(rowOf(step));
         if (subjectsOf(step) != 0)
-            add(host_.examined(*step.intf, subjectsOf(step)));
+            add(host_.differences(step.intf, subjectsOf(step)));
         changes |= step.adopt || step.change.operation != Operation::kNone;
     }
     if (changes)
-        add(host_.examinedGateway());
+        add(host_.differences(nullptr, kOfEverything));
     for (const std::string &name : missing_)
         radios.push_back({{"radio", name}, {"action", "missing"}, {"operation", "none"}, {"result", nullptr}});
     return {{"config", host_.configFile()},

@@ -149,7 +149,7 @@ json Host::planBringUp(bool fresh) {
     for (size_t i = 0; !fresh && plan["lan"]["nvram"].empty() && i < plan["radios"].size(); ++i) {
         json &radio = plan["radios"][i];
         WlIntf &intf = *transition.steps()[i].intf;
-        if (radio["nvram"].empty() && examined(intf, kOfEverything).empty())
+        if (radio["nvram"].empty() && differences(&intf, kOfEverything, {}, false).empty())
             radio.update({{"operation", "none"},
                           {"reason", "is as wanted already"},
                           {"drops", json::array()},

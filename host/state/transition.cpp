@@ -137,7 +137,7 @@ void Transition::weigh(Step &step, const Scope &scope) {
         step.change.operation = Operation::kReload;
         step.change.reason = "was asked for";
     } else if (!takesDown(step.change.operation)) {
-        repair(host_.examined(*step.intf, kOfEverything), known->second.now, step.change);
+        repair(host_.differences(step.intf, kOfEverything, {}, false), known->second.now, step.change);
     }
     const Module &module = host_.module();
     for (const LightChange &part : step.change.parts)

@@ -1,0 +1,166 @@
+#include "host/verify/verification.h"
+
+#include <algorithm>
+
+#include "host/verify/checks.h"
+
+namespace wlhost {
+namespace {
+
+void replaceAll(std::string &text, const std::string &name, const std::string &value) {
+    for (size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + value.size()))
+        text.replace(at, name.size(), value);
+}
+
+// A BSS without an interface has nothing that could be asked about; that it is missing says it all.
+bool isMissing(const Findings &findings) { return !findings.empty() && findings.back().found == "missing"; }
+
+void examinePlace(const Place &place, Scope scope, unsigned subjects, Findings &findings) {
+    for (const Check &check : checks()) {
+        if (check.scope != scope || (check.subject & subjects) == 0 || !check.applies(place))
+            continue;
+        findings.push_back(carryOut(check, place));
+        if (scope == Scope::kBss && isMissing(findings))
+            return;
+    }
+}
+
+const std::string &shownOr(const std::string &text, const std::string &otherwise) {
+    return text.empty() ? otherwise : text;
+}
+
+} // namespace
+
+bool isRadioWanted(const Place &place) {
+    std::vector<WlIntf *> radios = place.host.configuredRadios();
+    return std::count(radios.begin(), radios.end(), place.intf) > 0 && place.intf->radio.radioOn;
+}
+
+Air wantedAir(const Place &place) {
+    if (!isRadioWanted(place) || !place.bss->valid || !place.bss->enable)
+        return Air::kOff;
+    auto switched = place.host.presets.find(place.bss->ifName);
+    bool on = switched != place.host.presets.end() && switched->second;
+    return place.bss->presetRole == WLBRCM_PRESET_ON_DEMAND && !on ? Air::kStandby : Air::kOn;
+}
+
+bool answered(const ToolAnswer &answer, Finding &finding) {
+    if (answer)
+        return true;
+    finding.said = answer.said;
+    finding.holds = false;
+    return false;
+}
+
+void compare(Finding &finding, const std::string &wanted, const std::string &found) {
+    finding.wanted = wanted;
+    finding.found = found;
+    finding.holds = wanted == found;
+}
+
+Finding carryOut(const Check &check, const Place &place) {
+    Finding finding;
+    finding.radio = place.radio();
+    finding.interface = place.interface();
+    finding.check = check.name;
+    finding.subject = check.subject;
+    finding.mayCome = check.mayCome;
+    check.look(place, finding);
+    std::string cure = finding.holds ? "" : shownOr(finding.cure, check.cure);
+    replaceAll(cure, "{radio}", place.radio());
+    replaceAll(cure, "{if}", place.interface());
+    replaceAll(cure, "{config}", place.host.configFile());
+    finding.cure = cure;
+    return finding;
+}
+
+Findings examine(Host &host, World &world, WlIntf &intf, unsigned subjects, const std::string &interface) {
+    Findings findings;
+    Place radio{host, world, &intf};
+    examinePlace(radio, Scope::kRadio, subjects, findings);
+    for (size_t i = 0; i < intf.radio.bssCount && i < WLBRCM_MAX_BSS; ++i)
+        if (intf.bss[i].ifName[0] && (interface.empty() || interface == intf.bss[i].ifName))
+            examinePlace({host, world, &intf, &intf.bss[i]}, Scope::kBss, subjects, findings);
+    return findings;
+}
+
+Findings examine(Host &host, WlIntf &intf, unsigned subjects, const std::string &interface) {
+    World world(host);
+    return examine(host, world, intf, subjects, interface);
+}
+
+Findings examineGateway(Host &host, World &world, unsigned subjects) {
+    Findings findings;
+    examinePlace({host, world}, Scope::kGateway, subjects, findings);
+    return findings;
+}
+
+Findings examineGateway(Host &host, unsigned subjects) {
+    World world(host);
+    return examineGateway(host, world, subjects);
+}
+
+Findings examineAll(Host &host, unsigned subjects, const std::string &radio) {
+    World world(host);
+    Findings all;
+    auto add = [&](Findings some) { all.insert(all.end(), some.begin(), some.end()); };
+    for (WlIntf *intf : radio.empty() ? host.configuredRadios() : std::vector<WlIntf *>{host.radio(radio)})
+        add(examine(host, world, *intf, subjects));
+    add(examineGateway(host, world, subjects));
+    return all;
+}
+
+Findings settled(Host &host, const std::function<Findings()> &look) {
+    constexpr int kStep = 100, kLongest = 2000; // ms
+    auto mayCome = [](const Finding &one) { return !one.holds && one.mayCome; };
+    Findings findings = look();
+    for (int waited = 0; waited < kLongest && std::any_of(findings.begin(), findings.end(), mayCome); waited += kStep) {
+        host.platform->pause(kStep);
+        findings = look();
+    }
+    return findings;
+}
+
+void demand(const Findings &findings) {
+    json differences = json::array();
+    std::string lines;
+    for (const Finding &finding : findings) {
+        if (finding.holds)
+            continue;
+        differences.push_back(findingRow(finding));
+        lines += "\n  " + differenceLine(finding);
+    }
+    if (differences.empty())
+        return;
+    throw Failure(Status::kFailed, "",
+                  (differences.size() == 1 ? "1 check does not hold:" : std::to_string(differences.size()) +
+                                                                           " checks do not hold:") + lines,
+                  differences[0]["cure"].get<std::string>(), {{"differences", differences}});
+}
+
+std::string differenceLine(const Finding &finding) {
+    std::string text = shownOr(finding.interface, finding.radio);
+    text += (text.empty() ? "" : " ") + finding.check + ": wanted " + finding.wanted;
+    return text + (finding.said.empty() ? ", found " + finding.found : ", no answer: " + finding.said);
+}
+
+Verifier platformVerifier() {
+    return [](Host &host, WlIntf *intf, unsigned subjects, const std::string &interface, bool patient) {
+        auto look = [&] { return intf ? examine(host, *intf, subjects, interface) : examineGateway(host, subjects); };
+        return patient ? settled(host, look) : look();
+    };
+}
+
+json findingRow(const Finding &finding) {
+    auto known = [](const std::string &text) { return text.empty() ? json() : json(text); };
+    return {{"radio", known(finding.radio)},
+            {"interface", known(finding.interface)},
+            {"check", finding.check},
+            {"wanted", finding.wanted},
+            {"found", known(finding.found)},
+            {"holds", finding.holds},
+            {"cure", finding.cure},
+            {"said", known(finding.said)}};
+}
+
+} // namespace wlhost
