@@ -14,14 +14,6 @@
 namespace wlhost {
 namespace {
 
-json requestOf(const Call &call) {
-    json args = call.args;
-    for (const Option &option : call.command->options)
-        if (option.value == Value::kFile && args.contains(option.key))
-            args[option.key] = absolutePath(args[option.key]);
-    return {{"command", call.command->name}, {"args", args}};
-}
-
 struct Answer {
     Status status;
     json result;
@@ -56,6 +48,14 @@ Status settle(const json &session, const Call &call) {
 }
 
 } // namespace
+
+json requestOf(const Call &call) {
+    json args = call.args;
+    for (const Option &option : call.command->options)
+        if (option.value == Value::kFile && args.contains(option.key))
+            args[option.key] = absolutePath(args[option.key]);
+    return {{"command", call.command->name}, {"args", args}};
+}
 
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick) {
     return answerOf(callHost(socket, request.dump(), timeout, tick)).result;

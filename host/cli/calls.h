@@ -22,6 +22,8 @@ Status askForEvents(const Call &call);
 Status askForPlan(const Call &call);
 // The same with --dry-run.
 Status askForReload(const Call &call);
+// `run --dry-run`.
+Status planTheRun(const Call &call);
 // Without a host, the version of this program.
 Status askForVersion(const Call &call);
 
@@ -38,6 +40,8 @@ Status complete(const Call &call);
 
 // Prints a result in the form that was asked for.
 void showResult(const Call &call, const json &result, FILE *out = stdout);
+// A request with this call's command and arguments, as a host takes it.
+json requestOf(const Call &call);
 // The result of a command that a host at this socket carries out.
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick = {});
 // A path as a host finds it, which has its own working directory.

@@ -13,6 +13,12 @@ Status showPlanned(Call call, const json &plan) {
     return changesAnything(plan) ? Status::kWouldChange : Status::kDone;
 }
 
+json planFirstStart(const Call &call) {
+    Config config = Config::load(absolutePath(call.args["config"]));
+    GatewayLock lock(call.socket);
+    return planStart(libraryName(call.args.value("library", "")), config, call.args.value("fresh", false));
+}
+
 json planWithoutHost(const Call &call) {
     if (!call.args.contains("config"))
         throw Failure(Status::kEnvironment, call.socket, "no host, whose configuration could be planned again",
@@ -21,12 +27,6 @@ json planWithoutHost(const Call &call) {
 }
 
 } // namespace
-
-json planFirstStart(const Call &call) {
-    Config config = Config::load(absolutePath(call.args["config"]));
-    GatewayLock lock(call.socket);
-    return planStart(libraryName(call.args.value("library", "")), config, call.args.value("fresh", false));
-}
 
 Status askForPlan(const Call &call) {
     json plan;

@@ -9,6 +9,7 @@
 
 #include "host/cli/calls.h"
 #include "host/cli/messages.h"
+#include "host/cli/starting.h"
 #include "host/commands/station_events.h"
 #include "host/control/control_socket.h"
 #include "host/control/dispatch.h"
@@ -74,7 +75,7 @@ void receiveEvents(Host &host, ControlServer &server) {
 
 void reloadOnSignal(Host &host) {
     try {
-        host.reload("", "", false);
+        host.reload({});
     } catch (const Failure &failure) {
         printError(failure, false);
     }
@@ -91,18 +92,43 @@ bool takeSignals(Host &host) {
     return true;
 }
 
+// What is not as it was asked for is told, and the host goes on with what came up.
+Status tellDifferences(const json &result) {
+    std::string text = Host::complaints(result);
+    if (text.empty())
+        return Status::kDone;
+    printError(Failure(Status::kFailed, "", text, "see wlhost verify, wlhost why, and the log"), false);
+    return Status::kFailed;
+}
+
+// A rollback that is due, and the time until the next one.
+void rollBack(Host &host) {
+    if (json outcome = host.rollBackWhenDue(); outcome.is_object())
+        tellDifferences(outcome);
+}
+
+int untilRollback(const Host &host) {
+    using namespace std::chrono;
+    auto due = host.rollbackTime();
+    return due ? static_cast<int>(std::max<long>(ceil<milliseconds>(*due - steady_clock::now()).count(), 0)) : -1;
+}
+
+// The sooner of two times to wait; negative ones never come.
+int sooner(int one, int other) { return one < 0 ? other : other < 0 ? one : std::min(one, other); }
+
 void serve(Host &host, ControlServer &server) {
     WlEvtHandler *events = host.module().events;
     for (;;) {
         std::vector<pollfd> fds = {{signalPipe[0], POLLIN, 0},
                                    {events ? static_cast<int>(events->sock) : -1, POLLIN, 0}};
         server.addTo(fds);
-        if (poll(fds.data(), fds.size(), server.timeout()) < 0 && errno != EINTR)
+        if (poll(fds.data(), fds.size(), sooner(server.timeout(), untilRollback(host))) < 0 && errno != EINTR)
             throw Failure(Status::kFailed, "poll", std::strerror(errno));
         if (!takeSignals(host))
             return;
         if (fds[1].revents != 0)
             receiveEvents(host, server);
+        rollBack(host);
         server.serve();
     }
 }
@@ -117,13 +143,22 @@ Status serveRadios(const Call &call) {
         json reply = answer(*host, request);
         return ControlServer::Reply(reply.dump(), reply["status"] == Status::kDone && subscribes(request));
     });
-    host = std::make_unique<Host>(loadModule(libraryName(call.args.value("library", ""))), std::move(config));
-    showResult(call, {{"radios", host->bringUp()}, {"socket", call.socket}}, out);
+    const std::string library = libraryName(call.args.value("library", ""));
+    const bool fresh = call.args.value("fresh", false);
+    // What the radios cannot do is known before the module takes any of them down, and so are those that need nothing.
+    const std::set<std::string> adopted = adoptedBy(planStart(library, config, fresh));
+    host = startHost(library, std::move(config), adopted);
+    json result = host->bringUp();
+    result["socket"] = call.socket;
+    showResult(call, result, out);
     std::fflush(out);
-    if (!call.args.value("once", false))
+    Status status = tellDifferences(result);
+    if (!call.args.value("once", false)) {
         serve(*host, server);
+        status = Status::kDone;
+    }
     std::fclose(out);
-    return Status::kDone;
+    return status;
 }
 
 } // namespace
@@ -133,6 +168,8 @@ Status beTheHost(const Call &call) {
     setLogLevel(level == "debug" ? WLBRCM_LOG_DEBUG : level == "info" ? WLBRCM_LOG_INFO : WLBRCM_LOG_ERR);
     if (call.args.value("sim", false))
         runInGateway(call);
+    if (call.args.value("dry_run", false))
+        return planTheRun(call);
     return serveRadios(call);
 }
 

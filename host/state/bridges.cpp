@@ -3,13 +3,13 @@
 #include <filesystem>
 
 #include "host/base/addresses.h"
-#include "host/tap/effects.h"
+#include "host/tap/dry_run.h"
 
 namespace wlhost {
 namespace {
 
 int brctl(const char *verb, const std::string &bridge, const std::string &interface) {
-    return runTool("wlhost", {"brctl", verb, bridge, interface});
+    return tap::run("wlhost", {"brctl", verb, bridge, interface});
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "host/base/addresses.h"
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
+#include "host/verify/readers.h"
 #include "host/verify/verification.h"
 
 namespace wlhost {
@@ -13,6 +14,15 @@ namespace {
 
 // What came of a transition, or a Failure when it is not what was asked.
 json demandSettled(json outcome) {
+    std::string text = Host::complaints(outcome);
+    if (text.empty())
+        return outcome;
+    throw Failure(Status::kFailed, "", text, "see wlhost verify, wlhost why, and the log", std::move(outcome));
+}
+
+} // namespace
+
+std::string Host::complaints(const json &outcome) {
     std::string text;
     auto line = [&](const std::string &words) { text += (text.empty() ? "" : "\n") + words; };
     for (const json &radio : outcome["radios"]) {
@@ -24,12 +34,8 @@ json demandSettled(json outcome) {
     }
     for (const json &difference : outcome["differences"])
         line(difference["text"]);
-    if (text.empty())
-        return outcome;
-    throw Failure(Status::kFailed, "", text, "see wlhost verify, and the log", std::move(outcome));
+    return text;
 }
-
-} // namespace
 
 Host::Host(Module &module, Config config, Verifier verifier)
     : module_(module), config_(std::move(config)), verifier_(std::move(verifier)) {
@@ -171,15 +177,15 @@ Host::Bss Host::bss(const std::string &ifname) {
 }
 
 std::vector<std::string> Host::stationsOn(const Bss &bss) {
-    std::vector<std::string> stations;
-    if (!module_.ops->getAssocDevList || !bss.record().enable || !bss.intf->radio.radioOn)
-        return stations;
-    List<WlStaInfo> list;
-    module_.ops->getAssocDevList(bss.intf, static_cast<int>(bss.index), list.place(), list.countPlace());
-    for (const WlStaInfo &station : list)
-        if (auto mac = parseMac(station.macAddr))
-            stations.push_back(formatMac(*mac));
-    return stations;
+    std::string ifname = bss.record().ifName;
+    if (!bss.record().enable || !bss.intf->radio.radioOn || !platform->exists("/sys/class/net/" + ifname))
+        return {};
+    ToolAnswer answer = platform->run({"wlctl", "-i", ifname, "assoclist"});
+    if (!answer)
+        throw Failure(Status::kFailed, ifname, "the driver does not tell its stations: " + answer.said,
+                      "see wlhost verify");
+    std::set<std::string> stations = readStations(answer.out);
+    return {stations.begin(), stations.end()};
 }
 
 json Host::stationRows(WlIntf &intf) {

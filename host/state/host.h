@@ -60,6 +60,8 @@ class Host {
     // Takes a configuration file over. Each radio gets the lightest operation that does it; one that is not as it should
     // be counts as changed. What was done to each radio and what differs afterwards.
     json reload(const ReloadRequest &request);
+    // What is not as it was asked for in the outcome of a start or a reload, a line each; empty when all is well.
+    static std::string complaints(const json &outcome);
     // Takes over the LAN groups of a file.
     json updateLan(const std::string &file);
     // What bringUp() or reload() would do. Changes nothing, but what this process holds: for a process of its own.
@@ -106,7 +108,7 @@ class Host {
     Bss bss(const std::string &ifname);
     std::vector<Bss> allBss();
     static std::vector<Bss> bssOf(WlIntf *intf);
-    // Addresses of a BSS's stations, as the module tells them.
+    // Addresses of a BSS's stations, as the driver tells them.
     std::vector<std::string> stationsOn(const Bss &bss);
     json stationRows(WlIntf &intf);
 

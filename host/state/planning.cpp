@@ -1,9 +1,11 @@
 #include "host/state/planning.h"
 
 #include <algorithm>
+#include <cstring>
 #include <regex>
 #include <set>
 
+#include "host/base/escape.h"
 #include "host/state/host.h"
 #include "host/tap/dry_run.h"
 #include "host/tap/secrets.h"

@@ -162,8 +162,13 @@ void Transition::foresee(Step &step) {
         step.off = leaving(known->second.now, step.records);
         step.undone = undoneBetween(known->second.given, known->second.now, step.records);
     }
-    if (takesDown(step.change.operation))
+    if (!takesDown(step.change.operation))
+        return;
+    try {
         step.drops = host_.stationRows(*step.intf);
+    } catch (const Failure &failure) { // no reason to leave a radio as it is
+        step.change.reason += std::string("; ") + failure.what();
+    }
 }
 
 void Transition::perform(const std::function<void(const Step *)> &begins) {

@@ -44,7 +44,7 @@ TEST_F(HostCommands, FilterOfTheUser) {
     EXPECT_EQ(calls, (Calls{"filter wl0 DENY 00:10:18:AA:BB:01"}));
     EXPECT_EQ(filter["stations"], json::array({"00:10:18:aa:bb:01"}));
     EXPECT_EQ(result("ssids")[0]["filter"], "deny");
-    EXPECT_EQ(result("reload")["radios"][0]["action"], "reloaded") << "the file's filter is another one";
+    EXPECT_EQ(result("reload")["radios"][0]["action"], "changed") << "the file's filter is another one";
     EXPECT_STREQ(intfs_[0].bss[0].macFilterList, "");
     EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "den"}})["status"], Status::kUsage);
     EXPECT_EQ(ask("filter", {{"interface", "wl0"}, {"mode", "off"}, {"stations", {"00:10:18:aa:bb:01"}}})["status"],
