@@ -10,6 +10,7 @@
 
 #include "host/base/escape.h"
 #include "host/base/failure.h"
+#include "host/tap/tap.h"
 
 namespace wlhost {
 namespace {
@@ -84,6 +85,7 @@ Module &loadModule(const std::string &library) {
     auto *init = symbol<decltype(wlModuleInit)>(handle, "wlModuleInit");
     if (!init)
         throw Failure(Status::kEnvironment, library, "has no wlModuleInit", "this library is no module");
+    tap::attach(handle, reinterpret_cast<const void *>(init));
     theModule.library = library;
     theModule.handle = handle;
     theModule.nvramGet = symbol<const char *(const char *)>(handle, "nvram_get");
