@@ -36,8 +36,6 @@ int registerEvents(const char *, WlEvtHandler *handler) {
 
 __attribute__((format(printf, 5, 6))) void printLog(int level, const char *module, const char *function, int line,
                                                     const char *format, ...) {
-    if (level > logLevel)
-        return;
     char message[2048];
     va_list args;
     va_start(args, format);
@@ -46,7 +44,9 @@ __attribute__((format(printf, 5, 6))) void printLog(int level, const char *modul
     std::string_view text(message, length < 0 ? 0 : strlen(message));
     while (!text.empty() && text.back() == '\n')
         text.remove_suffix(1);
-    fprintf(stderr, "%s %s:%d: %s\n", module, function, line, escapeBytes(text).c_str());
+    tap::heard(function, std::string(text));
+    if (level <= logLevel)
+        fprintf(stderr, "%s %s:%d: %s\n", module, function, line, escapeBytes(text).c_str());
 }
 
 template <typename Function> Function *symbol(void *library, const char *name) {

@@ -1,6 +1,12 @@
 #include "host/tap/handler.h"
 
+#include "host/tap/spawn.h"
+
 namespace wlhost::tap {
+
+int Handler::runForHost(const std::string &, const Words &argv, std::string *output, std::string *error) {
+    return spawn(argv, output, error);
+}
 
 int Handler::system(const char *command) { return platform().system(command); }
 FILE *Handler::popen(const char *command, const char *type) { return platform().popen(command, type); }
@@ -60,9 +66,7 @@ time_t Handler::time(time_t *now) { return platform().time(now); }
 int Handler::rand() { return platform().rand(); }
 void Handler::srand(unsigned seed) { platform().srand(seed); }
 
-bool Handler::print(FILE *stream, const char *text, size_t length) {
-    return fwrite(text, 1, length, stream) == length;
-}
+bool Handler::print(FILE *stream, const char *text, size_t length) { return fwrite(text, 1, length, stream) == length; }
 bool Handler::print(int fd, const char *text, size_t length) {
     return write(fd, text, length) == static_cast<ssize_t>(length);
 }

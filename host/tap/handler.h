@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "host/tap/platform.h"
 
@@ -14,6 +16,14 @@ class Handler {
     virtual ~Handler() = default;
     Handler(const Handler &) = delete;
     Handler &operator=(const Handler &) = delete;
+
+    // A line of the module's log, with the function that wrote it. A command's stands before it, a write's behind it.
+    virtual void heard(const char * /*function*/, const std::string & /*text*/) {}
+
+    // A command of the host itself, without a shell: its exit status, 127 when it could not be started, 128 and the
+    // signal that ended it. What it printed goes where it is wanted, else where the host's own goes.
+    using Words = std::vector<std::string>;
+    virtual int runForHost(const std::string &function, const Words &argv, std::string *output, std::string *error);
 
     // Commands
     virtual int system(const char *command);
@@ -67,8 +77,8 @@ class Handler {
     virtual int rand();
     virtual void srand(unsigned seed);
 
-    // Printing: printf(), puts(), fputs(), fprintf() to a stream and dprintf() to a descriptor, formatted. True when all
-    // of it was written.
+    // Printing: printf(), puts(), fputs(), fprintf() to a stream and dprintf() to a descriptor, formatted. True when
+    // all of it was written.
     virtual bool print(FILE *stream, const char *text, size_t length);
     virtual bool print(int fd, const char *text, size_t length);
 };

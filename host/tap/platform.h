@@ -39,8 +39,8 @@ struct Platform {
 #undef WLHOST_MEMBER
 };
 
-// Those behind this program, until a module is loaded; then those that the module would have without the tap. A function
-// that there is not is null.
+// Those behind this program, until a module is loaded; then those that the module would have without the tap. A
+// function that there is not is null.
 const Platform &platform();
 
 // Takes the platform's functions from a loaded library and what it needs.

@@ -16,6 +16,12 @@ using Address = ElfW(Addr);
 Handler passOn;
 Handler *inForce = &passOn;
 
+Operation *innermost = nullptr;
+uint64_t operations = 0;
+
+// The last line of the module's log.
+std::string lastFunction, lastText;
+
 // Where the module's code lies.
 Address textBegin = 0, textEnd = 0;
 
@@ -120,6 +126,30 @@ void setHandler(Handler *handler) { inForce = handler ? handler : &passOn; }
 Handler &handlerFor(const void *returnAddress) {
     auto address = reinterpret_cast<Address>(returnAddress);
     return address >= textBegin && address < textEnd ? *inForce : passOn;
+}
+
+Operation::Operation(std::string name, std::string request)
+    : around_(innermost), number_(++operations), name_(std::move(name)), request_(std::move(request)) {
+    if (request_.empty())
+        request_ = current().request_;
+    innermost = this;
+}
+
+Operation::~Operation() { innermost = around_; }
+
+const Operation &Operation::current() {
+    static const Operation kNone{None{}};
+    return innermost ? *innermost : kNone;
+}
+
+void heard(const char *function, const std::string &text) {
+    lastFunction = function;
+    lastText = text;
+    inForce->heard(function, text);
+}
+
+std::string functionOf(const std::string &command) {
+    return lastText == "cmd = " + command ? lastFunction : Operation::current().name();
 }
 
 } // namespace wlhost::tap

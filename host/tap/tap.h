@@ -2,6 +2,9 @@
 // functions that the module imports, so the module is the one that ships.
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "host/tap/handler.h"
 
 namespace wlhost::tap {
@@ -16,5 +19,34 @@ void setHandler(Handler *handler);
 
 // The handler for a call that returns to this address: the module's calls alone are handled, others are passed on.
 Handler &handlerFor(const void *returnAddress);
+
+// What the host is doing with the module while this object lives. The innermost one is the cause of what is done.
+class Operation {
+  public:
+    // `request` is what the client asked for, such as "reload wl0"; without one it is that of the operation around it.
+    explicit Operation(std::string name, std::string request = {});
+    ~Operation();
+    Operation(const Operation &) = delete;
+    Operation &operator=(const Operation &) = delete;
+
+    uint64_t number() const { return number_; }
+    const std::string &name() const { return name_; }
+    const std::string &request() const { return request_; }
+    // The innermost; number 0 and no texts when there is none.
+    static const Operation &current();
+
+  private:
+    struct None {};
+    explicit Operation(None) {}
+
+    Operation *around_ = nullptr;
+    uint64_t number_ = 0;
+    std::string name_, request_;
+};
+
+// The module's log callback tells each line, with the function that wrote it.
+void heard(const char *function, const std::string &text);
+// The function that runs a command: the one that has just logged it, else the operation.
+std::string functionOf(const std::string &command);
 
 } // namespace wlhost::tap
