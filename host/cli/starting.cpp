@@ -46,11 +46,11 @@ std::unique_ptr<Host> startHost(const std::string &library, Config config, const
         return std::make_unique<Host>(loadModule(library), std::move(config), platformVerifier());
     tap::goDry();
     auto host = std::make_unique<Host>(loadModule(library), std::move(config), platformVerifier());
-    std::vector<tap::Effects::Command> held = tap::takeEffects().commands;
+    std::vector<tap::Command> held = tap::takeEffects().commands;
     host->adopt(adopted);
     tap::goLive();
-    for (const tap::Effects::Command &command : held)
-        if (auto words = wordsForOthers(command.text, adopted); !words.empty())
+    for (const tap::Command &command : held)
+        if (auto words = wordsForOthers(command.command, adopted); !words.empty())
             tap::run("wlModuleInit", words);
     return host;
 }

@@ -50,7 +50,7 @@ json shownValue(const std::string &key, const std::optional<std::string> &value)
 std::map<std::string, const Transition::Step *> changedKeys(const std::vector<Section> &sections) {
     std::map<std::string, const Transition::Step *> changed;
     for (const Section &section : sections)
-        for (const tap::Effects::Write &write : section.effects.writes)
+        for (const tap::Write &write : section.effects.writes)
             if (tap::storedReally(write.key) != tap::storedNow(write.key))
                 changed[write.key] = isOfLan(write.key) ? nullptr : section.step;
     return changed;
@@ -68,9 +68,8 @@ json nvramRows(const std::map<std::string, const Transition::Step *> &changed, c
 
 json commandRows(const tap::Effects &effects) {
     json rows = json::array();
-    for (const tap::Effects::Command &command : effects.commands)
-        if (!command.isPause())
-            rows.push_back({{"command", tap::masked(command.text)}, {"function", command.function}});
+    for (const tap::Command &one : effects.commands)
+        rows.push_back({{"command", tap::masked(one.command)}, {"function", one.function}});
     return rows;
 }
 
@@ -86,11 +85,11 @@ json downTime(const Transition::Step &step, const tap::Effects &effects) {
     if (step.change.operation == Operation::kDown || !step.records.radio.radioOn)
         return nullptr;
     const auto &all = effects.commands;
-    auto first = std::find_if(all.begin(), all.end(), [](const auto &one) { return ends(one.text, " down"); });
-    auto last = std::find_if(all.rbegin(), all.rend(), [](const auto &one) { return ends(one.text, " start"); }).base();
+    auto first = std::find_if(all.begin(), all.end(), [](const auto &one) { return ends(one.command, " down"); });
+    auto last = std::find_if(all.rbegin(), all.rend(), [](const auto &one) { return ends(one.command, " start"); }).base();
     int64_t ms = 0;
     for (auto at = first; at < last; ++at)
-        ms += at->isPause() ? at->pauseMs : kCommandMs;
+        ms += at->pauseMs + kCommandMs;
     return ms;
 }
 
