@@ -41,7 +41,7 @@ const std::vector<Column> kSession = {{"RADIO", "radio"},
 
 const std::vector<Option> &commonOptions() {
     static const std::vector<Option> kOptions = {
-        {"--socket", "socket", Value::kFile, "Control socket (WLHOST_SOCKET, /tmp/wlhost.sock)"},
+        {"--socket", "socket", Value::kFile, "Control socket (WLHOST_SOCKET, /run/wlhost.sock)"},
         {"--timeout", "timeout", Value::kNumber, "Seconds to wait for the host", false, {}, 3600},
         {"--json", "json", Value::kFlag, "One JSON document on stdout, errors too"},
     };

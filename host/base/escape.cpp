@@ -6,27 +6,38 @@
 namespace wlhost {
 namespace {
 
-// Length of the well-formed, printable UTF-8 sequence at the start of `bytes`, or 0. Control characters and the marks
-// that turn the writing direction are not printable: they are how a network name would repaint a terminal.
-size_t printableSequence(std::string_view bytes) {
+struct Sequence {
+    size_t length = 0;
+    uint32_t code = 0;
+};
+
+// The well-formed UTF-8 sequence at the start of `bytes`; of length 0 when there is none.
+Sequence sequenceAt(std::string_view bytes) {
     auto byte = [&](size_t i) { return static_cast<uint8_t>(bytes[i]); };
     uint8_t lead = byte(0);
     if (lead < 0x80)
-        return lead >= 0x20 && lead != 0x7f && lead != '\\' ? 1 : 0;
+        return {1, lead};
     size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
     if (lead < 0xc2 || lead > 0xf4 || bytes.size() < length)
-        return 0;
+        return {};
     uint32_t code = lead & (0x7fU >> length);
     for (size_t i = 1; i < length; ++i) {
         if ((byte(i) & 0xc0) != 0x80)
-            return 0;
+            return {};
         code = code << 6 | (byte(i) & 0x3fU);
     }
     constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
     bool malformed = code < kSmallest[length] || code > 0x10ffff || (code >= 0xd800 && code <= 0xdfff);
-    bool invisible = code < 0xa0 || code == 0xad || code == 0x61c || (code >= 0x200b && code <= 0x200f) ||
-                     (code >= 0x2028 && code <= 0x202e) || (code >= 0x2060 && code <= 0x206f) || code == 0xfeff;
-    return malformed || invisible ? 0 : length;
+    return malformed ? Sequence{} : Sequence{length, code};
+}
+
+// Control characters and the marks that turn the writing direction: how a network name would repaint a terminal. The
+// backslash is what escapes are made with.
+bool isPrintable(uint32_t code) {
+    bool invisible = code < 0x20 || (code >= 0x7f && code < 0xa0) || code == '\\' || code == 0xad || code == 0x61c ||
+                     (code >= 0x200b && code <= 0x200f) || (code >= 0x2028 && code <= 0x202e) ||
+                     (code >= 0x2060 && code <= 0x206f) || code == 0xfeff;
+    return !invisible;
 }
 
 int hexDigit(char c) {
@@ -51,16 +62,27 @@ std::string toHex(std::string_view bytes) {
 std::string escapeBytes(std::string_view bytes) {
     std::string shown;
     while (!bytes.empty()) {
-        size_t length = printableSequence(bytes);
-        if (length == 0) {
+        auto [length, code] = sequenceAt(bytes);
+        if (length > 0 && isPrintable(code)) {
+            shown += bytes.substr(0, length);
+        } else {
             length = 1;
             shown += "\\x" + toHex(bytes.substr(0, 1));
-        } else {
-            shown += bytes.substr(0, length);
         }
         bytes.remove_prefix(length);
     }
     return shown;
+}
+
+size_t wellFormedLength(std::string_view bytes) {
+    size_t at = 0;
+    while (at < bytes.size()) {
+        size_t length = sequenceAt(bytes.substr(at)).length;
+        if (length == 0)
+            break;
+        at += length;
+    }
+    return at;
 }
 
 std::optional<std::string> fromHex(std::string_view digits) {

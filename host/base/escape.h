@@ -9,6 +9,8 @@ namespace wlhost {
 
 // Printable UTF-8 stays; every other byte, and the backslash, becomes \xNN. Applied once, where text is shown.
 std::string escapeBytes(std::string_view bytes);
+// Length of the part that is well-formed UTF-8, from the start on.
+size_t wellFormedLength(std::string_view bytes);
 // Two lower-case hexadecimal digits a byte.
 std::string toHex(std::string_view bytes);
 std::optional<std::string> fromHex(std::string_view digits);

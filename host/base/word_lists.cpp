@@ -24,7 +24,10 @@ size_t editDistance(std::string_view a, std::string_view b) {
 } // namespace
 
 std::optional<std::string> nearestName(std::string_view name, const std::vector<std::string> &candidates) {
+    constexpr size_t kLongest = 64; // what is far longer than any candidate is not worth comparing
     std::optional<std::string> nearest;
+    if (name.size() > kLongest)
+        return nearest;
     size_t best = std::max<size_t>(2, name.size() / 3) + 1;
     for (const std::string &candidate : candidates) {
         size_t distance = editDistance(name, candidate);

@@ -19,6 +19,16 @@ struct Answer {
     json result;
 };
 
+// A request as it is sent. Words that are no UTF-8 do not get through, and would name something else if they were
+// mended.
+std::string lineOf(const json &request) {
+    try {
+        return request.dump();
+    } catch (const json::exception &) {
+        throw Failure(Status::kUsage, "arguments", "hold bytes that are not UTF-8");
+    }
+}
+
 // Throws what the host could not do.
 Answer answerOf(const std::string &line) {
     json answer = json::parse(line);
@@ -58,11 +68,11 @@ json requestOf(const Call &call) {
 }
 
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick) {
-    return answerOf(callHost(socket, request.dump(), timeout, tick)).result;
+    return answerOf(callHost(socket, lineOf(request), timeout, tick)).result;
 }
 
 void showResult(const Call &call, const json &result, FILE *out) {
-    std::string text = call.asJson ? result.dump(2) + "\n" : call.command->show(result, call.command->columns);
+    std::string text = call.asJson ? dumped(result, 2) + "\n" : call.command->show(result, call.command->columns);
     std::fputs(text.c_str(), out);
 }
 
@@ -72,13 +82,13 @@ std::string absolutePath(const std::string &path) {
 }
 
 Status ask(const Call &call) {
-    Answer answer = answerOf(callHost(call.socket, requestOf(call).dump(), call.timeout, {}));
+    Answer answer = answerOf(callHost(call.socket, lineOf(requestOf(call)), call.timeout, {}));
     showResult(call, answer.result);
     return answer.status;
 }
 
 Status askForVerification(const Call &call) {
-    Answer answer = answerOf(callHost(call.socket, requestOf(call).dump(), call.timeout, {}));
+    Answer answer = answerOf(callHost(call.socket, lineOf(requestOf(call)), call.timeout, {}));
     showResult(call, answer.result);
     const json &findings = answer.result["findings"];
     auto unmet = std::count_if(findings.begin(), findings.end(), [](const json &one) { return !one["holds"]; });
@@ -121,7 +131,7 @@ Status askForSession(const Call &call) {
 
 Status askForEvents(const Call &call) {
     const int count = call.args.value("count", 0);
-    ControlClient client(call.socket, requestOf(call).dump(), call.timeout);
+    ControlClient client(call.socket, lineOf(requestOf(call)), call.timeout);
     answerOf(client.nextLine(call.timeout));
     for (int seen = 0; count == 0 || seen < count; ++seen) {
         std::string line = client.nextLine(-1);

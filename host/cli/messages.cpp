@@ -31,7 +31,7 @@ Progress::~Progress() {
 
 void printError(const Failure &failure, bool asJson) {
     if (asJson) {
-        std::printf("%s\n", json{{"error", errorOf(failure)}}.dump(2).c_str());
+        std::printf("%s\n", dumped({{"error", errorOf(failure)}}, 2).c_str());
         return;
     }
     // Errors about a file begin with its name and line, as editors like them.

@@ -13,6 +13,7 @@
 #include "host/commands/station_events.h"
 #include "host/control/control_socket.h"
 #include "host/control/dispatch.h"
+#include "host/control/gateway_lock.h"
 #include "host/state/host.h"
 
 namespace wlhost {
@@ -69,7 +70,7 @@ void receiveEvents(Host &host, ControlServer &server) {
             continue;
         ++host.eventCount;
         if (server.hasSubscribers())
-            server.publish(eventRow(*event, host.eventCount).dump());
+            server.publish(dumped(eventRow(*event, host.eventCount)));
     }
 }
 
@@ -136,12 +137,13 @@ void serve(Host &host, ControlServer &server) {
 Status serveRadios(const Call &call) {
     // What the file alone can get wrong is known before the module touches a radio.
     Config config = Config::load(absolutePath(call.args["config"]));
+    GatewayLock lock(call.socket);
     FILE *out = takeStdout();
     catchSignals();
     std::unique_ptr<Host> host;
     ControlServer server(call.socket, [&](const std::string &request) {
         json reply = answer(*host, request);
-        return ControlServer::Reply(reply.dump(), reply["status"] == Status::kDone && subscribes(request));
+        return ControlServer::Reply(dumped(reply), reply["status"] == Status::kDone && subscribes(request));
     });
     const std::string library = libraryName(call.args.value("library", ""));
     const bool fresh = call.args.value("fresh", false);

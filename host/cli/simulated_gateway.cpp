@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/cli/calls.h"
+#include "host/control/runtime_folder.h"
 
 namespace wlhost {
 namespace {
@@ -33,6 +34,7 @@ std::string launcher() {
 
 // The gateway's own socket lives in a folder that both sides see; the usual path points there.
 std::string shareSocket(const std::string &socket) {
+    secureRuntimeFolder(socket);
     std::string folder = socket + ".sim";
     if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
         throw Failure(Status::kEnvironment, folder, std::strerror(errno));

@@ -18,11 +18,13 @@ const json &memberOf(const json &node, const char *name) {
     return node.is_object() && member != node.end() ? *member : kNone;
 }
 
-// The records in a list, or an empty list.
-const json &recordsOf(const json &node, const char *name) {
-    static const json kNone = json::array();
-    const json &member = memberOf(node, name);
-    return member.is_array() ? member : kNone;
+// The records in a list, or an empty list. One that is too long was refused when the rows were read: its end does not
+// matter any more.
+std::vector<json> recordsOf(const json &node, const Field &field) {
+    const json &member = memberOf(node, field.name);
+    if (!member.is_array())
+        return {};
+    return {member.begin(), member.begin() + std::min<ptrdiff_t>(field.high, static_cast<ptrdiff_t>(member.size()))};
 }
 
 SsidFields readSsid(const json &node, const Path &path, const std::string &radio, size_t index, Problems &problems) {
@@ -62,8 +64,8 @@ RadioConfig readRadio(const json &node, const Path &path, Problems &problems) {
     RadioConfig radio;
     readRecord(node, path, *fieldAt({"radios"}).children, &radio.fields, sizeof radio.fields, problems);
     completeRadio(radio.fields);
-    const json &ssids = recordsOf(node, "ssids");
-    for (size_t i = 0; i < ssids.size() && i < WLBRCM_MAX_BSS; ++i)
+    const std::vector<json> ssids = recordsOf(node, fieldAt({"radios", "ssids"}));
+    for (size_t i = 0; i < ssids.size(); ++i)
         radio.ssids.push_back(readSsid(ssids[i], path / "ssids" / i, radio.name(), i, problems));
     bool marked = std::any_of(radio.ssids.begin(), radio.ssids.end(), [](const auto &s) { return s.record.main; });
     if (!marked && !radio.ssids.empty())
@@ -112,24 +114,25 @@ int interfaceNumber(const std::string &ifname) {
 Config Config::load(const std::string &file) { return from(Document::load(file)); }
 
 Config Config::from(Document document) {
-    Config config{std::move(document), {}, {}};
+    Config config{std::move(document), {}, {}, {}};
     const json &root = config.document.root;
     Problems problems(config.document);
     char nothing = 0;
     readRecord(root, Path(), rootFields(), &nothing, 0, problems);
-    const json &groups = recordsOf(memberOf(root, "lan"), "groups");
+    const std::vector<json> groups = recordsOf(memberOf(root, "lan"), fieldAt({"lan", "groups"}));
     for (size_t g = 0; g < groups.size(); ++g) {
         config.lan.emplace_back();
         readRecord(groups[g], Path() / "lan" / "groups" / g, *fieldAt({"lan", "groups"}).children, &config.lan.back(),
                    sizeof(GroupFields), problems);
     }
-    const json &radios = recordsOf(root, "radios");
+    const std::vector<json> radios = recordsOf(root, fieldAt({"radios"}));
     for (size_t r = 0; r < radios.size(); ++r)
         config.radios.push_back(readRadio(radios[r], Path() / "radios" / r, problems));
     // Settings are compared with each other once each of them is sound.
     problems.throwIfAny();
     checkRecords(config, problems);
     problems.throwIfAny();
+    config.warnings = problems.warnings();
     return config;
 }
 
@@ -144,19 +147,18 @@ RadioRecords bindRadio(const Config &config, size_t index, const WlIntf &intf, c
 
     int band = intf.bandCode == WLBRCM_BANDCODE_5G ? WLBRCM_BAND_5G : WLBRCM_BAND_2G;
     if (record.band != 0 && record.band != band)
-        problems.add(path / "band", shown(node["band"]) + " is not the band of " + radio.name() + "; \"" +
-                                        (band == WLBRCM_BAND_5G ? "5g" : "2g") + "\"");
+        problems.add(path / "band", shown(node["band"]) + " is not the band of " + radio.name(),
+                     band == WLBRCM_BAND_5G ? "\"5g\"" : "\"2g\"");
     else
         checkChannel(radio.fields, band, node, path, problems);
     if (radio.ssids.size() > static_cast<size_t>(intf.caps.maxBss))
-        problems.add(path / "ssids", std::to_string(radio.ssids.size()) + " SSIDs; " + radio.name() +
-                                         " carries at most " + std::to_string(intf.caps.maxBss));
+        problems.add(path / "ssids", std::to_string(radio.ssids.size()) + " SSIDs",
+                     radio.name() + " carries at most " + std::to_string(intf.caps.maxBss));
 
     for (size_t i = 0; i < radio.ssids.size(); ++i) {
         if (interfaceNumber(radio.ssids[i].record.ifName) >= intf.caps.maxBss)
-            problems.add(path / "ssids" / i / "ifname", std::string("\"") + radio.ssids[i].record.ifName +
-                                                            "\" does not exist; " + radio.name() + " carries at most " +
-                                                            std::to_string(intf.caps.maxBss) + " SSIDs");
+            problems.add(path / "ssids" / i / "ifname", inQuotes(radio.ssids[i].record.ifName) + " does not exist",
+                         radio.name() + " carries at most " + std::to_string(intf.caps.maxBss) + " SSIDs");
     }
     record.band = band;
     if (record.wirelessMode < 0)

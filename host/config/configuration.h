@@ -19,6 +19,7 @@ struct Config {
     Document document;
     std::vector<GroupFields> lan;
     std::vector<RadioConfig> radios;
+    std::vector<Problem> warnings; // allowed, but surely a mistake
 
     // Reads and checks a file. Throws a Failure that lists everything wrong with it.
     static Config load(const std::string &file);

@@ -65,30 +65,32 @@ void checkKeys(const SsidFields &ssid, const std::string &security, const json &
     bool wep = std::strcmp(ssid.record.encryption, "wep") == 0;
     bool hasKey = node.contains("key") || node.contains("key_fallback");
     if (psk && !hasKey)
-        problems.add(path,
-                     "key is missing; encryption " + security + " needs 8 to 63 characters, or 64 hexadecimal digits");
+        problems.add(path, "key is missing",
+                     "encryption " + security + " needs 8 to 63 characters, or 64 hexadecimal digits");
     for (const char *name : {"key", "key_fallback"})
         if (!psk && node.contains(name))
-            problems.add(path / name, "has no use with encryption " + security + "; for psk2 and psk-mixed");
+            problems.add(path / name, "has no use with encryption " + security, "for psk2 and psk-mixed");
     for (const char *name : {"key1", "key2", "key3", "key4", "wep_default_key"})
         if (!wep && node.contains(name))
-            problems.add(path / name, "has no use with encryption " + security + "; for wep, wep-shared and wep-auto");
+            problems.add(path / name, "has no use with encryption " + security, "for wep, wep-shared and wep-auto");
     std::string used = "key" + std::to_string(ssid.record.defaultKeyId);
     if (wep && ssid.record.defaultKeyId >= 1 && !node.contains(used))
-        problems.add(path, used + " is missing; encryption " + security + " sends with key number " +
-                               std::to_string(ssid.record.defaultKeyId));
+        problems.add(path, used + " is missing",
+                     "encryption " + security + " sends with key number " + std::to_string(ssid.record.defaultKeyId));
     bool radius = security == "wpa2";
-    if (radius != node.contains("radius"))
-        problems.add(radius ? path : path / "radius", radius ? "radius is missing; encryption wpa2 needs a server"
-                                                             : "has no use with encryption " + security + "; for wpa2");
+    if (radius && !node.contains("radius"))
+        problems.add(path, "radius is missing", "encryption wpa2 needs a server");
+    if (!radius && node.contains("radius"))
+        problems.add(path / "radius", "has no use with encryption " + security, "for wpa2");
 }
 
 void checkProtection(const SsidFields &ssid, const std::string &security, const Path &path, Problems &problems) {
     bool wpa2 = security == "psk2" || security == "wpa2";
     int most = wpa2 ? 2 : security == "psk-mixed" ? 1 : 0;
     if (ssid.record.protectMF > most)
-        problems.add(path / "ieee80211w", std::to_string(ssid.record.protectMF) + " does not go with encryption " +
-                                              security + "; at most " + std::to_string(most));
+        problems.add(path / "ieee80211w",
+                     std::to_string(ssid.record.protectMF) + " does not go with encryption " + security,
+                     "at most " + std::to_string(most));
 }
 
 void checkWps(const SsidFields &ssid, size_t index, const std::string &security, const Path &path, Problems &problems) {
@@ -96,23 +98,23 @@ void checkWps(const SsidFields &ssid, size_t index, const std::string &security,
         return;
     Path at = path / "wps" / "enabled";
     if (index > 0)
-        problems.add(at, "true is refused; WPS runs on the radio's first SSID only");
+        problems.add(at, "true is refused", "WPS runs on the radio's first SSID only");
     if (security != "psk2" && security != "psk-mixed" && security != "none")
-        problems.add(at, "true does not go with encryption " + security + "; psk2, psk-mixed or none");
+        problems.add(at, "true does not go with encryption " + security, "psk2, psk-mixed or none");
     if (ssid.record.hideSsid)
-        problems.add(at, "true does not go with a hidden SSID; stations could not find it");
+        problems.add(at, "true does not go with a hidden SSID", "stations could not find it");
 }
 
 void checkInterface(const RadioConfig &radio, size_t i, const Path &path, Problems &problems) {
     std::string ifname = radio.ssids[i].record.ifName, own = radio.name();
     if (i == 0 && ifname != own)
-        problems.add(path / "ifname", inQuotes(ifname) + " is not the radio's interface; the first SSID is " + own);
+        problems.add(path / "ifname", inQuotes(ifname) + " is not the radio's interface", "the first SSID is " + own);
     std::string number = ifname.substr(std::min(own.size() + 1, ifname.size()));
     bool virtualName = ifname.compare(0, own.size() + 1, own + ".") == 0 && number.size() == 1 && number >= "1" &&
                        number < std::to_string(int{WLBRCM_MAX_BSS});
     if (i > 0 && (!virtualName || !isInterfaceName(ifname)))
-        problems.add(path / "ifname", inQuotes(ifname) + " is no interface of " + own + "; " + own + ".1 to " + own +
-                                          "." + std::to_string(WLBRCM_MAX_BSS - 1));
+        problems.add(path / "ifname", inQuotes(ifname) + " is no interface of " + own,
+                     own + ".1 to " + own + "." + std::to_string(WLBRCM_MAX_BSS - 1));
 }
 
 // Refuses a name that was seen before.
@@ -135,9 +137,9 @@ void checkMembers(const Config &config, const GroupFields &group, const Path &pa
     for (const std::string &member : lanMembers(config, group))
         length += member.size() + 1;
     if (length > sizeof group.ports)
-        problems.add(path, "is " + std::to_string(length - 1) +
-                               " characters when joined, with the interfaces of its SSIDs; at most " +
-                               std::to_string(sizeof group.ports - 1));
+        problems.add(path,
+                     "is " + std::to_string(length - 1) + " characters when joined, with the interfaces of its SSIDs",
+                     "at most " + std::to_string(sizeof group.ports - 1));
 }
 
 void checkNetwork(const Config &config, const WlSsidCfg &record, const Path &path, Problems &problems) {
@@ -151,7 +153,24 @@ void checkNetwork(const Config &config, const WlSsidCfg &record, const Path &pat
                                    record.ifName + " among its ports");
     }
     if (!bridge.empty() && std::count(names.begin(), names.end(), bridge) == 0)
-        problems.add(path, inQuotes(record.bridge) + " is no LAN group; " + joined(names));
+        problems.add(path, inQuotes(record.bridge) + " is no LAN group", joined(names));
+}
+
+// Stations know a network by its name alone: with another key they cannot roam, and often not even join.
+void warnOfKeys(const Config &config, Problems &problems) {
+    std::map<std::string, std::pair<Path, std::string>> keys; // of the first SSID by a name
+    for (size_t r = 0; r < config.radios.size(); ++r) {
+        for (size_t i = 0; i < config.radios[r].ssids.size(); ++i) {
+            const WlSsidCfg &record = config.radios[r].ssids[i].record;
+            const std::string key = record.wpaPsk[0] != '\0' ? record.wpaPsk : record.wpaPskFallback;
+            Path path = Path() / "radios" / r / "ssids" / i;
+            if (key.empty() || !record.enable)
+                continue;
+            auto [first, added] = keys.emplace(record.ssidName, std::make_pair(path, key));
+            if (!added && first->second.second != key)
+                problems.warn(path / "key", "the same SSID has another key at " + first->second.first.text());
+        }
+    }
 }
 
 } // namespace
@@ -173,48 +192,48 @@ void checkChannel(const RadioFields &radio, int band, const json &node, const Pa
     const HtMode &width = kHtModes[static_cast<size_t>(radio.htmode)];
     bool channelExists = band == 0 || channel == 0 || isChannel(band, channel);
     if (!channelExists)
-        problems.add(path / "channel", std::to_string(channel) + " is no " + bandText(band) + " channel; " +
-                                           (band == WLBRCM_BAND_2G ? k2gChannels : k5gChannels));
+        problems.add(path / "channel", std::to_string(channel) + " is no " + bandText(band) + " channel",
+                     band == WLBRCM_BAND_2G ? k2gChannels : k5gChannels);
     if (band == WLBRCM_BAND_2G && width.width == 80)
-        problems.add(path / "htmode", inQuotes(width.name) + " does not go with 2.4 GHz; " +
-                                          fittingNames(kHtModes, [](const HtMode &m) { return m.width < 80; }));
+        problems.add(path / "htmode", inQuotes(width.name) + " does not go with 2.4 GHz",
+                     fittingNames(kHtModes, [](const HtMode &m) { return m.width < 80; }));
     else if (band != 0 && channel != 0 && channelExists && !widthFits(band, channel, width))
-        problems.add(path / "htmode",
-                     inQuotes(width.name) + " does not fit channel " + std::to_string(channel) + "; " +
-                         fittingNames(kHtModes, [&](const HtMode &m) { return widthFits(band, channel, m); }));
+        problems.add(path / "htmode", inQuotes(width.name) + " does not fit channel " + std::to_string(channel),
+                     fittingNames(kHtModes, [&](const HtMode &m) { return widthFits(band, channel, m); }));
     int8_t number = radio.record.wirelessMode;
     const HwMode *mode = number < 0 ? nullptr : &kHwModes[static_cast<size_t>(number)];
     if (mode && !modeFits(*mode, band, width)) {
         problems.add(path / "hwmode",
                      inQuotes(mode->name) + " does not go with " +
-                         (band == 0 ? "" : std::string(bandText(band)) + " and ") + width.name + "; " +
-                         fittingNames(kHwModes, [&](const HwMode &m) { return modeFits(m, band, width); }));
+                         (band == 0 ? "" : std::string(bandText(band)) + " and ") + width.name,
+                     fittingNames(kHwModes, [&](const HwMode &m) { return modeFits(m, band, width); }));
     }
     if (node.contains("rate") && radio.record.rate != 0 && radio.record.mcs < 0)
-        problems.add(path / "rate", std::to_string(radio.record.rate) + " has no effect without mcs; 0, or set mcs");
+        problems.add(path / "rate", std::to_string(radio.record.rate) + " has no effect without mcs", "0, or set mcs");
 }
 
 void checkSsid(const SsidFields &ssid, size_t index, const json &node, const Path &path, Problems &problems) {
-    if (node.contains("ssid") == node.contains("ssid_hex"))
-        problems.add(path, node.contains("ssid") ? "ssid and ssid_hex are both given; one of them"
-                                                 : "ssid is missing; 1 to 32 bytes of UTF-8 without NUL");
+    if (node.contains("ssid") && node.contains("ssid_hex"))
+        problems.add(path, "ssid and ssid_hex are both given", "one of them");
+    if (!node.contains("ssid") && !node.contains("ssid_hex"))
+        problems.add(path, "ssid is missing", kSsidRule.allowed);
     std::string security = kSecurityKinds[static_cast<size_t>(ssid.security)].name;
     checkKeys(ssid, security, node, path, problems);
     checkProtection(ssid, security, path, problems);
     checkWps(ssid, index, security, path, problems);
     if (index > 3 && std::strcmp(ssid.record.encryption, "wep") == 0)
-        problems.add(path / "encryption",
-                     inQuotes(security) + " is refused; WEP goes with a radio's first four SSIDs only");
+        problems.add(path / "encryption", inQuotes(security) + " is refused",
+                     "WEP goes with a radio's first four SSIDs only");
     if (node.contains("maclist") && ssid.record.macFilterMode[0] == '\0')
-        problems.add(path / "maclist", "has no use without a filter; set macfilter to deny or allow");
+        problems.add(path / "maclist", "has no use without a filter", "set macfilter to deny or allow");
     if (index == 0 && ssid.record.presetRole == WLBRCM_PRESET_ON_DEMAND)
-        problems.add(path / "preset", "\"on-demand\" is refused; the first SSID is the radio's own interface");
+        problems.add(path / "preset", "\"on-demand\" is refused", "the first SSID is the radio's own interface");
 }
 
 void checkRadio(const RadioConfig &radio, const json &node, const Path &path, Problems &problems) {
     checkChannel(radio.fields, impliedBand(radio.fields), node, path, problems);
     if (radio.ssids.empty() && radio.fields.record.radioOn)
-        problems.add(path, "ssids is missing; 1 to 6, unless the radio is disabled");
+        problems.add(path, "ssids is missing", "1 to 6, unless the radio is disabled");
     int mainIndex = -1, announcer = -1;
     for (size_t i = 0; i < radio.ssids.size(); ++i) {
         Path at = path / "ssids" / i;
@@ -222,8 +241,8 @@ void checkRadio(const RadioConfig &radio, const json &node, const Path &path, Pr
         const WlSsidCfg &record = radio.ssids[i].record;
         auto single = [&](bool marked, int &first, const char *name) {
             if (marked && first >= 0)
-                problems.add(at / name,
-                             "ssids[" + std::to_string(first) + "] is marked already; at most one of a radio");
+                problems.add(at / name, "ssids[" + std::to_string(first) + "] is marked already",
+                             "at most one of a radio");
             else if (marked)
                 first = static_cast<int>(i);
         };
@@ -250,6 +269,7 @@ void checkConfig(const Config &config, Problems &problems) {
             checkNetwork(config, record, path / "ssids" / i / "network", problems);
         }
     }
+    warnOfKeys(config, problems);
 }
 
 } // namespace wlhost

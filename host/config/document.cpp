@@ -1,135 +1,155 @@
 #include "host/config/document.h"
 
 #include <algorithm>
-#include <fstream>
-#include <set>
-#include <sstream>
+#include <cstdio>
+#include <iterator>
 
 #include "host/base/escape.h"
+#include "host/base/regular_file.h"
+#include "host/base/word_lists.h"
+#include "host/config/fields.h"
 
 namespace wlhost {
 namespace {
 
 constexpr size_t kLargestFile = 1 << 20;
-constexpr size_t kMostProblems = 50;
+constexpr size_t kDeepest = 64;
 
-// Walks JSON that already parsed without errors, only to count lines: the parser keeps no positions.
-class Scanner {
+// The parser keeps no positions: it reads through this iterator, which tells how far it has come.
+struct Position {
+    const char *at;
+    int line = 1;
+};
+class Watched {
   public:
-    explicit Scanner(const std::string &text) : text_(text) {}
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char *;
+    using reference = const char &;
 
-    int find(const std::vector<Path::Step> &steps) {
-        for (const Path::Step &step : steps) {
-            char open = peek();
-            int line = line_;
-            if (open != (step.index < 0 ? '{' : '[') || !enter(step))
-                return line;
+    Watched(const char *at, Position &position) : at_(at), position_(&position) {}
+    const char &operator*() const { return *at_; }
+    Watched &operator++() {
+        position_->line += *at_ == '\n';
+        position_->at = ++at_;
+        return *this;
+    }
+    bool operator==(const Watched &other) const { return at_ == other.at_; }
+    bool operator!=(const Watched &other) const { return at_ != other.at_; }
+
+  private:
+    const char *at_;
+    Position *position_;
+};
+
+// Follows the parser: notes lines, and refuses what it would take without a word (a name that stands twice, of which
+// the last one counts) or would take the stack for.
+class Reader {
+  public:
+    Reader(const std::string &file, const std::string &text) : file_(escapeBytes(file)), text_(text) {}
+
+    Document read(const std::string &file) {
+        auto follow = [this](int, json::parse_event_t event, json &value) { return take(event, value), true; };
+        const char *end = text_.data() + text_.size();
+        try {
+            json root = json::parse(Watched(text_.data(), position_), Watched(end, position_), follow, true, true);
+            checkComments();
+            return {file, std::move(root), std::move(lines_)};
+        } catch (const json::parse_error &error) {
+            refuseSyntax(error);
         }
-        return found_;
     }
 
   private:
-    // Moves to the value of one member or element; false when there is none.
-    bool enter(const Path::Step &step) {
-        ++at_;
-        for (int i = 0; peek() != '}' && peek() != ']'; ++i) {
-            bool here = i == step.index;
-            int line = line_;
-            if (step.index < 0) {
-                here = json::parse(skipString()) == step.key;
-                peek();
-                ++at_; // the colon
-                peek();
-            }
-            if (here) {
-                found_ = line;
-                return true;
-            }
-            skipValue();
-            if (peek() == ',')
-                ++at_;
+    struct Open {
+        size_t number;
+        int elements; // so far; negative in an object
+    };
+
+    [[noreturn]] void refuse(int line, const std::string &text) const {
+        json row = {{"path", ""}, {"line", line}, {"value", nullptr}, {"allowed", nullptr}};
+        throw Failure(Status::kUsage, "", file_ + ":" + std::to_string(line) + ":" + text, "",
+                      {{"errors", json::array({row})}});
+    }
+
+    void take(json::parse_event_t event, const json &value) {
+        using Event = json::parse_event_t;
+        if (event == Event::key)
+            takeName(value.get<std::string>());
+        else if (event == Event::object_end || event == Event::array_end)
+            open_.pop_back();
+        else
+            takeValue(event, value);
+    }
+
+    void takeName(const std::string &name) {
+        name_ = name;
+        bool added;
+        std::tie(current_, added) = lines_.add(open_.back().number, {name, -1}, position_.line);
+        if (!added)
+            refuse(position_.line, " " + inQuotes(escapeBytes(name)) + " stands twice in one object, first in line " +
+                                       std::to_string(lines_.at(current_)));
+    }
+
+    void takeValue(json::parse_event_t event, const json &value) {
+        if (!open_.empty() && open_.back().elements >= 0) {
+            // The parser knows the end of a number by the character behind it.
+            int ahead = event == json::parse_event_t::value && value.is_number() && position_.at[-1] == '\n';
+            current_ = lines_.add(open_.back().number, {{}, open_.back().elements++}, position_.line - ahead).first;
         }
-        return false;
+        if (event == json::parse_event_t::value)
+            return;
+        if (open_.size() == kDeepest)
+            refuse(position_.line, " more than " + std::to_string(kDeepest) + " brackets inside each other");
+        open_.push_back({current_, event == json::parse_event_t::array_start ? 0 : -1});
     }
 
-    char next() {
-        if (text_[at_] == '\n')
-            ++line_;
-        return text_[at_++];
+    // "[json.exception.parse_error.101] parse error at line 3, column 5: text; last read: '...'" as "3:5: text", and
+    // what stands there in a form that can be shown.
+    [[noreturn]] void refuseSyntax(const json::parse_error &error) const {
+        std::string message = error.what();
+        int line = 1, column = 1;
+        size_t start = std::min(message.find("line "), message.size());
+        if (std::sscanf(message.c_str() + start, "line %d, column %d", &line, &column) == 2)
+            message.erase(0, message.find(": ", start) + 2);
+        message.erase(std::min(message.find("; last read: "), message.size()));
+        std::string near = excerpt(error.byte);
+        refuse(line,
+               std::to_string(column) + ": " + escapeBytes(message) + (near.empty() ? "" : "; near '" + near + "'"));
     }
 
-    // First character of the next token, behind blanks and comments.
-    char peek() {
-        while (at_ < text_.size()) {
-            if (text_.compare(at_, 2, "//") == 0)
-                at_ = std::min(text_.find('\n', at_), text_.size());
-            else if (text_.compare(at_, 2, "/*") == 0)
-                for (size_t end = text_.find("*/", at_ + 2) + 2; at_ < end;)
-                    next();
-            else if (std::isspace(static_cast<unsigned char>(text_[at_])))
-                next();
-            else
-                return text_[at_];
-        }
-        return '\0';
+    // The end of what the parser had read, in its line and at most back to a quotation mark: what stands before that
+    // may be the value of a secret.
+    std::string excerpt(size_t end) const {
+        constexpr size_t kLongest = 24;
+        end = std::min(end, text_.size());
+        if (isSecretName(name_))
+            return "";
+        size_t start = end;
+        while (start > 0 && end - start < kLongest && text_[start - 1] != '\n')
+            if (text_[--start] == '"' && start + 1 < end)
+                break;
+        return escapeBytes(text_.substr(start, end - start));
     }
 
-    std::string skipString() {
-        peek();
-        size_t start = at_++;
-        while (text_[at_] != '"')
-            at_ += text_[at_] == '\\' ? 2 : 1;
-        ++at_;
-        return text_.substr(start, at_ - start);
+    // Strings are UTF-8 by now; nobody looked at the comments.
+    void checkComments() const {
+        size_t good = wellFormedLength(text_);
+        if (good == text_.size())
+            return;
+        auto line = 1 + std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(good), '\n');
+        refuse(static_cast<int>(line), " '" + escapeBytes(text_.substr(good, 1)) + "' in a comment is not UTF-8");
     }
 
-    void skipValue() {
-        int depth = 0;
-        do {
-            char c = peek();
-            if (c == '"') {
-                skipString();
-                continue;
-            }
-            depth += c == '{' || c == '[' ? 1 : c == '}' || c == ']' ? -1 : 0;
-            ++at_;
-            if (depth == 0 && c != '}' && c != ']') // a number or word ends where the next token begins
-                at_ = std::min(text_.find_first_of(",]}/ \t\r\n", at_), text_.size());
-        } while (depth > 0);
-    }
-
+    std::string file_;
     const std::string &text_;
-    size_t at_ = 0;
-    int line_ = 1;
-    int found_ = 1;
+    Position position_{text_.data()};
+    Lines lines_;
+    std::vector<Open> open_;
+    size_t current_ = 0; // number of the value that is read
+    std::string name_;
 };
-
-// Refuses a name that stands twice in one object: JSON readers silently keep the last one.
-class TwiceCheck {
-  public:
-    bool operator()(int, json::parse_event_t event, json &value) {
-        if (event == json::parse_event_t::object_start)
-            seen_.emplace_back();
-        else if (event == json::parse_event_t::object_end)
-            seen_.pop_back();
-        else if (event == json::parse_event_t::key && !seen_.back().insert(value.get<std::string>()).second)
-            throw std::invalid_argument(value.dump() + " stands twice in one object");
-        return true;
-    }
-
-  private:
-    std::vector<std::set<std::string>> seen_;
-};
-
-// "[json.exception.parse_error.101] parse error at line 3, column 5: text" as "3:5: text".
-std::string position(std::string message) {
-    int line = 0, column = 0;
-    size_t start = message.find("line ");
-    if (start == std::string::npos || std::sscanf(message.c_str() + start, "line %d, column %d", &line, &column) != 2)
-        return " " + message;
-    message.erase(0, message.find(": ", start) + 2);
-    return std::to_string(line) + ":" + std::to_string(column) + ": " + message;
-}
 
 } // namespace
 
@@ -146,53 +166,38 @@ Path Path::operator/(size_t index) const {
 }
 
 std::string Path::text() const {
+    constexpr size_t kLongest = 64; // of a name, which may be anything
     std::string text;
     for (const Step &step : steps_) {
         if (step.index >= 0)
             text += "[" + std::to_string(step.index) + "]";
         else
-            text += (text.empty() ? "" : ".") + escapeBytes(step.key);
+            text += (text.empty() ? "" : ".") + escapeBytes(step.key.substr(0, kLongest)) +
+                    (step.key.size() > kLongest ? "..." : "");
     }
     return text;
 }
 
-Document Document::parse(const std::string &file, const std::string &text) {
-    try {
-        return {file, text, json::parse(text, TwiceCheck{}, true, true)};
-    } catch (const json::exception &error) {
-        throw Failure(Status::kUsage, "", file + ":" + position(error.what()));
-    } catch (const std::invalid_argument &error) {
-        throw Failure(Status::kUsage, "", file + ": " + error.what());
+std::pair<size_t, bool> Lines::add(size_t parent, const Path::Step &step, int line) {
+    auto [place, added] = numbers_.try_emplace({parent, step.index, step.key}, lines_.size());
+    if (added)
+        lines_.push_back(line);
+    return {place->second, added};
+}
+
+int Lines::find(const Path &path) const {
+    size_t number = 0;
+    for (const Path::Step &step : path.steps()) {
+        auto place = numbers_.find({number, step.index, step.key});
+        if (place == numbers_.end())
+            break;
+        number = place->second;
     }
+    return lines_[number];
 }
 
-Document Document::load(const std::string &file) {
-    std::ifstream stream(file);
-    std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf()))
-        throw Failure(Status::kUsage, "", file + ": cannot be read, or is empty");
-    if (text.str().size() > kLargestFile)
-        throw Failure(Status::kUsage, "", file + ": larger than 1 MiB");
-    return parse(file, text.str());
-}
+Document Document::parse(const std::string &file, const std::string &text) { return Reader(file, text).read(file); }
 
-int Document::lineOf(const Path &path) const { return Scanner(text).find(path.steps()); }
-
-void Problems::add(const Path &path, const std::string &text) {
-    std::string where = path.text();
-    lines_.push_back(document_.file + ":" + std::to_string(document_.lineOf(path)) + ": " + where +
-                     (where.empty() ? "" : ": ") + text);
-}
-
-void Problems::throwIfAny() const {
-    if (lines_.empty())
-        return;
-    std::string all;
-    for (size_t i = 0; i < lines_.size() && i < kMostProblems; ++i)
-        all += (i ? "\n" : "") + lines_[i];
-    if (lines_.size() > kMostProblems)
-        all += "\n... and " + std::to_string(lines_.size() - kMostProblems) + " more";
-    throw Failure(Status::kUsage, "", all);
-}
+Document Document::load(const std::string &file) { return parse(file, readRegularFile(file, kLargestFile)); }
 
 } // namespace wlhost

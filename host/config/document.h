@@ -1,7 +1,9 @@
 // A JSON file with comments, and where in it a value stands.
 #pragma once
 
+#include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "host/base/failure.h"
@@ -26,29 +28,30 @@ class Path {
     std::vector<Step> steps_;
 };
 
-struct Document {
-    std::string file;
-    std::string text;
-    json root;
-
-    // Throws a Failure that names file, line and column when the file is missing or no JSON, or a name stands twice.
-    static Document load(const std::string &file);
-    static Document parse(const std::string &file, const std::string &text);
-    // Line of the value at `path`, or of the nearest thing around it that exists.
-    int lineOf(const Path &path) const;
-};
-
-// Everything that is wrong with one document, so that the user mends it in one go.
-class Problems {
+// Lines of a document's values. A value is known by the number of what it stands in, and its step from there.
+class Lines {
   public:
-    explicit Problems(const Document &document) : document_(document) {}
-    void add(const Path &path, const std::string &text);
-    bool empty() const { return lines_.empty(); }
-    void throwIfAny() const;
+    // Number of a value, and whether it is new; one that is there already keeps its line. The root has number 0.
+    std::pair<size_t, bool> add(size_t parent, const Path::Step &step, int line);
+    int at(size_t number) const { return lines_[number]; }
+    // Line of the value at `path`, or of the nearest thing around it that exists.
+    int find(const Path &path) const;
 
   private:
-    const Document &document_;
-    std::vector<std::string> lines_;
+    std::map<std::tuple<size_t, int, std::string>, size_t> numbers_;
+    std::vector<int> lines_ = {1};
+};
+
+// A file of at most 1 MiB of UTF-8, with at most 64 brackets inside each other.
+struct Document {
+    std::string file;
+    json root;
+    Lines lines;
+
+    // Throws a Failure with status 2 that names file, line and column when the file is none that can be read, or no
+    // JSON, or a name stands twice in one object. What it shows of the file is escaped, and is never a secret.
+    static Document load(const std::string &file);
+    static Document parse(const std::string &file, const std::string &text);
 };
 
 } // namespace wlhost

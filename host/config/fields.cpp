@@ -1,12 +1,10 @@
 #include "host/config/fields.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
-#include <cctype>
+#include <set>
+#include <stdexcept>
 
-#include "host/base/addresses.h"
-#include "host/base/escape.h"
+#include "host/config/text_rules.h"
 
 // Offset and size of a record's member, the two columns that say where a value goes.
 #define AT(type, member) offsetof(type, member), sizeof(type::member)
@@ -39,128 +37,6 @@ template <typename Rows> std::vector<Word> wordsOf(const Rows &rows) {
         words.push_back({row.name, static_cast<long>(words.size())});
     return words;
 }
-
-std::string lengthOf(const std::string &text) { return "is " + std::to_string(text.size()) + " characters"; }
-
-bool onlyHex(const std::string &text) { return text.size() % 2 == 0 && fromHex(text).has_value(); }
-
-bool printableAscii(const std::string &text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
-}
-
-std::string ssidProblem(std::string &text) {
-    if (text.find('\0') != std::string::npos)
-        return "holds a NUL";
-    return text.empty() || text.size() > 32 ? "is " + std::to_string(text.size()) + " bytes" : "";
-}
-
-std::string ssidHexProblem(std::string &text) {
-    auto bytes = fromHex(text);
-    if (!bytes)
-        return "is not pairs of hexadecimal digits";
-    text = *bytes;
-    return ssidProblem(text);
-}
-
-std::string pskProblem(std::string &text) {
-    if (text.size() == 64)
-        return onlyHex(text) ? "" : "is 64 characters, but not all hexadecimal digits";
-    if (text.size() < 8 || text.size() > 64)
-        return lengthOf(text);
-    return printableAscii(text) ? "" : "holds characters outside printable ASCII";
-}
-
-std::string wepProblem(std::string &text) {
-    if (text.size() == 5 || text.size() == 13)
-        return printableAscii(text) ? "" : "holds characters outside printable ASCII";
-    if (text.size() == 10 || text.size() == 26)
-        return onlyHex(text) ? "" : "is not all hexadecimal digits";
-    return lengthOf(text);
-}
-
-std::string interfaceProblem(std::string &text) { return isInterfaceName(text) ? "" : "is no interface name"; }
-
-std::string macProblem(std::string &text) {
-    auto mac = parseMac(text);
-    if (!mac)
-        return "is no MAC address";
-    if ((*mac)[0] & 1)
-        return "is a group address";
-    text = formatMac(*mac, true);
-    return "";
-}
-
-std::string countryProblem(std::string &text) {
-    size_t slash = std::min(text.find('/'), text.size());
-    std::string revision = text.substr(std::min(slash + 1, text.size()));
-    bool letters = slash == 2 && std::isupper(static_cast<unsigned char>(text[0])) &&
-                   std::isalnum(static_cast<unsigned char>(text[1])) &&
-                   !std::islower(static_cast<unsigned char>(text[1]));
-    bool digits = std::all_of(revision.begin(), revision.end(), [](char c) { return c >= '0' && c <= '9'; });
-    bool lengthFits = slash == text.size() || (!revision.empty() && revision.size() <= 3);
-    return letters && digits && lengthFits ? "" : "is no country";
-}
-
-std::string addressProblem(std::string &text) {
-    uint8_t bytes[16];
-    bool address = inet_pton(AF_INET, text.c_str(), bytes) == 1 || inet_pton(AF_INET6, text.c_str(), bytes) == 1;
-    return address ? "" : "is no IP address";
-}
-
-std::string secretProblem(std::string &text) {
-    if (text.empty() || text.size() > 255)
-        return lengthOf(text);
-    return printableAscii(text) ? "" : "holds characters outside printable ASCII";
-}
-
-std::string pathProblem(std::string &text) {
-    return text.empty() || text.size() > 35 ? lengthOf(text)
-           : printableAscii(text)           ? ""
-                                            : "holds characters outside printable ASCII";
-}
-
-std::string pinProblem(std::string &text) {
-    int sum = 0;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] < '0' || text[i] > '9')
-            return "is not all digits";
-        sum += (text[i] - '0') * (i % 2 == 0 ? 3 : 1);
-    }
-    if (text.size() != 8)
-        return lengthOf(text);
-    return sum % 10 == 0 ? "" : "has a wrong checksum digit";
-}
-
-// The WPS daemon's reply has room for 35 characters: the record holds the digits alone.
-std::string uuidProblem(std::string &text) {
-    std::string digits = text;
-    if (text.size() == 36 && text[8] == '-' && text[13] == '-' && text[18] == '-' && text[23] == '-')
-        digits.erase(std::remove(digits.begin(), digits.end(), '-'), digits.end());
-    auto bytes = fromHex(digits);
-    if (!bytes || bytes->size() != 16)
-        return "is no UUID";
-    text = toHex(*bytes);
-    return "";
-}
-
-constexpr TextRule kSsidRule{ssidProblem, "1 to 32 bytes of UTF-8 without NUL", "^[^\\u0000]{1,32}$"};
-constexpr TextRule kSsidHexRule{ssidHexProblem, "1 to 32 bytes as pairs of hexadecimal digits, without 00",
-                                "^([0-9A-Fa-f]{2}){1,32}$"};
-constexpr TextRule kPskRule{pskProblem, "8 to 63, or 64 hexadecimal digits", "^([ -~]{8,63}|[0-9A-Fa-f]{64})$"};
-constexpr TextRule kWepRule{wepProblem, "5 or 13 characters, or 10 or 26 hexadecimal digits",
-                            "^([ -~]{5}|[ -~]{13}|[0-9A-Fa-f]{10}|[0-9A-Fa-f]{26})$"};
-constexpr TextRule kInterfaceRule{interfaceProblem, "1 to 15 of A-Z a-z 0-9 . _ -, the first not -",
-                                  "^[A-Za-z0-9._][A-Za-z0-9._-]{0,14}$"};
-constexpr TextRule kMacRule{macProblem, "six hexadecimal pairs of a station, such as 00:10:18:aa:bb:cc",
-                            "^[0-9A-Fa-f]{2}([:-][0-9A-Fa-f]{2}){5}$"};
-constexpr TextRule kCountryRule{countryProblem, "two capitals and perhaps a slash and a revision, such as DE/3",
-                                "^[A-Z][A-Z0-9](/[0-9]{1,3})?$"};
-constexpr TextRule kAddressRule{addressProblem, "an IPv4 or IPv6 address", "^[0-9A-Fa-f:.]{2,45}$"};
-constexpr TextRule kSecretRule{secretProblem, "1 to 255 characters of printable ASCII", "^[ -~]{1,255}$"};
-constexpr TextRule kPathRule{pathProblem, "1 to 35 characters of printable ASCII", "^[ -~]{1,35}$"};
-constexpr TextRule kPinRule{pinProblem, "8 digits, the last one the checksum", "^[0-9]{8}$"};
-constexpr TextRule kUuidRule{uuidProblem, "32 hexadecimal digits, with or without the four dashes",
-                             "^[0-9A-Fa-f]{8}-?([0-9A-Fa-f]{4}-?){3}[0-9A-Fa-f]{12}$"};
 
 Field flag(const char *name, size_t offset, size_t size, bool initial, const char *about) {
     return {name, Kind::kFlag, offset, size, about, 0, -1, initial};
@@ -199,6 +75,11 @@ Field numbers(const char *name, size_t offset, size_t size, long most, char sepa
 
 Field nested(const char *name, Kind kind, long low, long high, const std::vector<Field> &children, const char *about) {
     return {name, kind, 0, 0, about, low, high, 0, false, false, {}, nullptr, "", ' ', &children};
+}
+
+Field secret(Field field) {
+    field.secret = true;
+    return field;
 }
 
 Field required(Field field) {
@@ -250,7 +131,7 @@ const std::vector<Field> &wpsFields() {
         flag("ap_pin", AT(S, record.wpsApPinEnable), false, "PIN of the access point allowed"),
         number("config_methods", AT(S, record.wpsConfigMethod), 0, 0xffff, 0,
                "Bit mask of configuration methods; 0 takes the usual ones of the version"),
-        text("device_pin", AT(S, record.wpsDevicePin), kPinRule, "The device's own PIN"),
+        secret(text("device_pin", AT(S, record.wpsDevicePin), kPinRule, "The device's own PIN")),
         text("uuid", AT(S, record.wpsUuid), kUuidRule, "UUID; made from the radio's address when absent"),
     };
     return kFields;
@@ -260,7 +141,7 @@ const std::vector<Field> &radiusFields() {
     static const std::vector<Field> kFields = {
         required(text("server", AT(S, record.radiusIpaddr), kAddressRule, "Address of the server")),
         number("port", AT(S, record.radiusPort), 1, 65535, 1812, "UDP port of the server"),
-        required(text("secret", AT(S, record.radiusKey), kSecretRule, "Shared secret")),
+        required(secret(text("secret", AT(S, record.radiusKey), kSecretRule, "Shared secret"))),
     };
     return kFields;
 }
@@ -281,12 +162,12 @@ const std::vector<Field> &ssidFields() {
         flag("wmm", AT(S, record.wmm), true, "WMM; the first SSID also decides for the radio"),
         flag("uapsd", AT(S, record.wmmApsd), true, "WMM power save; the first SSID decides for the radio"),
         oneOf("encryption", AT(S, security), 0, wordsOf(kSecurityKinds), "Security of the network"),
-        text("key", AT(S, record.wpaPsk), kPskRule, "Passphrase of psk2 and psk-mixed"),
-        text("key_fallback", AT(S, record.wpaPskFallback), kPskRule, "Passphrase used when there is no key"),
-        text("key1", AT(S, record.wepKeys[0]), kWepRule, "WEP key 1"),
-        text("key2", AT(S, record.wepKeys[1]), kWepRule, "WEP key 2"),
-        text("key3", AT(S, record.wepKeys[2]), kWepRule, "WEP key 3"),
-        text("key4", AT(S, record.wepKeys[3]), kWepRule, "WEP key 4"),
+        secret(text("key", AT(S, record.wpaPsk), kPskRule, "Passphrase of psk2 and psk-mixed")),
+        secret(text("key_fallback", AT(S, record.wpaPskFallback), kPskRule, "Passphrase used when there is no key")),
+        secret(text("key1", AT(S, record.wepKeys[0]), kWepRule, "WEP key 1")),
+        secret(text("key2", AT(S, record.wepKeys[1]), kWepRule, "WEP key 2")),
+        secret(text("key3", AT(S, record.wepKeys[2]), kWepRule, "WEP key 3")),
+        secret(text("key4", AT(S, record.wepKeys[3]), kWepRule, "WEP key 4")),
         number("wep_default_key", AT(S, record.defaultKeyId), 1, 4, 1, "Number of the WEP key to send with"),
         number("ieee80211w", AT(S, record.protectMF), 0, 2, 0, "Management frame protection: off, optional, required"),
         number("wpa_group_rekey", AT(S, record.rekeyInterval), 0, kMonth, 3600,
@@ -311,7 +192,7 @@ const std::vector<Field> &ssidFields() {
 const std::vector<Field> &radioFields() {
     static const std::vector<Word> kRifs = {{"off", 0}, {"auto", -1}};
     static const std::vector<Field> kFields = {
-        required(text("name", AT(R, record.ifName), kInterfaceRule, "Interface of the radio, such as wl0")),
+        required(text("name", AT(R, record.ifName), kRadioRule, "Interface of the radio, such as wl0")),
         inverted(flag("disabled", AT(R, record.radioOn), false, "The radio is off")),
         number("index", AT(R, record.radioIndex), 1, 127, 0, "Number of the radio from 1; from its name when absent"),
         oneOf("band", AT(R, record.band), 0, {{"2g", 2}, {"5g", 1}}, "Band, when the file is to be checked against it"),
@@ -388,21 +269,40 @@ const std::vector<Field> &rootFields() {
     static const std::vector<Field> kFields = {
         {"$schema", Kind::kIgnored, 0, 0, "Schema for editors"},
         nested("lan", Kind::kGroup, 0, 0, lanFields(), "Bridges"),
-        nested("radios", Kind::kRecords, 0, 16, radioFields(), "Radios to bring up; others are left alone"),
+        required(nested("radios", Kind::kRecords, 1, 16, radioFields(), "Radios to bring up; others are left alone")),
     };
     return kFields;
+}
+
+const Field *findField(const std::vector<Field> &fields, const std::string &name) {
+    auto found = std::find_if(fields.begin(), fields.end(), [&](const Field &field) { return field.name == name; });
+    return found == fields.end() ? nullptr : &*found;
 }
 
 const Field &fieldAt(const std::vector<std::string> &names) {
     const Field *field = nullptr;
     for (const std::string &name : names) {
-        const std::vector<Field> &fields = field ? *field->children : rootFields();
-        auto found = std::find_if(fields.begin(), fields.end(), [&](const Field &f) { return f.name == name; });
-        if (found == fields.end())
+        field = findField(field ? *field->children : rootFields(), name);
+        if (!field)
             throw std::logic_error("no field " + name);
-        field = &*found;
     }
     return *field;
+}
+
+bool isSecretName(const std::string &name) {
+    static const std::set<std::string> kNames = [] {
+        std::set<std::string> names;
+        std::vector<const std::vector<Field> *> tables = {&rootFields()};
+        for (size_t i = 0; i < tables.size(); ++i)
+            for (const Field &field : *tables[i]) {
+                if (field.children)
+                    tables.push_back(field.children);
+                if (field.secret)
+                    names.insert(field.name);
+            }
+        return names;
+    }();
+    return kNames.count(name) != 0;
 }
 
 } // namespace wlhost

@@ -7,7 +7,8 @@
 
 #include <wlbrcm/radio.h>
 
-#include "host/config/document.h"
+#include "host/config/problems.h"
+#include "host/config/text_rules.h"
 
 namespace wlhost {
 
@@ -71,14 +72,6 @@ struct Word {
     const char *text = nullptr;
 };
 
-// What a text must look like.
-struct TextRule {
-    // What is wrong with the text ("is 5 characters"), or empty. May bring the text into the record's form.
-    std::string (*problem)(std::string &text);
-    const char *allowed;
-    const char *pattern; // for the schema
-};
-
 struct Field {
     const char *name;
     Kind kind;
@@ -93,12 +86,20 @@ struct Field {
     const char *initialText = "";
     char separator = ' ';
     const std::vector<Field> *children = nullptr;
+    bool secret = false; // the value is never shown
 };
+
+// Stands for the value of a secret.
+constexpr const char *kMask = "********";
 
 // Settings of the whole file, down to every record.
 const std::vector<Field> &rootFields();
 // The row behind a chain of names, such as {"radios", "ssids"}.
 const Field &fieldAt(const std::vector<std::string> &names);
+// The row of a name; null when there is none.
+const Field *findField(const std::vector<Field> &fields, const std::string &name);
+// Whether a setting by this name is a secret, wherever it stands.
+bool isSecretName(const std::string &name);
 
 // What a field may be, for a message: `20 to 1024`.
 std::string allowedText(const Field &field);
@@ -106,7 +107,7 @@ std::string allowedText(const Field &field);
 // to the caller. `node` that is no object is a problem, too.
 void readRecord(const json &node, const Path &path, const std::vector<Field> &fields, void *record, size_t size,
                 Problems &problems);
-// A value as a message shows it.
+// A value as a message shows it: cut when it is long, lists and objects by their kind alone.
 std::string shown(const json &value);
 
 // The JSON schema of the file, from the same rows.

@@ -99,7 +99,7 @@ std::string readElement(const Field &field, const json &value, std::string &elem
         return field.rule->problem(element);
     }
     bool channel = value.is_number_integer() && value.get<int64_t>() >= 1 && value.get<int64_t>() <= 165;
-    element = value.dump();
+    element = dumped(value);
     return channel ? "" : "is no channel number";
 }
 
@@ -107,9 +107,10 @@ const char *elementAllowed(const Field &field) { return field.rule ? field.rule-
 
 void readList(const Field &field, const json &value, const Path &path, void *record, Problems &problems) {
     if (!value.is_array() || value.size() > static_cast<size_t>(field.high)) {
-        problems.add(path, (value.is_array() ? "has " + std::to_string(value.size()) + " elements"
-                                             : shown(value) + " is not a list") +
-                               "; " + allowedText(field));
+        problems.add(path,
+                     value.is_array() ? "has " + std::to_string(value.size()) + " elements"
+                                      : shown(value) + " is not a list",
+                     allowedText(field));
         return;
     }
     std::string joint;
@@ -120,15 +121,15 @@ void readList(const Field &field, const json &value, const Path &path, void *rec
         if (problem.empty() && std::find(seen.begin(), seen.end(), element) != seen.end())
             problem = "stands twice in the list";
         if (!problem.empty())
-            problems.add(path / i, shown(value[i]) + " " + problem + "; " + elementAllowed(field));
+            problems.add(path / i, shown(value[i]) + " " + problem, elementAllowed(field));
         joint += (joint.empty() ? "" : std::string(1, field.separator)) + element;
         seen.push_back(element);
     }
     if (joint.size() < field.size)
         storeText(field, record, joint);
     else if (problems.empty())
-        problems.add(path, "is " + std::to_string(joint.size()) + " characters when joined; at most " +
-                               std::to_string(field.size - 1));
+        problems.add(path, "is " + std::to_string(joint.size()) + " characters when joined",
+                     "at most " + std::to_string(field.size - 1));
 }
 
 void setInitial(const std::vector<Field> &fields, void *record) {
@@ -168,14 +169,20 @@ void readValue(const Field &field, const json &value, const Path &path, void *re
     case Kind::kGroup:
         return readMembers(value, path, *field.children, record, problems);
     case Kind::kRecords:
-        if (!value.is_array() || value.size() > static_cast<size_t>(field.high))
+        if (!value.is_array() || value.size() > static_cast<size_t>(field.high) ||
+            value.size() < static_cast<size_t>(field.low))
             problem = value.is_array() ? "has " + std::to_string(value.size()) + " entries" : "is not a list";
         break;
     case Kind::kIgnored:
         break;
     }
     if (!problem.empty())
-        problems.add(path, (value.is_array() ? "" : shown(value) + " ") + problem + "; " + allowedText(field));
+        problems.add(path,
+                     (value.is_array() ? ""
+                      : field.secret   ? std::string(kMask) + " "
+                                       : shown(value) + " ") +
+                         problem,
+                     allowedText(field));
 }
 
 void readMembers(const json &node, const Path &path, const std::vector<Field> &fields, void *record,
@@ -191,12 +198,15 @@ void readMembers(const json &node, const Path &path, const std::vector<Field> &f
         if (member != node.end())
             readValue(field, *member, path / field.name, record, problems);
         else if (field.required)
-            problems.add(path, std::string(field.name) + " is missing; " + allowedText(field));
+            problems.add(path, std::string(field.name) + " is missing", allowedText(field));
     }
     for (const auto &[name, value] : node.items()) {
         if (std::find(names.begin(), names.end(), name) != names.end())
             continue;
-        problems.add(path / name, "unknown name; " + suggestion(name, names));
+        if (problems.full())
+            problems.addUnread();
+        else
+            problems.add(path / name, "unknown name", suggestion(name, names));
     }
 }
 
@@ -204,6 +214,8 @@ void readMembers(const json &node, const Path &path, const std::vector<Field> &f
 
 std::string shown(const json &value) {
     constexpr size_t kLongest = 60;
+    if (value.is_structured() && !value.empty())
+        return value.is_array() ? "[...]" : "{...}";
     std::string text = value.dump(-1, ' ', true);
     return text.size() <= kLongest ? text : text.substr(0, kLongest) + "...";
 }
@@ -226,7 +238,8 @@ std::string allowedText(const Field &field) {
         return field.rule->allowed;
     case Kind::kList:
     case Kind::kRecords:
-        return "a list of at most " + std::to_string(field.high);
+        return "a list of " + (field.low > 0 ? std::to_string(field.low) + " to " : "at most ") +
+               std::to_string(field.high);
     default:
         return "an object";
     }

@@ -31,13 +31,20 @@ json numberSchema(const Field &field) {
     return field.low > field.high ? words : json{{"anyOf", {range, words}}};
 }
 
-json textSchema(const Field &field) { return {{"type", "string"}, {"pattern", field.rule->pattern}}; }
+json textSchema(const Field &field) {
+    json schema = {{"type", "string"}, {"pattern", field.rule->pattern}};
+    if (field.rule->longest > 0)
+        schema.update({{"minLength", field.rule->shortest}, {"maxLength", field.rule->longest}});
+    return schema;
+}
 
 json listSchema(const Field &field) {
     json items = field.kind == Kind::kRecords ? objectSchema(*field.children)
                  : field.rule                 ? textSchema(field)
                                               : json{{"type", "integer"}, {"minimum", 1}, {"maximum", 165}};
     json schema = {{"type", "array"}, {"maxItems", field.high}, {"items", items}};
+    if (field.low > 0)
+        schema["minItems"] = field.low;
     if (field.kind == Kind::kList)
         schema["uniqueItems"] = true;
     return schema;

@@ -11,13 +11,18 @@
 #include <cstring>
 
 #include "host/base/failure.h"
+#include "host/control/runtime_folder.h"
 
 namespace wlhost {
 namespace {
 
 constexpr size_t kLargestRequest = 64UL * 1024;
 constexpr size_t kLargestAnswer = 64UL * 1024 * 1024;
-constexpr size_t kMostConnections = 32;
+// Who waits for an answer and who follows the events do not take each other's places. Together they stay well below the
+// 1,024 descriptors that a process usually has.
+constexpr size_t kMostWaiting = 192;
+constexpr size_t kMostSubscribers = 192;
+constexpr size_t kMostAtATime = kMostWaiting / 2;
 constexpr std::chrono::seconds kPatience{10};
 // What a subscriber may leave unread beyond the kernel's buffer.
 constexpr size_t kLargestBacklog = 256UL * 1024;
@@ -74,32 +79,17 @@ bool waitFor(int fd, short events, std::chrono::steady_clock::time_point deadlin
 
 } // namespace
 
-Fd::~Fd() {
-    if (fd_ >= 0)
-        close(fd_);
-}
-
-Fd &Fd::operator=(Fd &&other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-}
-
-int Fd::release() {
-    int fd = fd_;
-    fd_ = -1;
-    return fd;
-}
-
 std::string socketPath(const std::string &option) {
     const char *environment = getenv("WLHOST_SOCKET");
     if (!option.empty())
         return option;
-    return environment && *environment ? environment : "/tmp/wlhost.sock";
+    return environment && *environment ? environment : runtimeFolder() + "/wlhost.sock";
 }
 
 ControlServer::ControlServer(const std::string &path, Handler handler)
     : path_(path), handler_(std::move(handler)), listener_(newSocket(SOCK_NONBLOCK)) {
     sockaddr_un address = addressOf(path);
+    secureRuntimeFolder(path);
     removeStale(path, address);
     // The mode is there from the first moment on: nobody else connects in between.
     mode_t mask = umask(0177);
@@ -135,18 +125,33 @@ int ControlServer::timeout() const {
 }
 
 void ControlServer::serve() {
+    // A round accepts fewer than may wait: each gets its request read before a newer one takes its place.
     accept();
     auto through = [&](Connection &connection) { return !advance(connection) || Clock::now() >= connection.deadline; };
     connections_.erase(std::remove_if(connections_.begin(), connections_.end(), through), connections_.end());
 }
 
 void ControlServer::accept() {
-    while (connections_.size() < kMostConnections) {
+    for (size_t i = 0; i < kMostAtATime; ++i) {
         Fd fd(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-        if (fd.get() < 0)
+        if (fd.get() >= 0) {
+            connections_.push_back({std::move(fd), Clock::now() + kPatience});
+            if (connections_.size() - subscribers() > kMostWaiting)
+                dropOldest();
+        } else if ((errno != EMFILE && errno != ENFILE) || connections_.empty()) {
             return;
-        connections_.push_back({std::move(fd), Clock::now() + kPatience});
+        } else {
+            dropOldest();
+        }
     }
+}
+
+// The oldest that is silent, else the oldest that does not take its answer, else the oldest subscriber.
+void ControlServer::dropOldest() {
+    auto rank = [](const Connection &one) { return one.subscribed ? 2 : one.answered ? 1 : 0; };
+    auto oldest = std::min_element(connections_.begin(), connections_.end(),
+                                   [&](const auto &a, const auto &b) { return rank(a) < rank(b); });
+    connections_.erase(oldest);
 }
 
 bool ControlServer::advance(Connection &connection) {
@@ -175,6 +180,8 @@ bool ControlServer::receive(Connection &connection) {
             return false;
         if (size_t end = connection.input.find('\n'); end != std::string::npos) {
             Reply reply = handler_(connection.input.substr(0, end));
+            if (reply.subscribed && subscribers() >= kMostSubscribers)
+                reply = refusal();
             connection.output = reply.line + "\n";
             connection.answered = true;
             connection.subscribed = reply.subscribed;
@@ -196,8 +203,15 @@ bool ControlServer::send(Connection &connection) {
     return connection.subscribed;
 }
 
-bool ControlServer::hasSubscribers() const {
-    return std::any_of(connections_.begin(), connections_.end(), [](const auto &one) { return one.subscribed; });
+ControlServer::Reply ControlServer::refusal() {
+    Failure failure(Status::kEnvironment, "events", std::to_string(kMostSubscribers) + " clients follow them already",
+                    "end one of those");
+    return dumped({{"status", failure.status}, {"error", errorOf(failure)}});
+}
+
+size_t ControlServer::subscribers() const {
+    return static_cast<size_t>(
+        std::count_if(connections_.begin(), connections_.end(), [](const auto &one) { return one.subscribed; }));
 }
 
 void ControlServer::publish(const std::string &line) {
@@ -212,6 +226,7 @@ void ControlServer::publish(const std::string &line) {
 
 ControlClient::ControlClient(const std::string &path, const std::string &request, int timeoutSeconds)
     : path_(path), fd_(newSocket(0)) {
+    secureRuntimeFolder(path);
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
     if (!connected(fd_.get(), addressOf(path)))
         throw Failure(Status::kEnvironment, path, std::string("no host: ") + std::strerror(errno),

@@ -9,26 +9,15 @@
 #include <string>
 #include <vector>
 
+#include "host/base/fd.h"
+
 namespace wlhost {
-
-// A file descriptor that is closed with its owner.
-class Fd {
-  public:
-    explicit Fd(int fd = -1) : fd_(fd) {}
-    ~Fd();
-    Fd(Fd &&other) noexcept : fd_(other.release()) {}
-    Fd &operator=(Fd &&other) noexcept;
-    int get() const { return fd_; }
-    int release();
-
-  private:
-    int fd_;
-};
 
 // Path by option, else by environment, else the default.
 std::string socketPath(const std::string &option);
 
-// The host's end. Never blocks: a client that is slow, silent or gone costs nothing but its own connection.
+// The host's end. Never blocks: a client that is slow, silent or gone costs nothing but its own connection. When too
+// many wait, the oldest silent one goes first.
 class ControlServer {
   public:
     struct Reply {
@@ -48,7 +37,7 @@ class ControlServer {
     void addTo(std::vector<pollfd> &fds) const;
     // Accepts, reads, answers; drops connections that are through or too old.
     void serve();
-    bool hasSubscribers() const;
+    bool hasSubscribers() const { return subscribers() > 0; }
     // Queues a line for every subscriber; serve() sends. A subscriber that reads too slowly is dropped.
     void publish(const std::string &line);
     // Milliseconds until the oldest connection is dropped; -1 without connections.
@@ -64,6 +53,9 @@ class ControlServer {
     };
 
     void accept();
+    void dropOldest();
+    size_t subscribers() const;
+    static Reply refusal();
     // False when the connection is through.
     bool advance(Connection &connection);
     bool receive(Connection &connection);

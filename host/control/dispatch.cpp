@@ -1,12 +1,19 @@
 #include "host/control/dispatch.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "host/base/word_lists.h"
 #include "host/command_table.h"
+#include "host/config/document.h"
 
 namespace wlhost {
 namespace {
+
+bool inRange(const json &number, int most) {
+    const auto highest = static_cast<uint64_t>(most > 0 ? most : INT_MAX);
+    return number.is_number_unsigned() && number.get<uint64_t>() >= 1 && number.get<uint64_t>() <= highest;
+}
 
 const char *typeProblem(const Option &option, const json &value) {
     auto isText = [](const json &one) { return one.is_string(); };
@@ -14,7 +21,9 @@ const char *typeProblem(const Option &option, const json &value) {
     case Value::kFlag:
         return value.is_boolean() ? nullptr : "is not true or false";
     case Value::kNumber:
-        return value.is_number_integer() ? nullptr : "is not a whole number";
+        return !value.is_number_integer()    ? "is not a whole number"
+               : inRange(value, option.most) ? nullptr
+                                             : "is out of range";
     case Value::kItems:
     case Value::kTexts:
     case Value::kStations:
@@ -54,32 +63,40 @@ const Command &commandOf(const std::string &name) {
     throw Failure(Status::kUsage, name, "is no command", suggestion(name, names));
 }
 
-json run(Host &host, const json &request) {
-    const json args = request.value("args", json::object());
-    if (!args.is_object())
-        throw Failure(Status::kUsage, "args", "is not an object");
-    const Command &command = commandOf(request.at("command"));
-    json result = command.answer(host, checkedArguments(command, args));
-    Status status = command.meaning ? command.meaning(result) : Status::kDone;
-    return {{"status", status}, {"result", std::move(result)}};
-}
-
 } // namespace
 
+Request readRequest(const std::string &text) {
+    const json request = Document::parse("request", text).root;
+    if (!request.is_object())
+        throw Failure(Status::kUsage, "request", "is not an object");
+    const json name = request.value("command", json()), args = request.value("args", json::object());
+    if (!name.is_string())
+        throw Failure(Status::kUsage, "command", name.is_null() ? "is missing" : "is not a text");
+    if (!args.is_object())
+        throw Failure(Status::kUsage, "args", "is not an object");
+    const Command &command = commandOf(name);
+    return {&command, checkedArguments(command, args)};
+}
+
 bool subscribes(const std::string &request) {
-    json parsed = json::parse(request, nullptr, false);
-    json name = parsed.is_object() ? parsed.value("command", json()) : json();
-    const Command *command = name.is_string() ? findCommand(name) : nullptr;
-    return command && command->follows;
+    try {
+        return readRequest(request).command->follows;
+    } catch (const Failure &) {
+        return false;
+    }
 }
 
 json answer(Host &host, const std::string &request) {
+    auto refused = [](const Failure &failure) { return json{{"status", failure.status}, {"error", errorOf(failure)}}; };
     try {
-        return run(host, json::parse(request));
+        const Request checked = readRequest(request);
+        json result = checked.command->answer(host, checked.args);
+        Status status = checked.command->meaning ? checked.command->meaning(result) : Status::kDone;
+        return {{"status", status}, {"result", std::move(result)}};
     } catch (const Failure &failure) {
-        return {{"status", failure.status}, {"error", errorOf(failure)}};
-    } catch (const json::exception &error) {
-        return {{"status", Status::kUsage}, {"error", errorOf(Failure(Status::kUsage, "request", error.what()))}};
+        return refused(failure);
+    } catch (const std::exception &error) {
+        return refused(Failure(Status::kFailed, "internal", error.what()));
     }
 }
 

@@ -8,8 +8,16 @@
 namespace wlhost {
 
 class Host;
+struct Command;
 
-// Answers one request `{"command": ..., "args": {...}}` with `{"status": 0, "result": ...}` or
+struct Request {
+    const Command *command; // that a host answers
+    json args;              // those it takes, each of the right type
+};
+// Reads `{"command": ..., "args": {...}}`, which may be any bytes. Throws a Failure with status 2.
+Request readRequest(const std::string &text);
+
+// Answers one request with `{"status": 0, "result": ...}` or
 // `{"status": 3, "error": {"code", "where", "text", "hint"}}`. A result may come with another status than 0: the
 // command was carried out, and what it found is not well. Never throws.
 json answer(Host &host, const std::string &request);

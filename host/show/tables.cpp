@@ -18,7 +18,7 @@ std::string cell(const json &value) {
             text += (text.empty() ? "" : " ") + cell(element);
         return text.empty() ? "-" : text;
     }
-    return value.is_string() ? value.get<std::string>() : value.dump();
+    return value.is_string() ? value.get<std::string>() : dumped(value);
 }
 
 std::string table(const std::vector<Column> &columns, const json &rows) {

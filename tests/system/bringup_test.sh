@@ -64,7 +64,7 @@ test_driver_threads_have_their_cpus() {
 }
 
 # A station's event may have the host read something this very moment.
-nothing_else_in_tmp() { [ "$(files_in_tmp)" = 'wl0_cap wl1_cap wlhost.sock wps_monitor.pid' ]; }
+nothing_else_in_tmp() { [ "$(files_in_tmp)" = 'wl0_cap wl1_cap wps_monitor.pid' ]; }
 
 test_daemons_run_once_and_leave_nothing() {
     local daemon

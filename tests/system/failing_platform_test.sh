@@ -3,7 +3,6 @@
 # shellcheck shell=bash disable=SC2154 # $output is set by assert_status
 # shellcheck source=tests/system/host.sh
 . /src/tests/system/host.sh
-export WLHOST_SOCKET=/var/run/wlhost.sock
 vary 'del(.radios[].ssids[0].preset, .radios[].ssids[].wps)'
 start_host "$variant"
 

@@ -91,6 +91,6 @@ END
 test_the_host_ends_cleanly() {
     start_host_once
     stop_host
-    assert_status 1 test -e /tmp/wlhost.sock
+    assert_status 1 test -e /run/wlhost.sock
     joins wl0 'correct horse battery'
 }

@@ -1,0 +1,74 @@
+#include "host/control/gateway_lock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "host/base/escape.h"
+#include "host/base/failure.h"
+
+namespace wlhost {
+namespace {
+
+[[noreturn]] void fail(const std::string &file, const std::string &why) {
+    throw Failure(Status::kEnvironment, file, "cannot be locked: " + why);
+}
+
+Fd openLock(const std::string &file) {
+    Fd fd(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600));
+    struct stat entry {};
+    if (fd.get() < 0 || fstat(fd.get(), &entry) != 0)
+        fail(file, std::strerror(errno));
+    if (!S_ISREG(entry.st_mode))
+        fail(file, "not a regular file");
+    return fd;
+}
+
+bool locksInTime(int fd, const std::string &file) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::seconds(1);
+    while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            fail(file, std::strerror(errno));
+        if (Clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+// The holder wrote "PID SOCKET", or "PID" alone.
+Failure heldBy(int fd, const std::string &file) {
+    char text[256] = "";
+    ssize_t length = pread(fd, text, sizeof text, 0);
+    std::string holder(text, length > 0 ? static_cast<size_t>(length) : 0);
+    holder = escapeBytes(holder.substr(0, holder.find('\n')));
+    const size_t blank = holder.find(' ');
+    const std::string pid = holder.substr(0, blank);
+    if (blank == std::string::npos)
+        return Failure(Status::kEnvironment, file, "pid " + pid + " looks at the radios", "try again in a moment");
+    const std::string socket = holder.substr(blank + 1);
+    return Failure(Status::kEnvironment, file, "a host serves this gateway already: pid " + pid + ", socket " + socket,
+                   "ask that one with --socket " + socket + ", or end it with: kill " + pid);
+}
+
+} // namespace
+
+GatewayLock::GatewayLock(const std::string &socket, const std::string &file) {
+    secureRuntimeFolder(file);
+    fd_ = openLock(file);
+    if (!locksInTime(fd_.get(), file))
+        throw heldBy(fd_.get(), file);
+    const std::string holder = std::to_string(getpid()) + (socket.empty() ? "" : " " + socket) + "\n";
+    if (ftruncate(fd_.get(), 0) != 0 ||
+        pwrite(fd_.get(), holder.data(), holder.size(), 0) != static_cast<ssize_t>(holder.size()))
+        fail(file, std::strerror(errno));
+}
+
+} // namespace wlhost

@@ -1,0 +1,24 @@
+// One host a gateway: two would configure the same radios and take each other's events, whatever their sockets are.
+#pragma once
+
+#include <string>
+
+#include "host/base/fd.h"
+#include "host/control/runtime_folder.h"
+
+namespace wlhost {
+
+// Held as long as the object lives, and no longer than its process: what the module starts does not inherit it.
+// A command that looks at the platform without a host takes it meanwhile, since the module's result files have fixed
+// names.
+class GatewayLock {
+  public:
+    // Waits a second at most. Throws a Failure with status 7 that names the process which holds the lock and its
+    // socket. `socket` is where this process can be asked; empty for one that serves nobody.
+    explicit GatewayLock(const std::string &socket = {}, const std::string &file = runtimeFolder() + "/wlhost.lock");
+
+  private:
+    Fd fd_;
+};
+
+} // namespace wlhost
