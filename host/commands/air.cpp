@@ -10,6 +10,7 @@
 #include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
 #include "host/commands/values.h"
+#include "host/verify/world.h"
 
 namespace wlhost {
 namespace {
@@ -78,6 +79,17 @@ void checkReport(int rc, const WlIntf &intf) {
                       std::string("scan first: wlhost scan ") + intf.intfName);
 }
 
+// The module's report is empty, and no failure, when a command behind it failed.
+void demandReports(Host &host, const WlIntf &intf) {
+    World world(host);
+    const std::vector<std::string> commands[] = {{"wlctl", "-i", intf.intfName, "scanresults"},
+                                                 {"acs_cli", "-i", intf.intfName, "dump", "bss"}};
+    for (const auto &command : commands)
+        if (const ToolAnswer &answer = world.tool(command); !answer)
+            throw Failure(Status::kFailed, intf.intfName, "there is no scan report; " + answer.said,
+                          std::string("scan first: wlhost scan ") + intf.intfName);
+}
+
 json channelRow(const WlIntf &intf, const WlChanScanInfo &channel, const json &current) {
     return {{"radio", intf.intfName},
             {"band", channel.band == 2 ? "2.4GHz" : "5GHz"},
@@ -129,6 +141,7 @@ json scan(Host &host, const json &args) {
     for (WlIntf *intf : radiosArg(host, args)) {
         if (!cached)
             Host::check(channelScan(intf), intf->intfName, "channelScan");
+        demandReports(host, *intf);
         List<WlChanScanInfo> channels;
         List<WlScanAp> aps;
         checkReport(report(intf, channels.place(), channels.countPlace(), aps.place(), aps.countPlace()), *intf);
@@ -142,6 +155,7 @@ json survey(Host &host, const json &args) {
     auto *report = host.operation(host.module().ops->getChanScanRpt, "getChanScanRpt");
     json rows = json::array();
     for (WlIntf *intf : radiosArg(host, args)) {
+        demandReports(host, *intf);
         List<WlChanScanInfo> channels;
         List<WlScanAp> aps;
         checkReport(report(intf, channels.place(), channels.countPlace(), aps.place(), aps.countPlace()), *intf);

@@ -1,5 +1,6 @@
 #include "host/commands/radio_status.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "host/base/addresses.h"
@@ -7,7 +8,10 @@
 #include "host/base/failure.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
+#include "host/commands/station_rows.h"
 #include "host/commands/values.h"
+#include "host/verify/readers.h"
+#include "host/verify/verification.h"
 
 namespace wlhost {
 namespace {
@@ -80,23 +84,13 @@ json readItems(const WlModuleOps &ops, WlIntf &intf, const std::vector<std::stri
     return values;
 }
 
-json stateOf(const WlIntf &intf, const json &items) {
-    if (!intf.radio.radioOn)
-        return "off";
-    if (intf.state == WLBRCM_STATE_SETTING_UP)
-        return "configuring";
-    if (intf.state != WLBRCM_STATE_READY)
-        return "idle";
-    json live = items.value("RadioStatus", json());
-    return live.is_null() ? json("ready") : live == "Up" ? json("up") : json("down");
-}
-
-json stationCount(const WlModuleOps &ops, WlIntf &intf) {
-    if (!ops.getAssocDevList)
-        return nullptr;
-    List<WlStaInfo> list;
-    int rc = ops.getAssocDevList(&intf, -1, list.place(), list.countPlace());
-    return rc != 0 ? json() : json(list.size());
+// Stations of every SSID that has an interface to ask.
+json stationCount(Host &host, World &world, const WlIntf &intf) {
+    size_t count = 0;
+    for (const Host::Bss &bss : host.allBss())
+        if (bss.intf == &intf && bss.record().enable && world.hasInterface(bss.record().ifName))
+            count += driverStations(world, bss.record().ifName).size();
+    return count;
 }
 
 json enabledSsids(const WlIntf &intf) {
@@ -106,51 +100,90 @@ json enabledSsids(const WlIntf &intf) {
     return enabled;
 }
 
-const char *ssidState(Host &host, const WlIntf &intf, const WlSsidCfg &record) {
-    if (!record.enable || !intf.radio.radioOn)
-        return "off";
-    if (record.presetRole != WLBRCM_PRESET_ON_DEMAND)
-        return "on";
-    auto known = host.presets.find(record.ifName);
-    return known != host.presets.end() && known->second ? "on" : "standby";
-}
-
 const char *wpsState(const WlSsidCfg &record) {
     return !record.wpsEnable ? "off" : record.wpsConfigured ? "configured" : "unconfigured";
 }
 
-json radioStatus(Host &host, WlIntf &intf) {
+// Members of a row that are not as asked for, by the checks behind them.
+struct Member {
+    const char *check, *name;
+};
+
+template <size_t Size> json differences(const Findings &findings, const Member (&members)[Size]) {
+    json names = json::array();
+    for (const Finding &finding : findings)
+        for (const Member &member : members)
+            if (!finding.holds && finding.check == member.check &&
+                std::count(names.begin(), names.end(), member.name) == 0)
+                names.push_back(member.name);
+    return names;
+}
+
+const Finding *findingOf(const Findings &findings, const char *check) {
+    auto found = std::find_if(findings.begin(), findings.end(), [&](const Finding &one) { return one.check == check; });
+    return found == findings.end() ? nullptr : &*found;
+}
+
+bool isFound(const Findings &findings, const char *check, const char *text) {
+    const Finding *finding = findingOf(findings, check);
+    return finding && finding->found == text;
+}
+
+json radioStatus(Host &host, World &world, WlIntf &intf) {
+    constexpr Member kMembers[] = {{"radio", "state"}, {"channel", "channel"}};
     const WlModuleOps &ops = *host.module().ops;
+    Findings findings = examine(host, world, intf, kOfRadio, intf.intfName);
+    demandAnswers(findings);
+    bool up = isFound(findings, "radio", "up");
     json live = json::object();
     if (ops.statusUpdate)
-        live = readItems(ops, intf, {"RadioStatus", "CurChannel", "CurBandwidth", "Noise", "MaxBitRate"});
-    auto configured = [](unsigned value) { return unlessZero(json(value)); };
-    json channel = ops.statusUpdate ? unlessZero(live["CurChannel"]) : configured(intf.radio.channel);
-    json width = ops.statusUpdate ? live["CurBandwidth"] : configured(intf.radio.bandwidth);
+        live = readItems(ops, intf, {"Noise", "MaxBitRate"});
+    auto channel = up ? readChanspec(world.driver(intf.intfName, "chanspec").out) : std::nullopt;
     return {{"radio", intf.intfName},
             {"band", intf.bandCode == WLBRCM_BANDCODE_5G ? "5GHz" : "2.4GHz"},
-            {"channel", channel},
-            {"width_mhz", width},
-            {"state", stateOf(intf, live)},
+            {"channel", channel ? json(channel->channel) : json()},
+            {"width_mhz", channel ? json(channel->width) : json()},
+            {"state", findingOf(findings, "radio")->found},
             {"max_rate_mbps", unlessZero(live.value("MaxBitRate", json()))},
             {"noise_dbm", unlessZero(live.value("Noise", json()))},
             {"ssids", enabledSsids(intf)},
-            {"stations", stationCount(ops, intf)}};
+            {"stations", stationCount(host, world, intf)},
+            {"differs", differences(findings, kMembers)}};
 }
 
-json ssidStatus(Host &host, const Host::Bss &bss) {
+const char *ssidState(const Findings &radio, const Findings &bss) {
+    bool interfaceUp = !findingOf(bss, "interface") || isFound(bss, "interface", "up");
+    if (isFound(radio, "radio", "up") && interfaceUp && isFound(bss, "BSS", "on air"))
+        return "on";
+    return isFound(bss, "BSS", "off") ? "off" : isFound(bss, "BSS", "standby") ? "standby" : "down";
+}
+
+json ssidStatus(Host &host, World &world, const Host::Bss &bss) {
+    constexpr Member kMembers[] = {{"radio", "state"},       {"interface", "state"}, {"BSS", "state"},
+                                   {"SSID", "ssid"},         {"bridge", "bridge"},   {"security", "security"},
+                                   {"MAC filter", "filter"}, {"WPS", "wps"}};
     const WlSsidCfg &record = bss.record();
+    Findings radio = examine(host, world, *bss.intf, kOfRadio, bss.intf->intfName);
+    Findings own = examine(host, world, *bss.intf, kOfBss | kOfInterface | kOfFilter | kOfWps, record.ifName);
+    own.erase(std::remove_if(own.begin(), own.end(), [](const Finding &one) { return one.interface.empty(); }),
+              own.end());
+    radio.erase(std::remove_if(radio.begin(), radio.end(), [](const Finding &one) { return one.check != "radio"; }),
+                radio.end());
+    demandAnswers(radio);
+    demandAnswers(own);
+    radio.insert(radio.end(), own.begin(), own.end());
     auto mac = parseMac(record.macText);
     return {{"interface", record.ifName},
             {"radio", bss.intf->intfName},
             {"ssid", escapeBytes(record.ssidName)},
             {"ssid_hex", toHex(record.ssidName)},
             {"security", securityName(record)},
-            {"bridge", orNull(record.bridge)},
+            {"bridge", orNull(world.bridgeOf(record.ifName).c_str())},
             {"bssid", mac ? json(formatMac(*mac)) : json()},
             {"filter", filterMode(record)},
             {"wps", wpsState(record)},
-            {"state", ssidState(host, *bss.intf, record)}};
+            {"state", ssidState(radio, own)},
+            {"differs", differences(radio, kMembers)}};
 }
 
 } // namespace
@@ -175,9 +208,10 @@ json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names
 json status(Host &host, const json &args) {
     std::vector<std::string> names = listArg(args, "items");
     json rows = json::array();
+    World world(host);
     for (WlIntf *intf : radiosArg(host, args)) {
         if (names.empty())
-            rows.push_back(radioStatus(host, *intf));
+            rows.push_back(radioStatus(host, world, *intf));
         else
             rows.push_back({{"radio", intf->intfName}, {"items", statusItems(host, *intf, names)}});
     }
@@ -186,8 +220,9 @@ json status(Host &host, const json &args) {
 
 json ssids(Host &host, const json &) {
     json rows = json::array();
+    World world(host);
     for (const Host::Bss &bss : host.allBss())
-        rows.push_back(ssidStatus(host, bss));
+        rows.push_back(ssidStatus(host, world, bss));
     return rows;
 }
 

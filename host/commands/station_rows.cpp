@@ -8,6 +8,7 @@
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/values.h"
+#include "host/verify/readers.h"
 
 namespace wlhost {
 namespace {
@@ -19,14 +20,21 @@ json modeName(uint32_t phyMode) {
     return nullptr;
 }
 
+// The module gives an empty list also when the driver's command failed, so the driver is asked first.
 json stationsOf(Host &host, const Host::Bss &bss) {
     auto *getAssocDevList = host.operation(host.module().ops->getAssocDevList, "getAssocDevList");
+    World before(host);
+    driverStations(before, bss.record().ifName);
     List<WlStaInfo> list;
     Host::check(getAssocDevList(bss.intf, static_cast<int>(bss.index), list.place(), list.countPlace()),
                 bss.record().ifName, "getAssocDevList");
     json rows = json::array();
     for (const WlStaInfo &station : list)
         rows.push_back(stationRow(station));
+    World after(host);
+    if (rows.empty() && !driverStations(after, bss.record().ifName).empty())
+        throw Failure(Status::kFailed, bss.record().ifName,
+                      "the module read none of the stations that the driver lists", "see the module's log");
     return rows;
 }
 
@@ -43,6 +51,17 @@ bool stronger(const json &a, const json &b) {
 json stationMac(const WlStaInfo &station) {
     auto mac = parseMac(station.macAddr);
     return mac ? json(formatMac(*mac)) : json();
+}
+
+std::set<std::string> driverStations(World &world, const std::string &ifname) {
+    const ToolAnswer &answer = world.driver(ifname, "assoclist");
+    std::set<std::string> stations = readStations(answer.out);
+    if (!answer)
+        throw Failure(Status::kFailed, ifname, "the driver does not list its stations: " + answer.said,
+                      "wlhost why " + ifname + " tells what is wrong");
+    if (stations.empty() && answer.out.find_first_not_of(" \n") != std::string::npos)
+        throw Failure(Status::kFailed, ifname, "the driver's list of stations cannot be read");
+    return stations;
 }
 
 json stationRow(const WlStaInfo &station) {

@@ -1,9 +1,13 @@
 // Stations: who is associated, and how one is sent away.
 #pragma once
 
+#include <set>
+#include <string>
+
 #include <wlbrcm/wlbrcm.h>
 
 #include "host/base/json.h"
+#include "host/verify/world.h"
 
 namespace wlhost {
 
@@ -11,5 +15,8 @@ namespace wlhost {
 json stationRow(const WlStaInfo &station);
 
 json stationMac(const WlStaInfo &station);
+
+// Addresses of the stations that the driver lists for an interface. Throws status 1 when it does not.
+std::set<std::string> driverStations(World &world, const std::string &ifname);
 
 } // namespace wlhost

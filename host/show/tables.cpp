@@ -3,6 +3,16 @@
 #include <algorithm>
 
 namespace wlhost {
+namespace {
+
+// What differs from what was asked for is marked.
+const char *markOf(const json &row, const char *key) {
+    json differs = row.value("differs", json::array());
+    return std::count(differs.begin(), differs.end(), key) > 0 ? "*" : "";
+}
+
+} // namespace
+
 size_t displayWidth(const std::string &text) {
     return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xc0) != 0x80; }));
 }
@@ -28,7 +38,8 @@ std::string table(const std::vector<Column> &columns, const json &rows) {
     for (const json &row : rows) {
         lines.emplace_back();
         for (const Column &column : columns)
-            lines.back().push_back((column.format ? column.format : cell)(row.value(column.key, json())));
+            lines.back().push_back((column.format ? column.format : cell)(row.value(column.key, json())) +
+                                   markOf(row, column.key));
     }
     std::string text;
     for (const auto &line : lines) {

@@ -39,12 +39,11 @@ std::string passphraseOf(const WlSsidCfg &bss) { return bss.wpaPsk[0] ? bss.wpaP
 std::vector<StoredValue> wantedSecurity(const WlSsidCfg &bss) {
     bool wep = std::strcmp(bss.encryption, "wep") == 0;
     std::string akm = storedFor(kKeyManagement, bss.authMode, "");
-    std::vector<StoredValue> values = {
-        {"akm", akm, "key management"},
-        {"crypto", storedFor(kCiphers, bss.encryption, ""), "cipher"},
-        {"wep", wep ? "enabled" : "disabled", "wep"},
-        {"auth", storedFor(kAuthentication, bss.authMode, "0"), "authentication"},
-        {"mfp", std::to_string(bss.protectMF), "frame protection"}};
+    std::vector<StoredValue> values = {{"akm", akm, "key management"},
+                                       {"crypto", storedFor(kCiphers, bss.encryption, ""), "cipher"},
+                                       {"wep", wep ? "enabled" : "disabled", "wep"},
+                                       {"auth", storedFor(kAuthentication, bss.authMode, "0"), "authentication"},
+                                       {"mfp", std::to_string(bss.protectMF), "frame protection"}};
     if (akm.find("psk") != std::string::npos)
         values.push_back({"wpa_psk", passphraseOf(bss), "key", true});
     if (wep && bss.defaultKeyId >= 1 && bss.defaultKeyId <= 4) {
@@ -141,16 +140,14 @@ void lookAtFilter(const Place &place, Finding &finding) {
     MergedFilter wanted = wantedFilter(place.host, *place.bss);
     finding.wanted = filterText(wanted);
     finding.cure = filterCommand(*place.bss);
-    const ToolAnswer &mode = place.world.driver(place.interface(), "macmode");
-    if (!answered(mode, finding))
+    auto mode = read(place.world.driver(place.interface(), "macmode"), finding, readNumber);
+    if (!mode)
         return;
-    auto number = readNumber(mode.out);
-    if (!number || *number < 0 || *number > 2)
-        return compare(finding, finding.wanted, "a mode that is none");
     const ToolAnswer &list = place.world.driver(place.interface(), "mac");
-    if (*number == 0 || answered(list, finding))
+    bool off = *mode < 1 || *mode > 2;
+    if (off || answered(list, finding))
         compare(finding, finding.wanted,
-                filterText({*number, *number == 0 ? std::set<std::string>() : readStations(list.out)}));
+                filterText({off ? 0 : *mode, off ? std::set<std::string>() : readStations(list.out)}));
 }
 
 void lookAtDownlink(const Place &place, Finding &finding) {

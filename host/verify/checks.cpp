@@ -13,19 +13,17 @@ namespace {
 const char *upOrDown(bool up) { return up ? "up" : "down"; }
 
 void lookAtRadio(const Place &place, Finding &finding) {
-    finding.wanted = isRadioWanted(place) ? "up" : "off";
-    const ToolAnswer &answer = place.world.driver(place.radio(), "isup");
-    auto up = readNumber(answer.out);
-    if (answered(answer, finding))
-        compare(finding, finding.wanted, !up ? "an answer that is none" : *up ? "up" : isRadioWanted(place) ? "down" : "off");
+    bool on = isRadioWanted(place);
+    finding.wanted = on ? "up" : "off";
+    if (auto up = read(place.world.driver(place.radio(), "isup"), finding, readNumber))
+        compare(finding, finding.wanted, *up ? "up" : on ? "down" : "off");
 }
 
 void lookAtCountry(const Place &place, Finding &finding) {
     std::string wanted = place.intf->radio.countryCode;
     finding.wanted = wanted.find('/') == std::string::npos ? wanted + "/0" : wanted;
-    const ToolAnswer &answer = place.world.driver(place.radio(), "country");
-    if (answered(answer, finding))
-        compare(finding, finding.wanted, escapeBytes(readCountry(answer.out).value_or("an answer that is none")));
+    if (auto found = read(place.world.driver(place.radio(), "country"), finding, readCountry))
+        compare(finding, finding.wanted, escapeBytes(*found));
 }
 
 Chanspec wantedChannel(const WlRadioCfg &radio) {
@@ -39,11 +37,8 @@ void lookAtChannel(const Place &place, Finding &finding) {
     const WlRadioCfg &radio = place.intf->radio;
     Chanspec wanted = wantedChannel(radio);
     finding.wanted = radio.autoChannel ? "any, at most " + std::to_string(wanted.width) + " MHz" : wanted.text();
-    const ToolAnswer &answer = place.world.driver(place.radio(), "chanspec");
-    if (!answered(answer, finding))
-        return;
-    auto found = readChanspec(answer.out);
-    finding.found = found ? found->text() : "none";
+    auto found = read(place.world.driver(place.radio(), "chanspec"), finding, readChanspec);
+    finding.found = found ? found->text() : "";
     finding.holds = found && (radio.autoChannel ? found->width <= wanted.width : found->sameAs(wanted));
 }
 
@@ -57,17 +52,13 @@ void lookAtCapabilities(const Place &place, Finding &finding) {
                 place.world.platform().readFile(file) == answer.out ? finding.wanted : file + " says something else");
 }
 
-bool hasCapabilityFile(const Place &place) {
-    return place.world.platform().exists("/tmp/" + place.radio() + "_cap");
-}
+bool hasCapabilityFile(const Place &place) { return place.world.platform().exists("/tmp/" + place.radio() + "_cap"); }
 
 // A limit that the driver keeps for a radio or a BSS.
 void lookAtNumber(const Place &place, Finding &finding, const std::string &ifname, const char *command, int wanted) {
     finding.wanted = std::to_string(wanted);
-    const ToolAnswer &answer = place.world.driver(ifname, command);
-    auto found = readNumber(answer.out);
-    if (answered(answer, finding))
-        compare(finding, finding.wanted, found ? std::to_string(*found) : "an answer that is none");
+    if (auto found = read(place.world.driver(ifname, command), finding, readNumber))
+        compare(finding, finding.wanted, std::to_string(*found));
 }
 
 // The limit of the whole radio is that of its main SSID.
@@ -89,25 +80,24 @@ bool isInUse(const WlIntf &intf, const std::string &ifname) {
 // What earlier configurations left on the air.
 void lookAtOthers(const Place &place, Finding &finding) {
     std::vector<std::string> found;
+    finding.wanted = "none";
     for (const char *ifname : place.intf->caps.vifNames) {
         if (!ifname[0] || isInUse(*place.intf, ifname) || !place.world.hasInterface(ifname))
             continue;
-        const ToolAnswer &answer = place.world.driver(ifname, "bss");
-        if (!answered(answer, finding))
+        auto up = read(place.world.driver(ifname, "bss"), finding, readUp);
+        if (!up)
             return;
-        if (answer.out.compare(0, 2, "up") == 0)
+        if (*up)
             found.push_back(ifname);
     }
-    compare(finding, "none", joined(found));
+    compare(finding, finding.wanted, joined(found));
 }
 
 void lookAtHidden(const Place &place, Finding &finding) {
     auto text = [](bool hidden) { return hidden ? "yes" : "no"; };
     finding.wanted = text(place.bss->hideSsid);
-    const ToolAnswer &answer = place.world.driver(place.interface(), "closed");
-    auto found = readNumber(answer.out);
-    if (answered(answer, finding))
-        compare(finding, finding.wanted, found ? text(*found != 0) : "an answer that is none");
+    if (auto found = read(place.world.driver(place.interface(), "closed"), finding, readNumber))
+        compare(finding, finding.wanted, text(*found != 0));
 }
 
 void lookAtBss(const Place &place, Finding &finding) {
@@ -120,12 +110,10 @@ void lookAtBss(const Place &place, Finding &finding) {
         finding.holds = true;
         return;
     }
-    const ToolAnswer &answer = place.world.driver(place.interface(), "bss");
-    if (!answered(answer, finding))
+    auto up = read(place.world.driver(place.interface(), "bss"), finding, readUp);
+    if (!up)
         return;
-    bool up = answer.out.compare(0, 2, "up") == 0;
-    finding.found = up ? "on air" : on ? "down" : finding.wanted;
-    finding.holds = up == on;
+    compare(finding, finding.wanted, *up ? "on air" : on ? "down" : finding.wanted);
     if (!finding.holds && place.bss->presetRole == WLBRCM_PRESET_ON_DEMAND)
         finding.cure = std::string("wlhost preset {if} ") + (on ? "on" : "off");
 }
@@ -154,12 +142,8 @@ void lookAtBridge(const Place &place, Finding &finding) {
 
 void lookAtSsid(const Place &place, Finding &finding) {
     finding.wanted = escapeBytes(place.bss->ssidName);
-    const ToolAnswer &answer = place.world.driver(place.interface(), "ssid");
-    if (!answered(answer, finding))
-        return;
-    auto found = readSsid(answer.out);
-    finding.found = found ? escapeBytes(*found) : "an answer that is none";
-    finding.holds = found == place.bss->ssidName;
+    if (auto found = read(place.world.driver(place.interface(), "ssid"), finding, readSsid))
+        compare(finding, finding.wanted, escapeBytes(*found));
 }
 
 bool always(const Place &) { return true; }
@@ -177,11 +161,13 @@ constexpr char kNoReason[] = "nas and eapd carry out the handshake of WPA; witho
 
 const std::vector<Check> &checks() {
     static const std::vector<Check> kRows = {
-        {"radio", kOfRadio, Scope::kRadio, always, lookAtRadio, kReload, "a radio that is down has no network on the air"},
+        {"radio", kOfRadio, Scope::kRadio, always, lookAtRadio, kReload,
+         "a radio that is down has no network on the air"},
         {"country", kOfRadio, Scope::kRadio, isRadioOn, lookAtCountry, kReload, nullptr},
         {"channel", kOfRadio, Scope::kRadio, isRadioOn, lookAtChannel, kReload,
          "stations that know the network by its channel look for it elsewhere"},
-        {"station limit", kOfBss, Scope::kRadio, [](const Place &place) { return isRadioWanted(place) && radioLimit(place) > 0; },
+        {"station limit", kOfBss, Scope::kRadio,
+         [](const Place &place) { return isRadioWanted(place) && radioLimit(place) > 0; },
          [](const Place &place, Finding &finding) {
              lookAtNumber(place, finding, place.radio(), "maxassoc", radioLimit(place));
          },
@@ -196,28 +182,35 @@ const std::vector<Check> &checks() {
         {"bridge", kOfBridge, Scope::kBss, isConfigured, lookAtBridge, "",
          "a station gets no address and reaches nobody outside the right bridge", true},
         {"nas", kOfDaemons, Scope::kGateway, hasRadios,
-         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "nas"); }, "/bin/nas", kNoReason, true},
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "nas"); }, "/bin/nas", kNoReason,
+         true},
         {"eapd", kOfDaemons, Scope::kGateway, hasRadios,
-         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "eapd"); }, "/bin/eapd", kNoReason, true},
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "eapd"); }, "/bin/eapd", kNoReason,
+         true},
         {"security", kOfBss, Scope::kBss, isConfigured, lookAtSecurity, kReload,
          "a station that knows another key, or another kind of security, is refused"},
-        {"LAN group", kOfLan, Scope::kBss, [](const Place &place) { return isConfigured(place) && needsAuthenticator(*place.bss); },
-         lookAtLanMembership, "wlhost lan {config}", "nas serves only interfaces that a LAN group lists"},
+        {"LAN group", kOfLan, Scope::kBss,
+         [](const Place &place) { return isConfigured(place) && needsAuthenticator(*place.bss); }, lookAtLanMembership,
+         "wlhost lan {config}", "nas serves only interfaces that a LAN group lists"},
         {"station limit", kOfBss, Scope::kBss, isConfigured,
          [](const Place &place, Finding &finding) {
              lookAtNumber(place, finding, place.interface(), "bss_maxassoc", place.bss->maxSta);
          },
          kReload, nullptr},
-        {"MAC filter", kOfFilter, Scope::kBss, isConfigured, lookAtFilter, "", "the driver refuses whom its filter denies"},
+        {"MAC filter", kOfFilter, Scope::kBss, isConfigured, lookAtFilter, "",
+         "the driver refuses whom its filter denies"},
         {"limit up", kOfLimits, Scope::kBss, isOnAir, lookAtUplink, kReload, nullptr},
         {"limit down", kOfLimits, Scope::kBss, isOnAir, lookAtDownlink, kReload, nullptr},
-        {"WPS", kOfWps, Scope::kBss, [](const Place &place) {
-             return place.intf->caps.wpsCapable && isConfigured(place) && place.interface().find('.') == std::string::npos;
+        {"WPS", kOfWps, Scope::kBss,
+         [](const Place &place) {
+             return place.intf->caps.wpsCapable && isConfigured(place) &&
+                    place.interface().find('.') == std::string::npos;
          },
          lookAtWps, kReload, nullptr},
         {"LAN groups", kOfLan, Scope::kGateway, hasLanGroups, lookAtLanGroups, "wlhost lan {config}", nullptr},
         {"acsd", kOfDaemons, Scope::kGateway, selectsChannels,
-         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "acsd"); }, "/bin/acsd", nullptr, true},
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "acsd"); }, "/bin/acsd", nullptr,
+         true},
         {"lld2d", kOfDaemons, Scope::kGateway, hasRadios,
          [](const Place &place, Finding &finding) {
              lookAtDaemon(place, finding, "lld2d");

@@ -45,6 +45,15 @@ Air wantedAir(const Place &place);
 bool isRadioWanted(const Place &place);
 // Notes that a question had no answer, unless it had.
 bool answered(const ToolAnswer &answer, Finding &finding);
+// What a reader makes of an answer; without an answer, or with one that says nothing to it, that is noted.
+template <typename Value>
+std::optional<Value> read(const ToolAnswer &answer, Finding &finding,
+                          std::optional<Value> (*reader)(const std::string &text)) {
+    std::optional<Value> value = answered(answer, finding) ? reader(answer.out) : std::nullopt;
+    if (answer && !value)
+        finding.said = "its answer cannot be read";
+    return value;
+}
 void compare(Finding &finding, const std::string &wanted, const std::string &found);
 
 // Looks of checks that take more than a few lines, by what they are about.

@@ -99,7 +99,8 @@ std::optional<Chanspec> readChanspec(const std::string &report) {
         const char *suffix;
         int width;
         char side;
-    } kSuffixes[] = {{"", 20, 0}, {"l", 40, 'l'}, {"u", 40, 'u'}, {"/20", 20, 0}, {"/40", 40, 0}, {"/80", 80, 0}, {"/160", 160, 0}};
+    } kSuffixes[] = {{"", 20, 0},    {"l", 40, 'l'}, {"u", 40, 'u'},  {"/20", 20, 0},
+                     {"/40", 40, 0}, {"/80", 80, 0}, {"/160", 160, 0}};
     Words words = findLine(report, [](const Words &line) { return !line.empty(); });
     std::string suffix;
     int channel = words.empty() ? 0 : leadingNumber(words[0], &suffix).value_or(0);
@@ -130,6 +131,11 @@ std::optional<int> readNumber(const std::string &report) {
     return leadingNumber(report.substr(std::min(report.find_first_not_of(" \t\n"), report.size())), &rest);
 }
 
+std::optional<bool> readUp(const std::string &report) {
+    bool up = report.compare(0, 2, "up") == 0;
+    return up || report.compare(0, 4, "down") == 0 ? std::optional(up) : std::nullopt;
+}
+
 std::set<std::string> readStations(const std::string &report) {
     std::set<std::string> stations;
     for (const std::string &line : splitWords(report, '\n'))
@@ -140,8 +146,8 @@ std::set<std::string> readStations(const std::string &report) {
 }
 
 std::optional<long> readShaper(const std::string &queues, const std::string &ifname) {
-    return rateIn(findLine(
-        queues, [&](const Words &line) { return wordAfter(line, "dev") == ifname && has(line, "tbf"); }));
+    return rateIn(
+        findLine(queues, [&](const Words &line) { return wordAfter(line, "dev") == ifname && has(line, "tbf"); }));
 }
 
 bool hasIngress(const std::string &queues, const std::string &ifname) {

@@ -23,6 +23,8 @@ std::optional<std::string> readCountry(const std::string &report);
 std::optional<std::string> readSsid(const std::string &report);
 // The first number.
 std::optional<int> readNumber(const std::string &report);
+// "up" or "down".
+std::optional<bool> readUp(const std::string &report);
 // Addresses of lines such as "mac 02:00:00:00:00:01", in lower case.
 std::set<std::string> readStations(const std::string &report);
 

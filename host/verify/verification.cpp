@@ -133,8 +133,9 @@ void demand(const Findings &findings) {
     if (differences.empty())
         return;
     throw Failure(Status::kFailed, "",
-                  (differences.size() == 1 ? "1 check does not hold:" : std::to_string(differences.size()) +
-                                                                           " checks do not hold:") + lines,
+                  (differences.size() == 1 ? "1 check does not hold:"
+                                           : std::to_string(differences.size()) + " checks do not hold:") +
+                      lines,
                   differences[0]["cure"].get<std::string>(), {{"differences", differences}});
 }
 
@@ -151,16 +152,19 @@ Verifier platformVerifier() {
     };
 }
 
+void demandAnswers(const Findings &findings) {
+    for (const Finding &finding : findings)
+        if (!finding.said.empty())
+            throw Failure(Status::kFailed, shownOr(finding.interface, finding.radio),
+                          finding.check + ": the platform does not tell: " + finding.said, "wlhost verify shows more");
+}
+
 json findingRow(const Finding &finding) {
     auto known = [](const std::string &text) { return text.empty() ? json() : json(text); };
-    return {{"radio", known(finding.radio)},
-            {"interface", known(finding.interface)},
-            {"check", finding.check},
-            {"wanted", finding.wanted},
-            {"found", known(finding.found)},
-            {"holds", finding.holds},
-            {"cure", finding.cure},
-            {"said", known(finding.said)}};
+    return {{"radio", known(finding.radio)}, {"interface", known(finding.interface)},
+            {"check", finding.check},        {"wanted", finding.wanted},
+            {"found", known(finding.found)}, {"holds", finding.holds},
+            {"cure", finding.cure},          {"said", known(finding.said)}};
 }
 
 } // namespace wlhost

@@ -60,6 +60,9 @@ void demand(const Findings &findings);
 
 // "wl0.1 bridge: wanted br1, found br0"
 std::string differenceLine(const Finding &finding);
+// Throws status 1 when a question had no answer: the platform could not be asked.
+void demandAnswers(const Findings &findings);
+
 json findingRow(const Finding &finding);
 
 // How a host verifies on a device.

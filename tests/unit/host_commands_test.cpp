@@ -79,6 +79,7 @@ TEST_F(HostCommands, PresetsAndAddresses) {
     calls.clear();
     EXPECT_EQ(result("ssids")[1]["state"], "standby");
     result("preset", {{"interface", "wl0.1"}, {"state", "on"}});
+    toolSays["wl0.1 bss"] = "up";
     EXPECT_EQ(result("ssids")[1]["state"], "on");
     EXPECT_EQ(ask("preset", {{"interface", "wl0"}, {"state", "on"}})["error"]["hint"], "on demand: wl0.1");
     EXPECT_EQ(result("mac", {{"radio", "wl1"}, {"mac", "02:00:00:00:00:09"}})["mac"], "02:00:00:00:00:09");
@@ -88,13 +89,16 @@ TEST_F(HostCommands, PresetsAndAddresses) {
 }
 
 TEST_F(HostCommands, StatusWithAndWithoutTheOperation) {
-    expectHas(result("status")[0],
-              {{"channel", 36}, {"state", "ready"}, {"noise_dbm", nullptr}, {"stations", nullptr}});
+    expectHas(result("status")[0], {{"channel", 36}, {"state", "up"}, {"noise_dbm", nullptr}, {"stations", 0}});
     EXPECT_EQ(ask("status", {{"items", {"Noise"}}})["error"]["text"], "the module does not offer statusUpdate");
 
-    ops_.statusUpdate = statusUpdate, ops_.getAssocDevList = stations;
-    // A channel of 0 is what a failed read gives.
-    expectHas(result("status")[0], {{"noise_dbm", -91}, {"state", "up"}, {"stations", 2}, {"channel", nullptr}});
+    ops_.statusUpdate = statusUpdate;
+    toolSays["assoclist"] = "assoclist 02:00:00:00:00:01\nassoclist 02:00:00:00:00:02\n";
+    toolSays["wl0 chanspec"] = "44/80";
+    expectHas(result("status")[0],
+              {{"noise_dbm", -91}, {"state", "up"}, {"stations", 4}, {"channel", 44}, {"differs", {"channel"}}});
+    toolSays["wl0 isup"] = "0";
+    expectHas(result("status")[0], {{"state", "down"}, {"channel", nullptr}, {"differs", {"state", "channel"}}});
     const std::string twoNames("Noise\0TrafficInfo", 17);
     json items =
         result("status", {{"radio", "wl0"},

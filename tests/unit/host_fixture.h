@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 #include "host/base/addresses.h"
 #include "host/base/escape.h"
@@ -73,6 +74,36 @@ inline int stations(WlIntf *, int, WlStaInfo **list, int *count) {
     return 0;
 }
 
+// What the tools print, by interface and command, or by command alone; one that is not here fails.
+inline std::map<std::string, std::string> toolSays;
+inline const std::map<std::string, std::string> kUsualAnswers = {{"isup", "1"},
+                                                                 {"chanspec", "36/80 (0xe02a)"},
+                                                                 {"country", "DE (DE/3) GERMANY"},
+                                                                 {"bss", "up"},
+                                                                 {"wl0.1 bss", "down"},
+                                                                 {"ssid", "Current SSID: \"\\xffA\""},
+                                                                 {"closed", "0"},
+                                                                 {"maxassoc", "128"},
+                                                                 {"bss_maxassoc", "128"},
+                                                                 {"macmode", "0"},
+                                                                 {"mac", ""},
+                                                                 {"assoclist", ""},
+                                                                 {"scanresults", ""},
+                                                                 {"dump", ""}};
+struct ScriptedPlatform : Platform {
+    ToolAnswer run(const std::vector<std::string> &words) const override {
+        for (const std::string &key : {words[2] + " " + words[3], words[3]})
+            if (auto found = toolSays.find(key); found != toolSays.end())
+                return {0, found->second, ""};
+        return {1, "", words[0] + " failed"};
+    }
+    bool exists(const std::string &) const override { return true; }
+    std::optional<std::string> readFile(const std::string &) const override { return "0x1003"; }
+    std::optional<std::string> linkedName(const std::string &) const override { return "br0"; }
+    void pause(int) const override {}
+};
+inline const ScriptedPlatform scriptedPlatform;
+
 inline const char *const kConfig = R"({"lan": {"groups": [{"name": "br0", "ports": ["eth0"]}]}, "radios": [
     {"name": "wl0", "country": "DE/3", "channel": 36, "ssids": [
         {"ssid_hex": "ff41", "encryption": "psk2", "key": "correct horse", "network": "br0"},
@@ -96,6 +127,7 @@ class HostCommands : public testing::Test {
     HostCommands() : file_("/tmp/wlhost-commands." + std::to_string(getpid()) + ".json") {
         calls.clear();
         operationResult = 0;
+        toolSays = kUsualAnswers;
         const char *names[] = {"wl0", "wl1", "wl2"};
         for (int i = 0; i < 3; ++i) {
             copyText(intfs_[i].intfName, names[i]);
@@ -107,8 +139,10 @@ class HostCommands : public testing::Test {
         ops_.stationFilter = stationFilter, ops_.bsaMacFilter = bsaMacFilter;
         ops_.enablePresetSsid = enablePreset, ops_.setWlanMacAddr = setMac;
         module_.ops = &ops_;
+        module_.nvramGet = [](const char *) -> const char * { return nullptr; };
         write(kConfig);
         host_ = std::make_unique<Host>(module_, Config::load(file_));
+        host_->platform = &scriptedPlatform;
         host_->bringUp();
     }
     ~HostCommands() override { std::filesystem::remove(file_); }
