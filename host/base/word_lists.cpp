@@ -28,6 +28,13 @@ std::optional<std::string> nearestName(std::string_view name, const std::vector<
     std::optional<std::string> nearest;
     if (name.size() > kLongest)
         return nearest;
+    // What was begun goes before what was mistyped; of several the shortest.
+    for (const std::string &candidate : candidates)
+        if (name.size() > 1 && candidate.compare(0, name.size(), name) == 0 &&
+            (!nearest || candidate.size() < nearest->size()))
+            nearest = candidate;
+    if (nearest)
+        return nearest;
     size_t best = std::max<size_t>(2, name.size() / 3) + 1;
     for (const std::string &candidate : candidates) {
         size_t distance = editDistance(name, candidate);

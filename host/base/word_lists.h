@@ -8,7 +8,8 @@
 
 namespace wlhost {
 
-// The candidate that differs in the fewest places, when it is near enough to be a typing mistake.
+// The candidate that begins so, else the one that differs in the fewest places, when it is near enough to be a typing
+// mistake.
 std::optional<std::string> nearestName(std::string_view name, const std::vector<std::string> &candidates);
 // What a message offers for a name that is not known: the nearest one, or all.
 std::string suggestion(const std::string &name, const std::vector<std::string> &known);

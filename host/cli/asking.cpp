@@ -153,4 +153,11 @@ Status askForVersion(const Call &call) {
     }
 }
 
+void showVersion(bool asJson) {
+    if (asJson)
+        std::printf("%s\n", json{{"host", kHostVersion}, {"abi", WLBRCM_ABI_VERSION}}.dump(2).c_str());
+    else
+        std::printf("wlhost %s, for modules of ABI %d\n", kHostVersion, WLBRCM_ABI_VERSION);
+}
+
 } // namespace wlhost

@@ -26,6 +26,7 @@ Status askForReload(const Call &call);
 Status planTheRun(const Call &call);
 // Without a host, the version of this program.
 Status askForVersion(const Call &call);
+void showVersion(bool asJson);
 
 // `run`: brings the configured radios up and serves until a signal ends it.
 Status beTheHost(const Call &call);

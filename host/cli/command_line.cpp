@@ -4,9 +4,10 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/base/word_lists.h"
 #include "host/cli/calls.h"
 #include "host/cli/messages.h"
+#include "host/cli/typed_words.h"
+#include "host/commands/host_commands.h"
 #include "host/control/control_socket.h"
 
 namespace wlhost {
@@ -30,8 +31,7 @@ void addOption(CLI::App &app, const Option &row, json &args) {
             option->check(CLI::PositiveNumber);
         break;
     case Value::kItems:
-        option = app.add_option_function<std::string>(
-            row.name, [to](const std::string &text) { to(splitWords(text, ',')); }, row.about);
+        option = app.add_option_function<Words>(row.name, to, row.about)->delimiter(',')->allow_extra_args(false);
         break;
     case Value::kTexts:
     case Value::kStations:
@@ -73,44 +73,24 @@ void addCommands(CLI::App &app, Call &call) {
     }
 }
 
-// What is wrong with the words that did not parse.
-Failure usageFailure(const CLI::App &app, const CLI::ParseError &error) {
-    std::string group;
-    for (const CLI::App *sub : app.get_subcommands())
-        group = sub->get_name();
-    for (const std::string &word : app.remaining(true))
-        if (word[0] != '-' && dynamic_cast<const CLI::RequiredError *>(&error))
-            return Failure(Status::kUsage, word, "is no command", suggestion(word, namesIn(group)));
-    return Failure(Status::kUsage, "arguments", error.what(), "see wlhost --help");
-}
+bool asksForJson(const std::vector<std::string> &words) { return std::count(words.begin(), words.end(), "--json") > 0; }
 
-bool asksForJson(int argc, char **argv) {
-    return std::any_of(argv, argv + argc, [](const char *word) { return std::string(word) == "--json"; });
-}
-
-} // namespace
-
-Status commandLine(int argc, char **argv) {
-    CLI::App app{"Reference host of the Wi-Fi driver adaptation module"};
-    app.name("wlhost");
-    app.require_subcommand(1);
-    app.fallthrough();
-    Call call;
-    json common = {{"socket", ""}, {"timeout", 120}, {"json", false}};
-    for (const Option &option : commonOptions())
-        addOption(app, option, common);
-    addCommands(app, call);
+Status runCommand(CLI::App &app, Call &call, const json &common, const std::vector<std::string> &words) {
     try {
-        app.parse(argc, argv);
+        // The library takes the words from the end.
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
         call.socket = socketPath(common["socket"]);
         call.timeout = common["timeout"];
         call.asJson = common["json"];
         return call.command->run(call);
-    } catch (const CLI::CallForHelp &help) {
-        app.exit(help);
+    } catch (const CLI::CallForHelp &) {
+        std::fputs(app.help().c_str(), stdout);
+        return Status::kDone;
+    } catch (const CLI::CallForVersion &) {
+        showVersion(asksForJson(words));
         return Status::kDone;
     } catch (const CLI::ParseError &error) {
-        printError(usageFailure(app, error), asksForJson(argc, argv));
+        printError(usageFailure(words, error.what()), asksForJson(words));
         return Status::kUsage;
     } catch (const Failure &failure) {
         printError(failure, call.asJson);
@@ -119,6 +99,23 @@ Status commandLine(int argc, char **argv) {
         printError(Failure(Status::kFailed, "internal", error.what()), call.asJson);
         return Status::kFailed;
     }
+}
+
+} // namespace
+
+Status commandLine(int argc, char **argv) {
+    prepareStreams();
+    CLI::App app{"Reference host of the Wi-Fi driver adaptation module"};
+    app.name("wlhost");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.set_version_flag("--version", kHostVersion, "Version of this program");
+    Call call;
+    json common = {{"socket", ""}, {"timeout", 120}, {"json", false}};
+    for (const Option &option : commonOptions())
+        addOption(app, option, common);
+    addCommands(app, call);
+    return afterOutput(runCommand(app, call, common, {argv + 1, argv + argc}));
 }
 
 } // namespace wlhost

@@ -1,9 +1,13 @@
 #include "host/cli/messages.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace wlhost {
 namespace {
@@ -27,6 +31,28 @@ void Progress::tell(int seconds, const std::string &text) {
 Progress::~Progress() {
     if (shown_)
         std::fprintf(stderr, "\r\033[K");
+}
+
+void prepareStreams() {
+    for (int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(fd, F_GETFD) < 0)
+            open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    // Ignored, the signal would stay so in every program that the module starts; a handler does not.
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGPIPE, &action, nullptr);
+}
+
+Status afterOutput(Status status, FILE *out) {
+    errno = 0;
+    bool failed = std::fflush(out) != 0;
+    if (!failed && !std::ferror(out))
+        return status;
+    printError(Failure(Status::kFailed, "output",
+                       std::string("cannot be written") + (errno ? std::string(": ") + std::strerror(errno) : "")),
+               false);
+    return Status::kFailed;
 }
 
 void printError(const Failure &failure, bool asJson) {

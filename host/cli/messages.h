@@ -1,6 +1,7 @@
 // What is told beside a result.
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 #include "host/base/failure.h"
@@ -19,6 +20,12 @@ class Progress {
   private:
     bool shown_ = false;
 };
+
+// Before anything is opened or printed: a closed pipe becomes an error of writing instead of an end without a word, and
+// a stream that the caller closed stays one that cannot be used, whatever file would have got its number.
+void prepareStreams();
+// The exit status of a command: what it printed must have gone out, else this tells so and is status 1.
+Status afterOutput(Status status, FILE *out = stdout);
 
 // Prints an error: the document on stdout with `asJson`, else lines on stderr.
 void printError(const Failure &failure, bool asJson);

@@ -4,6 +4,7 @@
 #include "host/base/addresses.h"
 #include "host/base/word_lists.h"
 #include "host/cli/completion.h"
+#include "host/cli/typed_words.h"
 
 namespace wlhost {
 namespace {
@@ -162,6 +163,31 @@ TEST(HostCompletion, OffersWhatTheTableHas) {
         for (const std::string &word : splitWords(row.withheld))
             EXPECT_EQ(std::count(found.begin(), found.end(), word), 0) << word << " behind " << line;
         EXPECT_EQ(asked, row.asked) << line;
+    }
+}
+
+TEST(HostUsage, EachWordIsNamedWithTheNearest) {
+    struct {
+        const char *line, *where, *text, *hint;
+    } cases[] = {
+        {"stat", "stat", "is no command", "did you mean \"status\"? see wlhost --help"},
+        {"wps", "wps", "needs one of push-button, pin, check-pin, cancel, status, apply", "see wlhost wps --help"},
+        {"wps pim", "pim", "is no command", "did you mean \"pin\"? see wlhost wps --help"},
+        {"reload --cofig x", "--cofig", "is no option here", "did you mean \"--config\"? see wlhost reload --help"},
+        {"--jsn status", "--jsn", "is no option here", "did you mean \"--json\"? see wlhost --help"},
+        {"filter wl0 den", "MODE", "\"den\" is not known here", "did you mean \"deny\"? see wlhost filter --help"},
+        {"filter wl0 x", "MODE", "\"x\" is not known here", "known here: deny, allow, off; see wlhost filter --help"},
+        {"status wl0 wl1", "wl1", "is one argument too many", "see wlhost status --help"},
+        {"kick wl0", "MAC", "is missing: Station", "see wlhost kick --help"},
+        {"--timeout=0 status", "--timeout", "\"0\" is no number from 1 to 3600", "see wlhost --help"},
+        {"status --items", "--items", "has no value", "see wlhost status --help"},
+        {"filter wl0 deny a b -- -c", "arguments", "otherwise", "see wlhost filter --help"},
+    };
+    for (const auto &row : cases) {
+        Failure failure = usageFailure(splitWords(row.line), "otherwise");
+        EXPECT_EQ(failure.where, row.where) << row.line;
+        EXPECT_STREQ(failure.what(), row.text) << row.line;
+        EXPECT_EQ(failure.hint, row.hint) << row.line;
     }
 }
 

@@ -53,6 +53,7 @@ TEST(HostText, NamesAndAddresses) {
         EXPECT_FALSE(isInterfaceName(bad)) << bad;
     EXPECT_EQ(nearestName("chanel", {"country", "channel"}), "channel");
     EXPECT_EQ(nearestName("xyz", {"key", "band"}), std::nullopt);
+    EXPECT_EQ(nearestName("sta", {"scan", "stations", "status"}), "status") << "what was begun";
 }
 
 TEST(HostText, TablesAlign) {
