@@ -28,9 +28,13 @@ Option required(Option option) {
 const Option kKeep{"--keep", "keep", Value::kFlag, "Stations that are there already may stay"};
 const Option kDryRun{"--dry-run", "dry_run", Value::kFlag, "Tell what it would do, as plan does, and do nothing"};
 
-const std::vector<Column> kRadioActions = {{"RADIO", "radio"}, {"ACTION", "action"}, {"REASON", "reason"}};
+// Text of any length, which gives way where a table must fit.
+constexpr Column freeText(const char *title, const char *key) { return {title, key, false, nullptr, true}; }
+
+const std::vector<Column> kRadioActions = {
+    {"RADIO", "radio"}, {"ACTION", "action"}, freeText("REASON", "reason")};
 const std::vector<Column> kFilterSides = {
-    {"IF", "interface"}, {"SIDE", "side"}, {"MODE", "mode"}, {"STATIONS", "stations"}};
+    {"IF", "interface"}, {"SIDE", "side"}, {"MODE", "mode"}, freeText("STATIONS", "stations")};
 const std::vector<Column> kSession = {{"RADIO", "radio"},
                                       {"METHOD", "method"},
                                       {"STATE", "state"},
@@ -44,6 +48,8 @@ const std::vector<Option> &commonOptions() {
         {"--socket", "socket", Value::kFile, "Control socket (WLHOST_SOCKET, /run/wlhost.sock)"},
         {"--timeout", "timeout", Value::kNumber, "Seconds to wait for the host", false, {}, 3600},
         {"--json", "json", Value::kFlag, "One JSON document on stdout, errors too"},
+        {"--sort", "sort", Value::kColumn, "Rows by this column: values with a unit the largest first"},
+        {"--wide", "wide", Value::kFlag, "Tables as wide as they are; else they fit the terminal, or COLUMNS"},
     };
     return kOptions;
 }
@@ -80,7 +86,7 @@ const std::vector<Command> &commands() {
          {kLibrary},
          nullptr,
          showRows,
-         {{"CHECK", "check"}, {"RESULT", "result"}, {"REQUIRED", "required"}, {"HINT", "hint"}},
+         {freeText("CHECK", "check"), {"RESULT", "result"}, {"REQUIRED", "required"}, freeText("HINT", "hint")},
          examineMachine},
         {"check",
          "Check a configuration file and apply nothing",
@@ -111,7 +117,7 @@ const std::vector<Command> &commands() {
          ssids,
          showRows,
          {{"IF", "interface"},
-          {"SSID", "ssid"},
+          freeText("SSID", "ssid"),
           {"SECURITY", "security"},
           {"BRIDGE", "bridge"},
           {"BSSID", "bssid"},
@@ -124,13 +130,13 @@ const std::vector<Command> &commands() {
          {kRadio, {"--all", "all", Value::kFlag, "What holds as well"}},
          verify,
          showFindings,
-         {{"IF", "place"}, {"CHECK", "check"}, {"WANTED", "wanted"}, {"FOUND", "found"}, {"CURE", "cure"}},
+         {{"IF", "place"}, {"CHECK", "check"}, freeText("WANTED", "wanted"), freeText("FOUND", "found"), freeText("CURE", "cure")},
          askForVerification,
          false,
          meaningOfFindings},
         {"stations",
          "Stations: signal, rates, traffic",
-         {kAnyInterface, {"--sort", "sort", Value::kText, "signal: the strongest first", false, {"signal"}}},
+         {kAnyInterface},
          stations,
          showRows,
          {{"MAC", "mac"},
@@ -152,7 +158,7 @@ const std::vector<Command> &commands() {
          scan,
          showRows,
          {{"BSSID", "bssid"},
-          {"SSID", "ssid"},
+          freeText("SSID", "ssid"),
           {"BAND", "band"},
           {"CHAN", "channel", true},
           {"WIDTH", "width_mhz", true, mhz},
@@ -170,14 +176,14 @@ const std::vector<Command> &commands() {
           {"BAND", "band"},
           {"CHAN ", "place", true},
           {"BSS", "bss_count", true},
-          {"", "bar", false, plain}},
+          {"", "bar", false, plain, true}},
          ask},
         {"rates",
          "Rates: the highest, the current one, basic and supported ones",
          {kRadio},
          rates,
          showRates,
-         {{"RADIO", "radio"}, {"RATES", "what"}, {"", "value"}},
+         {{"RADIO", "radio"}, {"RATES", "what"}, freeText("", "value")},
          ask},
         {"load",
          "How busy the channel of a BSS is",
@@ -195,7 +201,7 @@ const std::vector<Command> &commands() {
           {"ELEMENT", "element"},
           {"STREAMS", "streams", true},
           {"CHAN", "channel", true},
-          {"ANNOUNCES", "announces"}},
+          freeText("ANNOUNCES", "announces")},
          ask},
         {"kick", "Send a station away; it may come back", {kInterface, required(kStation)}, kick, showMembers, {}, ask},
         {"reload",
@@ -253,7 +259,7 @@ const std::vector<Command> &commands() {
          {kConfig},
          lan,
          showLan,
-         {{"BRIDGE", "name"}, {"MAC", "mac"}, {"PORTS", "ports"}},
+         {{"BRIDGE", "name"}, {"MAC", "mac"}, freeText("PORTS", "ports")},
          ask},
         {"mac",
          "Set the address of a radio's interface",

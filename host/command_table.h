@@ -25,6 +25,7 @@ enum class Value {
     kStation,
     kTexts,    // any number of them
     kStations, // likewise
+    kColumn,   // of the command's table
 };
 
 struct Option {

@@ -72,8 +72,15 @@ json resultFrom(const std::string &socket, const json &request, int timeout, con
 }
 
 void showResult(const Call &call, const json &result, FILE *out) {
-    std::string text = call.asJson ? dumped(result, 2) + "\n" : call.command->show(result, call.command->columns);
-    std::fputs(text.c_str(), out);
+    if (!call.asJson) {
+        std::fputs(call.command->show(result, call.command->columns).c_str(), out);
+        return;
+    }
+    json sorted = result;
+    const Column *column = columnOf(call.command->columns, tableStyle().sortBy);
+    if (column && sorted.is_array())
+        sortRows(sorted, *column);
+    std::fprintf(out, "%s\n", dumped(sorted, 2).c_str());
 }
 
 std::string absolutePath(const std::string &path) {

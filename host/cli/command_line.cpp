@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/base/word_lists.h"
 #include "host/cli/calls.h"
 #include "host/cli/messages.h"
 #include "host/cli/typed_words.h"
@@ -75,6 +76,16 @@ void addCommands(CLI::App &app, Call &call) {
 
 bool asksForJson(const std::vector<std::string> &words) { return std::count(words.begin(), words.end(), "--json") > 0; }
 
+// Before anything is asked or done: a column that the command's table does not have.
+void setStyle(const Command &command, const json &common) {
+    std::string sortBy = common["sort"];
+    std::vector<std::string> names = columnNames(command.columns);
+    if (!sortBy.empty() && !columnOf(command.columns, sortBy))
+        throw Failure(Status::kUsage, "--sort", inQuotes(sortBy) + " is no column of " + command.name,
+                      "columns: " + joined(names));
+    tableStyle() = {common["wide"] ? 0 : outputWidth(), sortBy};
+}
+
 Status runCommand(CLI::App &app, Call &call, const json &common, const std::vector<std::string> &words) {
     try {
         // The library takes the words from the end.
@@ -82,6 +93,7 @@ Status runCommand(CLI::App &app, Call &call, const json &common, const std::vect
         call.socket = socketPath(common["socket"]);
         call.timeout = common["timeout"];
         call.asJson = common["json"];
+        setStyle(*call.command, common);
         return call.command->run(call);
     } catch (const CLI::CallForHelp &) {
         std::fputs(app.help().c_str(), stdout);
@@ -111,7 +123,7 @@ Status commandLine(int argc, char **argv) {
     app.fallthrough();
     app.set_version_flag("--version", kHostVersion, "Version of this program");
     Call call;
-    json common = {{"socket", ""}, {"timeout", 120}, {"json", false}};
+    json common = {{"socket", ""}, {"timeout", 120}, {"json", false}, {"sort", ""}, {"wide", false}};
     for (const Option &option : commonOptions())
         addOption(app, option, common);
     addCommands(app, call);

@@ -30,6 +30,8 @@ std::vector<std::string> valuesOf(const Option &option, const TypedWords &line, 
     case Value::kStations:
         return columnOf(ask(socket, {{"command", "stations"}, {"args", {{"interface", line.valueOf("interface")}}}}),
                         "mac");
+    case Value::kColumn:
+        return line.command ? columnNames(line.command->columns) : std::vector<std::string>();
     default:
         return option.words;
     }

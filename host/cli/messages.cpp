@@ -1,6 +1,7 @@
 #include "host/cli/messages.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -53,6 +54,17 @@ Status afterOutput(Status status, FILE *out) {
                        std::string("cannot be written") + (errno ? std::string(": ") + std::strerror(errno) : "")),
                false);
     return Status::kFailed;
+}
+
+size_t outputWidth() {
+    constexpr int kUsual = 80;
+    const char *columns = getenv("COLUMNS");
+    winsize size{};
+    bool terminal = isatty(STDOUT_FILENO);
+    if (terminal && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    int width = columns ? std::atoi(columns) : 0;
+    return static_cast<size_t>(width > 0 ? width : terminal ? kUsual : 0);
 }
 
 void printError(const Failure &failure, bool asJson) {

@@ -27,6 +27,9 @@ void prepareStreams();
 // The exit status of a command: what it printed must have gone out, else this tells so and is status 1.
 Status afterOutput(Status status, FILE *out = stdout);
 
+// Columns that a table on stdout may have: the terminal's, else COLUMNS; 0 for any number, where nobody looks.
+size_t outputWidth();
+
 // Prints an error: the document on stdout with `asJson`, else lines on stderr.
 void printError(const Failure &failure, bool asJson);
 

@@ -40,12 +40,6 @@ json stationsOf(Host &host, const Host::Bss &bss) {
 
 bool isOn(const Host::Bss &bss) { return bss.record().enable && bss.intf->radio.radioOn; }
 
-// The strongest first, those without a signal last.
-bool stronger(const json &a, const json &b) {
-    const json &left = a["signal_dbm"], &right = b["signal_dbm"];
-    return !left.is_null() && (right.is_null() || left > right);
-}
-
 } // namespace
 
 json stationMac(const WlStaInfo &station) {
@@ -92,8 +86,6 @@ json stations(Host &host, const json &args) {
         if (!all || isOn(bss))
             for (json &row : stationsOf(host, bss))
                 rows.push_back(std::move(row));
-    if (textArg(args, "sort") == "signal")
-        std::stable_sort(rows.begin(), rows.end(), stronger);
     return rows;
 }
 

@@ -11,10 +11,9 @@ std::string itemRows(const json &result) {
     json rows = json::array();
     for (const json &radio : result)
         for (const auto &[name, value] : radio["items"].items())
-            rows.push_back({{"radio", radio["radio"]},
-                            {"item", name},
-                            {"value", value.is_object() ? json(dumped(value)) : value}});
-    return table({{"RADIO", "radio"}, {"ITEM", "item"}, {"VALUE", "value"}}, rows);
+            rows.push_back(
+                {{"radio", radio["radio"]}, {"item", name}, {"value", value.is_object() ? json(dumped(value)) : value}});
+    return table({{"RADIO", "radio"}, {"ITEM", "item"}, {"VALUE", "value", false, nullptr, true}}, rows);
 }
 
 } // namespace

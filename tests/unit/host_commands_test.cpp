@@ -144,7 +144,7 @@ TEST(HostCompletion, OffersWhatTheTableHas) {
                  {{"wps", ""}, "", "push-button check-pin --json", "ssids wl7 --wait"},
                  {{"wps", "pin", ""}, " status", "wl7 --wait", "push-button"},
                  {{"status", "--json", "wl7", ""}, "", "--items", "wl7 status"},
-                 {{"stations", "--sort", ""}, "", "signal", "--sort wl7.1"},
+                 {{"stations", "--sort", ""}, "", "signal rx-bytes", "--sort wl7.1"},
                  {{"--socket", "s", "kick", ""}, "s ssids", "wl7.1", "02:00:00:00:00:07"},
                  {{"kick", "wl7.1", ""}, " stationswl7.1", "02:00:00:00:00:07", "wl7.1"},
                  {{"kick", "wl7.1", "x", ""}, "", "--timeout", "02:00:00:00:00:07"},

@@ -17,6 +17,7 @@
 #include "host/base/word_lists.h"
 #include "host/control/control_socket.h"
 #include "host/show/tables.h"
+#include "host/show/units.h"
 #include "host/state/loaded_module.h"
 
 namespace wlhost {
@@ -59,6 +60,47 @@ TEST(HostText, NamesAndAddresses) {
 TEST(HostText, TablesAlign) {
     json rows = {{{"a", "caf\xc3\xa9"}, {"b", 5}}, {{"a", nullptr}, {"b", json::array()}}};
     EXPECT_EQ(table({{"NAME", "a"}, {"N", "b", true}}, rows), "NAME  N\ncaf\xc3\xa9  5\n-     -\n");
+}
+
+TEST(HostText, TablesFitTheTerminal) {
+    const std::vector<Column> columns = {
+        {"IF", "if"}, {"SSID", "ssid", false, nullptr, true}, {"CHAN", "chan", true}, {"LAST", "last"}};
+    json rows = {{{"if", "wl0"}, {"ssid", escapeBytes(std::string(32, '\xff'))}, {"chan", 36}, {"last", "x"}},
+                 {{"if", "wl0"}, {"ssid", "\xe5\xae\xb6\xe5\xae\xb6"}, {"chan", 6}, {"last", "x"}}};
+    struct {
+        size_t width;
+        const char *text;
+    } cases[] = {
+        {26, "IF   SSID       CHAN  LAST\nwl0  \\xff\\xff\xe2\x80\xa6    36  x\n"
+             "wl0  \xe5\xae\xb6\xe5\xae\xb6          6  x\n"},
+        {21, "IF   SSID    CHAN\nwl0  \\xff\\\xe2\x80\xa6    36\nwl0  \xe5\xae\xb6\xe5\xae\xb6       6\n"
+             "--wide shows more: L\xe2\x80\xa6\n"},
+    };
+    for (const auto &row : cases) {
+        tableStyle().width = row.width;
+        EXPECT_EQ(table(columns, rows), row.text) << row.width;
+    }
+    tableStyle() = {};
+    EXPECT_NE(table(columns, rows).find(rows[0]["ssid"]), std::string::npos) << "no limit";
+}
+
+TEST(HostText, RowsAreSortedByAColumn) {
+    const std::vector<Column> columns = {{"IF", "if"}, {"SIGNAL", "signal", true, dbm}, {"CHAN ", "chan"}, {"", "bar"}};
+    json rows = {{{"if", "wl0.10"}, {"signal", -70}, {"chan", 149}},
+                 {{"if", "wl0.2"}, {"signal", nullptr}, {"chan", 36}},
+                 {{"if", "wl0.02"}, {"signal", -40}, {"chan", 6}}};
+    struct {
+        const char *column, *order;
+    } cases[] = {{"if", "wl0.2 wl0.02 wl0.10"}, {"Signal", "wl0.02 wl0.10 wl0.2"}, {"chan", "wl0.02 wl0.2 wl0.10"}};
+    for (const auto &row : cases) {
+        json sorted = rows, order = json::array();
+        sortRows(sorted, *columnOf(columns, row.column));
+        for (const json &one : sorted)
+            order.push_back(one["if"]);
+        EXPECT_EQ(cell(order), row.order) << row.column;
+    }
+    EXPECT_EQ(columnOf(columns, ""), nullptr);
+    EXPECT_EQ(columnNames(columns), (std::vector<std::string>{"if", "signal", "chan"}));
 }
 
 TEST(HostText, ReplacesEveryOccurrenceOnce) {
