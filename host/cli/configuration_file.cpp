@@ -1,21 +1,39 @@
-// Commands that look at a configuration file alone.
+// Commands that look at a configuration file.
 #include "host/cli/calls.h"
+#include "host/cli/starting.h"
 #include "host/config/configuration.h"
 #include "host/config/fields.h"
+#include "host/control/gateway_lock.h"
 
 namespace wlhost {
-
 namespace {
 
-// With --json the one document for what is wrong and what is suspicious.
-void printFindings(const json &error, const std::vector<Problem> &warnings) {
-    json rows = json::array();
-    for (const Problem &problem : warnings) {
-        json row = problemRow(problem);
-        row["text"] = problem.text;
-        rows.push_back(row);
+// What the radios say about it: those of a running host, else those of this machine.
+json warningsOnGateway(const Call &call, const Config &config) {
+    try {
+        return resultFrom(call.socket, requestOf(call), call.timeout)["warnings"];
+    } catch (const Failure &failure) {
+        if (!isWithoutHost(call, failure))
+            throw;
     }
-    std::printf("%s\n", dumped({{"error", error}, {"warnings", rows}}, 2).c_str());
+    if (!hasRadioInterface())
+        return json::array();
+    GatewayLock lock;
+    return warningsBeforeStart(libraryName(call.args.value("library", "")), config);
+}
+
+json warningsOf(const Call &call, const Config &config) {
+    json rows = json::array();
+    for (const Problem &problem : config.warnings)
+        rows.push_back(warningRow(problem));
+    for (json &row : warningsOnGateway(call, config))
+        rows.push_back(std::move(row));
+    return rows;
+}
+
+// With --json the one document for what is wrong and what is suspicious.
+void printFindings(const json &error, const json &warnings) {
+    std::printf("%s\n", dumped({{"error", error}, {"warnings", warnings}}, 2).c_str());
 }
 
 } // namespace
@@ -24,20 +42,21 @@ Status checkConfiguration(const Call &call) {
     const std::string file = call.args["config"];
     try {
         const Config config = Config::load(file);
-        for (const Problem &problem : config.warnings)
-            if (!call.asJson)
-                std::fprintf(stderr, "%s\n", problem.text.c_str());
-        if (call.asJson)
-            printFindings(nullptr, config.warnings);
-        else
-            showResult(call, {{"config", file}, {"radios", config.radios.size()}});
+        const json warnings = warningsOf(call, config);
+        if (call.asJson) {
+            printFindings(nullptr, warnings);
+            return Status::kDone;
+        }
+        for (const json &warning : warnings)
+            std::fprintf(stderr, "%s\n", warning["text"].get<std::string>().c_str());
+        showResult(call, {{"config", file}, {"radios", config.radios.size()}});
         return Status::kDone;
     } catch (const Failure &failure) {
         if (!call.asJson)
             throw;
         json error = errorOf(failure);
         error.emplace("errors", json::array());
-        printFindings(error, {});
+        printFindings(error, json::array());
         return failure.status;
     }
 }

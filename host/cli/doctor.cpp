@@ -57,14 +57,6 @@ bool runnable(const std::string &name) {
     return false;
 }
 
-bool anyRadio() {
-    std::ifstream devices("/proc/net/dev");
-    for (std::string line; std::getline(devices, line);)
-        if (line.find("wl") != std::string::npos)
-            return true;
-    return false;
-}
-
 json libraryRow(const std::string &library) {
     void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     std::string reason = handle ? "" : dlerror();
@@ -85,11 +77,19 @@ json hostRow(const std::string &socket) {
 
 } // namespace
 
+bool hasRadioInterface() {
+    std::ifstream devices("/proc/net/dev");
+    for (std::string line; std::getline(devices, line);)
+        if (line.find("wl") != std::string::npos)
+            return true;
+    return false;
+}
+
 Status examineMachine(const Call &call) {
     json rows = json::array({libraryRow(libraryName(call.args.value("library", "")))});
     for (const Tool &tool : kTools)
         rows.push_back(row(tool.name, runnable(tool.name), tool.required, tool.hint));
-    rows.push_back(row("radio interfaces", anyRadio(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
+    rows.push_back(row("radio interfaces", hasRadioInterface(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
     rows.push_back(hostRow(call.socket));
     showResult(call, rows);
     bool lacking = std::any_of(rows.begin(), rows.end(),

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/base/word_lists.h"
+#include "host/state/radio_check.h"
 #include "host/tap/dry_run.h"
 #include "host/verify/verification.h"
 
@@ -29,6 +30,20 @@ json planStart(const std::string &library, const Config &config, bool fresh) {
         [&] {
             Host host(loadModule(library), config, platformVerifier());
             return host.planBringUp(fresh);
+        },
+        kPlanTime);
+}
+
+json warningsBeforeStart(const std::string &library, const Config &config) {
+    return tap::inDryRun(
+        [&]() -> json {
+            const Module *module = nullptr;
+            try {
+                module = &loadModule(library);
+            } catch (const Failure &) { // a machine that is no gateway
+            }
+            return module && !module->radios.empty() ? warningsOfRadios(*module, devicePlatform(), config)
+                                                     : json::array();
         },
         kPlanTime);
 }

@@ -13,6 +13,9 @@ namespace wlhost {
 // Throws what the radios cannot do. With `fresh`, radios that are as wanted already count as any other.
 json planStart(const std::string &library, const Config &config, bool fresh);
 
+// What the radios will surely not do; empty where there are none or no module.
+json warningsBeforeStart(const std::string &library, const Config &config);
+
 // Radios of such a plan that are left as they are.
 std::set<std::string> adoptedBy(const json &plan);
 

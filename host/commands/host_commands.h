@@ -33,6 +33,8 @@ json reload(Host &host, const json &args);
 // What a reload would do.
 json plan(Host &host, const json &args);
 json confirm(Host &host, const json &args);
+// A configuration file beside the radios.
+json check(Host &host, const json &args);
 json lan(Host &host, const json &args);
 json preset(Host &host, const json &args);
 json setMac(Host &host, const json &args);

@@ -2,6 +2,7 @@
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
+#include "host/state/radio_check.h"
 #include "host/tap/dry_run.h"
 #include "host/verify/verification.h"
 
@@ -59,6 +60,10 @@ json reload(Host &host, const json &args) {
 
 json plan(Host &host, const json &args) {
     return tap::inDryRun([&] { return host.planReload(reloadRequest(args)); }, kPlanTime);
+}
+
+json check(Host &host, const json &args) {
+    return {{"warnings", warningsOfRadios(host.module(), *host.platform, Config::load(textArg(args, "config")))}};
 }
 
 json confirm(Host &host, const json &) { return host.confirm(); }

@@ -38,6 +38,12 @@ const Field *fieldOf(const Path &path) {
 
 } // namespace
 
+json warningRow(const Problem &problem) {
+    json row = problemRow(problem);
+    row["text"] = problem.text;
+    return row;
+}
+
 json problemRow(const Problem &problem) {
     return {{"path", problem.path.text()},
             {"line", problem.line},

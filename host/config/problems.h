@@ -18,6 +18,8 @@ struct Problem {
 
 // As programs get it: `path`, `line`, `value`, `allowed`.
 json problemRow(const Problem &problem);
+// The same and its `text`.
+json warningRow(const Problem &problem);
 
 // Everything that is wrong with one document, so that the user mends it in one go; and what is allowed, but surely a
 // mistake. What is beyond the first fifty is only counted.

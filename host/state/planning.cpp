@@ -137,6 +137,14 @@ json Host::planReload(const ReloadRequest &request) {
     return planOf(transition);
 }
 
+// Addresses that the system gave bridges meanwhile are no reason to bring anything up.
+bool asksForLan(const json &plan, const Config &config) {
+    bool fixed = std::any_of(config.lan.begin(), config.lan.end(), [](const auto &group) { return group.hwaddr[0]; });
+    return std::any_of(plan["lan"]["nvram"].begin(), plan["lan"]["nvram"].end(), [&](const json &row) {
+        return fixed || !ends(row["key"].get<std::string>(), "_hwaddr");
+    });
+}
+
 // A radio whose bring-up would change nothing, and which is as it should be, is left on the air.
 json Host::planBringUp(bool fresh) {
     Transition transition(*this, config_, {});
@@ -147,7 +155,8 @@ json Host::planBringUp(bool fresh) {
         step.drops = stationRows(found);
     }
     json plan = planOf(transition);
-    for (size_t i = 0; !fresh && plan["lan"]["nvram"].empty() && i < plan["radios"].size(); ++i) {
+    fresh = fresh || asksForLan(plan, config_);
+    for (size_t i = 0; !fresh && i < plan["radios"].size(); ++i) {
         json &radio = plan["radios"][i];
         WlIntf &intf = *transition.steps()[i].intf;
         if (radio["nvram"].empty() && differences(&intf, kOfEverything, {}, false).empty())
@@ -157,6 +166,9 @@ json Host::planBringUp(bool fresh) {
                           {"down_ms", 0},
                           {"commands", json::array()}});
     }
+    if (std::none_of(plan["radios"].begin(), plan["radios"].end(),
+                     [](const json &radio) { return radio["operation"] != "none"; }))
+        plan["lan"]["nvram"] = json::array();
     return plan;
 }
 

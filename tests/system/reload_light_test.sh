@@ -19,7 +19,7 @@ world() {
 }
 stored() { nvram show 2>/dev/null | grep = | sort; }
 # Keys whose value differs between two listings.
-changed_keys() { diff <(echo "$1") <(echo "$2") | sed -n 's/^[<>] \([^=]*\)=.*/\1/p' | sort -u | paste -sd' '; }
+changed_keys() { printf '%s\n' "$1" "$2" | sort | uniq -u | sed 's/=.*//' | sort -u | paste -sd' '; }
 
 # FILTER OPERATIONS KEEPS: the plan of this change tells the operation of each radio and exactly the keys that the reload
 # then changes, and touches nothing; stations of the radios named in KEEPS stay.
@@ -51,7 +51,7 @@ test_changes_that_keep_the_stations() {
     assert_contains "$(tc qdisc show dev wl0.1)" 9Mbit
     change 'del(.radios[0].ssids[2].preset)' 'preset none' 'wl0 wl1'
     joins wl0.2 'dance all night' --mac 02:00:00:00:00:03
-    change '.lan.groups[0].ports = ["eth0"]' 'none none' 'wl0 wl1'
+    change '.lan.groups[0].ports = ["eth0"]' 'preset none' 'wl0 wl1'
     change '.radios[0].ssids[1].network = "br0"' 'lan none' 'wl0 wl1'
     assert_eq br0 "$(bss wl0.1 .bridge)"
     change 'del(.radios[0].ssids[1].network)' 'lan none' 'wl0 wl1'
@@ -65,19 +65,19 @@ test_changes_that_take_one_radio_down() {
     assert_contains "$output" wl0
     change 'del(.radios[0])' 'none down' wl1
     assert_eq '' "$(networks | grep '^wl0.* on-air')"
-    change '.' 'bring-up none' wl1 || change '.' 'reload none' wl1
+    change '.' 'reload none' wl1
     change 'del(.radios[1].ssids[2])' 'none reload' ''
 }
 
 test_what_the_run_time_set_survives() {
     assert_status 0 wlhost reload --config "$work"/base.json
     assert_status 0 wlhost preset wl0.2 on
-    assert_status 0 wlhost ban wl0.1 02:00:00:00:00:55
+    assert_status 0 wlhost ban wl0.1 02:00:00:00:00:56
     assert_status 0 wlhost filter wl0.1 deny 02:00:00:00:00:66
     assert_status 0 wlhost reload wl0
-    assert_eq filter "$(wlhost --json filter wl0.1 >/dev/null && jq -r '.radios[0].undone[0].what' <<<"$(wlhost --json filter wl0.1 deny 02:00:00:00:00:66 >/dev/null; wlhost --json reload wl0)")"
+    assert_contains "$output" 'undone filter of wl0.1'
     joins wl0.2 'dance all night' --mac 02:00:00:00:00:03
-    refused 'MAC filter' wl0.1 --passphrase 'come in and sit down' --mac 02:00:00:00:00:55
+    refused 'MAC filter' wl0.1 --passphrase 'come in and sit down' --mac 02:00:00:00:00:56
     joins wl0.1 'come in and sit down' --mac 02:00:00:00:00:66
     assert_status 0 wlhost verify
 }
@@ -85,11 +85,11 @@ test_what_the_run_time_set_survives() {
 test_a_ban_sends_the_station_away() {
     joins wl0.1 'come in and sit down' --mac 02:00:00:00:00:55
     assert_status 0 wlhost ban wl0.1 02:00:00:00:00:55
-    assert_eq 0 "$(bss wl0.1 '.stations | length')"
+    assert_lacks "$(bss wl0.1 .stations)" 02:00:00:00:00:55
     assert_status 0 wlhost unban wl0.1 --all
     joins wl0.1 'come in and sit down' --mac 02:00:00:00:00:55
     assert_status 0 wlhost filter wl0.1 deny 02:00:00:00:00:55 --keep
-    assert_eq 1 "$(bss wl0.1 '.stations | length')"
+    assert_contains "$(bss wl0.1 .stations)" 02:00:00:00:00:55
 }
 
 test_a_radio_that_is_not_as_wanted_is_retried() {
@@ -102,7 +102,7 @@ test_a_radio_that_is_not_as_wanted_is_retried() {
 }
 
 test_failures_of_the_platform_are_told() {
-    assert_status 0 wlsim fail 'wlconf wl1 start' --count -1
+    assert_status 0 wlsim fail 'wlconf wl1 start' forever
     assert_status 1 wlhost reload wl1
     assert_contains "$output" wl1
     assert_status 1 wlhost --json reload

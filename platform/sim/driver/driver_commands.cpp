@@ -36,7 +36,7 @@ constexpr Command kCommands[] = {
     {"tp_id", cmdTpId, 0, 0, "tp_id"},
     {"isup", cmdIsUp, 0, 0, "isup"},
     {"band", cmdBand, 0, 0, "band"},
-    {"chanspecs", cmdChanspecs, 0, 4, "chanspecs [-b 2|5] [-w 20|40|80]"},
+    {"chanspecs", cmdChanspecs, 0, 6, "chanspecs [-b 2|5] [-w 20|40|80] [-c COUNTRY]"},
     {"channels", cmdChannels, 0, 0, "channels"},
     {"status", cmdStatus, 0, 0, "status"},
     {"counters", cmdCounters, 0, 0, "counters"},

@@ -98,10 +98,18 @@ Reply cmdBand(Driver &, Target target, const Words &) { return done(target.radio
 Reply cmdChanspecs(Driver &, Target target, const Words &arguments) {
     const Radio &radio = target.radio;
     long band = static_cast<long>(radio.band), width = 0;
+    const Country *country = &radio.locale();
     for (size_t i = 0; i < arguments.size(); i += 2) {
+        if (arguments[i] == "-c") {
+            country = i + 1 < arguments.size() ? findCountry(arguments[i + 1]) : nullptr;
+            if (!country) {
+                return refuse("chanspecs: unknown country");
+            }
+            continue;
+        }
         auto value = i + 1 < arguments.size() ? parseNumber(arguments[i + 1]) : std::nullopt;
         if (!value || (arguments[i] != "-b" && arguments[i] != "-w")) {
-            return refuse("usage: chanspecs [-b 2|5] [-w 20|40|80]", 2);
+            return refuse("usage: chanspecs [-b 2|5] [-w 20|40|80] [-c COUNTRY]", 2);
         }
         (arguments[i] == "-b" ? band : width) = *value;
     }
@@ -113,7 +121,7 @@ Reply cmdChanspecs(Driver &, Target target, const Words &arguments) {
         if (width != 0 && width != each) {
             continue;
         }
-        for (const Chanspec &chanspec : allowedChanspecs(radio.locale(), radio.band, each)) {
+        for (const Chanspec &chanspec : allowedChanspecs(*country, radio.band, each)) {
             out += chanspec.report() + "\n";
         }
     }
