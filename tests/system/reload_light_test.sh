@@ -129,6 +129,8 @@ test_missing_radios_and_rollback() {
 }
 
 test_a_new_host_leaves_what_is_as_wanted() {
+    assert_status 0 wlhost preset wl0.2 off
+    assert_status 0 wlhost unban wl0.1 --all
     assert_status 0 wlhost reload --config "$work"/base.json
     joins wl0 'correct horse battery'
     stop_host
