@@ -58,6 +58,8 @@ class Reader {
             return {file, std::move(root), std::move(lines_)};
         } catch (const json::parse_error &error) {
             refuseSyntax(error);
+        } catch (const json::out_of_range &) {
+            refuse(position_.line, " a number that is too large");
         }
     }
 

@@ -360,8 +360,8 @@ int wlctl_cmd(char *line) {
     return status;
 }
 
-// Provided by the host on a device.
-int qvUtilStrReplace(char *text, const char *from, const char *to) {
+// Provided by the host on a device, and in a program that it is linked into.
+__attribute__((weak)) int qvUtilStrReplace(char *text, const char *from, const char *to) {
     std::string replaced = text;
     for (size_t at = 0; (at = replaced.find(from, at)) != std::string::npos; at += strlen(to))
         replaced.replace(at, strlen(from), to);
