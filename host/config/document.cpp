@@ -118,7 +118,7 @@ class Reader {
         message.erase(std::min(message.find("; last read: "), message.size()));
         std::string near = excerpt(error.byte);
         refuse(line,
-               std::to_string(column) + ": " + escapeBytes(message) + (near.empty() ? "" : "; near '" + near + "'"));
+               std::to_string(column) + ": " + message + (near.empty() ? "" : "; near '" + near + "'"));
     }
 
     // The end of what the parser had read, in its line and at most back to a quotation mark: what stands before that
@@ -126,8 +126,9 @@ class Reader {
     std::string excerpt(size_t end) const {
         constexpr size_t kLongest = 24;
         end = std::min(end, text_.size());
-        if (isSecretName(name_))
+        if (end == 0 || isSecretName(name_))
             return "";
+        end -= text_[end - 1] == '\n';
         size_t start = end;
         while (start > 0 && end - start < kLongest && text_[start - 1] != '\n')
             if (text_[--start] == '"' && start + 1 < end)

@@ -137,7 +137,9 @@ const TextRule kMacRule{macProblem, "six hexadecimal pairs of a station, such as
                         "^[0-9A-Fa-f][02468ACEace]((:[0-9A-Fa-f]{2}){5}|(-[0-9A-Fa-f]{2}){5})$"};
 const TextRule kCountryRule{countryProblem, "two capitals and perhaps a slash and a revision, such as DE/3",
                             "^[A-Z][A-Z0-9](/[0-9]{1,3})?$"};
-const TextRule kAddressRule{addressProblem, "an IPv4 or IPv6 address", "^[0-9A-Fa-f:.]{2,45}$"};
+#define OCTET "(25[0-5]|2[0-4][0-9]|1[0-9][0-9]|[1-9]?[0-9])"
+const TextRule kAddressRule{addressProblem, "an IPv4 or IPv6 address",
+                            "^(" OCTET "\\.){3}" OCTET "$|^[0-9A-Fa-f:]*:[0-9A-Fa-f:.]*$"};
 const TextRule kSecretRule{secretProblem, "1 to 255 characters of printable ASCII", "^[ -~]{1,255}$"};
 const TextRule kPathRule{pathProblem, "1 to 35 characters of printable ASCII", "^[ -~]{1,35}$"};
 const TextRule kPinRule{pinProblem, "8 digits, the last one the checksum", "^[0-9]{8}$"};

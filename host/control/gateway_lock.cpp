@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <thread>
 
@@ -30,9 +29,9 @@ Fd openLock(const std::string &file) {
     return fd;
 }
 
-bool locksInTime(int fd, const std::string &file) {
+bool locksInTime(int fd, const std::string &file, std::chrono::milliseconds patience) {
     using Clock = std::chrono::steady_clock;
-    const auto end = Clock::now() + std::chrono::seconds(1);
+    const auto end = Clock::now() + patience;
     while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR)
             fail(file, std::strerror(errno));
@@ -60,10 +59,10 @@ Failure heldBy(int fd, const std::string &file) {
 
 } // namespace
 
-GatewayLock::GatewayLock(const std::string &socket, const std::string &file) {
+GatewayLock::GatewayLock(const std::string &socket, const std::string &file, std::chrono::milliseconds patience) {
     secureRuntimeFolder(file);
     fd_ = openLock(file);
-    if (!locksInTime(fd_.get(), file))
+    if (!locksInTime(fd_.get(), file, patience))
         throw heldBy(fd_.get(), file);
     const std::string holder = std::to_string(getpid()) + (socket.empty() ? "" : " " + socket) + "\n";
     if (ftruncate(fd_.get(), 0) != 0 ||

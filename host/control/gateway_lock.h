@@ -1,6 +1,7 @@
 // One host a gateway: two would configure the same radios and take each other's events, whatever their sockets are.
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include "host/base/fd.h"
@@ -13,9 +14,10 @@ namespace wlhost {
 // names.
 class GatewayLock {
   public:
-    // Waits a second at most. Throws a Failure with status 7 that names the process which holds the lock and its
+    // Throws a Failure with status 7 that names the process which holds the lock and its
     // socket. `socket` is where this process can be asked; empty for one that serves nobody.
-    explicit GatewayLock(const std::string &socket = {}, const std::string &file = runtimeFolder() + "/wlhost.lock");
+    explicit GatewayLock(const std::string &socket = {}, const std::string &file = runtimeFolder() + "/wlhost.lock",
+                         std::chrono::milliseconds patience = std::chrono::seconds(1));
 
   private:
     Fd fd_;

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <regex>
 
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
@@ -96,11 +97,130 @@ TEST(HostConfig, WidthsFitChannels) {
     }
 }
 
+// What a file may not be: what is wrong and where, with nothing that a terminal or a log could not take, and no secret.
+TEST(HostConfig, HostileFiles) {
+    auto nested = [](size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+    const struct {
+        std::string text, problem;
+    } cases[] = {
+        {nested(64), "t:1: [...] is not an object"},
+        {nested(65), "t:1: more than 64 brackets inside each other"},
+        {std::string(200000, '['), "t:1: more than 64 brackets inside each other"},
+        {"[\"a\n", "t:2:0: syntax error while parsing value - invalid string: control character U+000A (LF) must be "
+                   "escaped to \\u000A or \\n; near '\"a'"},
+        {"[\n\"Caf\xe9\"]", "t:2:6: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; near "
+                            "'\"Caf\\xe9\"'"},
+        {"{\"key\": \"geheim\xe9\"}",
+         "t:1:17: syntax error while parsing value - invalid string: ill-formed UTF-8 byte"},
+        {"[1,\n// \xe9\n2]", "t:2: '\\xe9' in a comment is not UTF-8"},
+        {"[\n1e999]", "t:2: a number that is too large"},
+        {"{\"radios\": [],\n\"\\u001b\": 1,\n\"\\u001b\": 2}",
+         "t:3: \"\\x1b\" stands twice in one object, first in line 2"},
+        {"{\"radios\": [\n1,\n2\n]}", "t:2: radios[0]: 1 is not an object\nt:3: radios[1]: 2 is not an object"},
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(problemOf(row.text), row.problem) << row.text.substr(0, 40);
+}
+
+TEST(HostConfig, ProblemsForPrograms) {
+    try {
+        Config::from(Document::parse("t", patched("/radios/0/ssids/0", R"({"ssid": 7, "key": 12345678, "kye": "x"})")));
+        FAIL();
+    } catch (const Failure &failure) {
+        const std::string at = "radios[0].ssids[0].";
+        EXPECT_EQ(
+            failure.details["errors"],
+            json({{{"path", at + "ssid"}, {"line", 1}, {"value", 7}, {"allowed", kSsidRule.allowed}},
+                  {{"path", at + "key"}, {"line", 1}, {"value", "********"}, {"allowed", kPskRule.allowed}},
+                  {{"path", at + "kye"}, {"line", 1}, {"value", nullptr}, {"allowed", "did you mean \"key\"?"}}}));
+    }
+}
+
+TEST(HostConfig, OneSsidWithTwoKeysIsAWarning) {
+    auto warnings = [](const char *ssid) {
+        std::string all;
+        for (const Problem &one : Config::from(Document::parse("t", patched("/radios/1/ssids/0", ssid))).warnings)
+            all += one.text;
+        return all;
+    };
+    EXPECT_EQ(warnings(R"({"ssid": "one", "encryption": "psk2", "key": "battery staple"})"),
+              "t:1: warning: radios[1].ssids[0].key: the same SSID has another key at radios[0].ssids[0]");
+    for (const char *sound : {R"({"ssid": "one", "encryption": "psk2", "key": "correct horse"})",
+                              R"({"ssid": "One", "encryption": "psk2", "key": "battery staple"})",
+                              R"({"ssid": "one", "encryption": "psk2", "key": "battery staple", "disabled": true})"})
+        EXPECT_EQ(warnings(sound), "") << sound;
+}
+
+// The schema says what the check says, of letters where the check counts bytes.
+TEST(HostConfig, PatternsAgreeWithTheChecks) {
+    auto times = [](size_t count, const std::string &text) {
+        std::string all;
+        for (size_t i = 0; i < count; ++i)
+            all += text;
+        return all;
+    };
+    const std::string umlaut = "\xc3\xbc";
+    const struct {
+        const TextRule &rule;
+        std::vector<std::string> good, bad;
+    } cases[] = {
+        {kSsidRule,
+         {"a", times(32, "a"), times(16, umlaut)},
+         {"", times(33, "a"), times(32, umlaut), times(17, umlaut), {"a\0b", 3}}},
+        {kSsidHexRule, {"ff", times(32, "a0")}, {"", "f", "0", "00", "a000", "fg", times(33, "a0")}},
+        {kPskRule,
+         {"12345678", times(63, "~"), times(64, "f")},
+         {"1234567", times(64, "g"), times(65, "f"), "1234567" + umlaut}},
+        {kWepRule,
+         {"abcde", times(13, "x"), "0123456789", times(26, "a")},
+         {"abcd", "abcdef", "012345678g", times(26, "x")}},
+        {kInterfaceRule, {"eth0", ".a", times(15, "x")}, {"", "-a", "a b", times(16, "x")}},
+        {kRadioRule, {"wl0", "wl10", "wl99"}, {"wl", "wl00", "wl01", "wl100", "wl-1", "eth0", "wl0.1", "w"}},
+        {kMacRule,
+         {"00:10:18:aa:bb:cc", "02-00-00-00-00-01"},
+         {"01:00:5e:00:00:01", "00:10-18:aa:bb:cc", "00:10:18:aa:bb", ""}},
+        {kCountryRule, {"DE", "DE/3", "Q2", "US/999"}, {"de", "DE/", "DE/1234", "D", "2Q", "DEU"}},
+        {kAddressRule,
+         {"192.0.2.1", "fe80::1", "::"},
+         {"", "host", "192.0.2.256", "192.0.2.01", "192.0.2", "192.0.2.1."}},
+        {kSecretRule, {"s e", times(255, "x")}, {"", times(256, "x"), umlaut}},
+        {kPathRule, {"Device.1", times(35, "x")}, {"", times(36, "x")}},
+        {kPinRule, {"31415927"}, {"3141592", "314159270", "3141592x"}},
+        {kUuidRule,
+         {times(32, "a"), "01234567-89AB-cdef-0123-456789abcdef"},
+         {"", times(31, "a"), "01234567-89ABcdef-0123-456789abcdef"}},
+    };
+    auto letters = [](const std::string &text) {
+        std::wstring wide;
+        for (size_t i = 0; i < text.size(); i += text.compare(i, 2, "\xc3\xbc") == 0 ? 2 : 1)
+            wide += text[i] == '\xc3' ? L'\xfc' : static_cast<wchar_t>(text[i]);
+        return wide;
+    };
+    for (const auto &row : cases) {
+        const std::string pattern = row.rule.pattern;
+        const std::wregex regex(std::wstring(pattern.begin(), pattern.end()));
+        auto inSchema = [&](const std::string &text) {
+            const std::wstring wide = letters(text);
+            bool fits = row.rule.longest == 0 || (wide.size() >= row.rule.shortest && wide.size() <= row.rule.longest);
+            return fits && std::regex_search(wide, regex);
+        };
+        for (std::string text : row.good) {
+            EXPECT_TRUE(inSchema(text)) << pattern << " refuses " << text;
+            EXPECT_EQ(row.rule.problem(text), "");
+        }
+        for (std::string text : row.bad) {
+            EXPECT_FALSE(inSchema(text)) << pattern << " takes " << text;
+            EXPECT_NE(row.rule.problem(text), "") << text;
+        }
+    }
+}
+
 TEST(HostConfig, SyntaxAndLines) {
     EXPECT_EQ(problemOf("{\n \"radios\": [}"),
               "t:2:13: syntax error while parsing value - unexpected '}'; expected '[', '{', or a literal; "
               "near '\": [}'");
-    EXPECT_EQ(problemOf("{\"radios\": [{\"name\": 1,\n\"name\": 2}]}"), "t:2: \"name\" stands twice in one object, first in line 1");
+    EXPECT_EQ(problemOf("{\"radios\": [{\"name\": 1,\n\"name\": 2}]}"),
+              "t:2: \"name\" stands twice in one object, first in line 1");
     EXPECT_EQ(
         problemOf("// one\n{ /* two\n*/ \"radios\":\n [ {\"name\": \"a]{,\\\"\", \"x\": [1, {}]},\n {\"nam\": 3}] }"),
         "t:4: radios[0].name: \"a]{,\\\"\" is no name of a radio; wl and its number, wl0 to wl99\n"

@@ -16,6 +16,7 @@
 #include "host/base/failure.h"
 #include "host/base/word_lists.h"
 #include "host/control/control_socket.h"
+#include "host/control/gateway_lock.h"
 #include "host/show/tables.h"
 #include "host/show/units.h"
 #include "host/state/loaded_module.h"
@@ -247,6 +248,63 @@ TEST_F(HostControl, SubscriberThatDoesNotReadIsDropped) {
         usleep(10000);
     }
     EXPECT_FALSE(subscribers_);
+}
+
+// Whether the host closed it.
+bool isClosed(const Fd &fd) {
+    char byte;
+    return recv(fd.get(), &byte, 1, MSG_DONTWAIT) == 0;
+}
+
+TEST_F(HostControl, TheOldestSilentOneGoesFirst) {
+    start();
+    ControlClient follower(path_, "follow", 5);
+    EXPECT_EQ(follower.nextLine(5), "follow!");
+    std::vector<Fd> silent;
+    for (int i = 0; i < 300; ++i)
+        silent.push_back(rawConnection());
+    EXPECT_EQ(statusOf(path_, 1), Status::kDone);
+    EXPECT_TRUE(isClosed(silent[0]) && isClosed(silent[100]));
+    EXPECT_FALSE(isClosed(silent[150]) || isClosed(silent[299]));
+    published_ = 1;
+    EXPECT_EQ(follower.nextLine(5), "news") << "the silent ones took a subscriber's place";
+}
+
+TEST_F(HostControl, SubscribersBeyondTheirPlacesAreRefused) {
+    start();
+    std::vector<std::unique_ptr<ControlClient>> followers;
+    for (int i = 0; i < 192; ++i) {
+        followers.push_back(std::make_unique<ControlClient>(path_, "follow", 5));
+        ASSERT_EQ(followers.back()->nextLine(5), "follow!");
+    }
+    EXPECT_EQ(json::parse(callHost(path_, "follow", 5))["status"], 7);
+    followers.pop_back();
+    EXPECT_EQ(statusOf(path_, 5), Status::kDone);
+    EXPECT_EQ(callHost(path_, "follow", 5), "follow!");
+}
+
+TEST_F(HostControl, OneProcessHoldsTheGateway) {
+    auto problem = [&](const std::string &socket = {}) -> std::string {
+        try {
+            GatewayLock lock(socket, path_, std::chrono::milliseconds(20));
+            return "";
+        } catch (const Failure &failure) {
+            EXPECT_EQ(failure.status, Status::kEnvironment);
+            return failure.what();
+        }
+    };
+    const std::string pid = "pid " + std::to_string(getpid());
+    auto host = std::make_unique<GatewayLock>("/run/a socket", path_);
+    EXPECT_EQ(problem(), "a host serves this gateway already: " + pid + ", socket /run/a socket");
+    ASSERT_EQ(system("sleep 1 >&- 2>&- &"), 0); // does not inherit it
+    host = nullptr;
+    EXPECT_EQ(problem("/run/b"), "");
+    GatewayLock reader({}, path_);
+    EXPECT_EQ(problem(), pid + " looks at the radios");
+    std::string link = folder_ + "/link";
+    ASSERT_EQ(symlink(path_.c_str(), link.c_str()), 0);
+    EXPECT_THROW(GatewayLock({}, link), Failure);
+    unlink(link.c_str());
 }
 
 TEST_F(HostControl, SilentHostIsATimeout) {
