@@ -22,11 +22,13 @@ struct Position {
 };
 class Watched {
   public:
+    // NOLINTBEGIN(readability-identifier-naming): the names that std::iterator_traits looks for
     using iterator_category = std::input_iterator_tag;
     using value_type = char;
     using difference_type = std::ptrdiff_t;
     using pointer = const char *;
     using reference = const char &;
+    // NOLINTEND(readability-identifier-naming)
 
     Watched(const char *at, Position &position) : at_(at), position_(&position) {}
     const char &operator*() const { return *at_; }
@@ -117,8 +119,7 @@ class Reader {
             message.erase(0, message.find(": ", start) + 2);
         message.erase(std::min(message.find("; last read: "), message.size()));
         std::string near = excerpt(error.byte);
-        refuse(line,
-               std::to_string(column) + ": " + message + (near.empty() ? "" : "; near '" + near + "'"));
+        refuse(line, std::to_string(column) + ": " + message + (near.empty() ? "" : "; near '" + near + "'"));
     }
 
     // The end of what the parser had read, in its line and at most back to a quotation mark: what stands before that

@@ -148,7 +148,8 @@ const std::vector<Field> &radiusFields() {
 
 const std::vector<Field> &ssidFields() {
     static const std::vector<Field> kFields = {
-        text("ssid", AT(S, record.ssidName), kSsidRule, "Network name"),
+        text("ssid", AT(S, record.ssidName), kSsidRule,
+             "Network name; a letter beyond ASCII takes 2 to 4 of the 32 bytes"),
         text("ssid_hex", AT(S, record.ssidName), kSsidHexRule, "Network name that is no UTF-8, in place of ssid"),
         inverted(flag("disabled", AT(S, record.enable), false, "The SSID is off")),
         text("ifname", AT(S, record.ifName), kInterfaceRule,
@@ -293,13 +294,14 @@ bool isSecretName(const std::string &name) {
     static const std::set<std::string> kNames = [] {
         std::set<std::string> names;
         std::vector<const std::vector<Field> *> tables = {&rootFields()};
-        for (size_t i = 0; i < tables.size(); ++i)
+        for (size_t i = 0; i < tables.size(); ++i) {
             for (const Field &field : *tables[i]) {
                 if (field.children)
                     tables.push_back(field.children);
                 if (field.secret)
                     names.insert(field.name);
             }
+        }
         return names;
     }();
     return kNames.count(name) != 0;

@@ -176,13 +176,10 @@ void readValue(const Field &field, const json &value, const Path &path, void *re
     case Kind::kIgnored:
         break;
     }
-    if (!problem.empty())
-        problems.add(path,
-                     (value.is_array() ? ""
-                      : field.secret   ? std::string(kMask) + " "
-                                       : shown(value) + " ") +
-                         problem,
-                     allowedText(field));
+    if (problem.empty())
+        return;
+    const std::string found = value.is_array() ? "" : field.secret ? kMask : shown(value);
+    problems.add(path, found + (found.empty() ? "" : " ") + problem, allowedText(field));
 }
 
 void readMembers(const json &node, const Path &path, const std::vector<Field> &fields, void *record,

@@ -95,6 +95,8 @@ json configSchema() {
     json schema = objectSchema(rootFields());
     schema["$schema"] = "http://json-schema.org/draft-07/schema#";
     schema["title"] = "wlhost configuration";
+    schema["description"] = "What a schema can say of the file. wlhost check also counts bytes, knows checksums and "
+                            "addresses, and looks at settings beside each other.";
     return schema;
 }
 

@@ -9,10 +9,12 @@ namespace {
 
 std::string itemRows(const json &result) {
     json rows = json::array();
-    for (const json &radio : result)
-        for (const auto &[name, value] : radio["items"].items())
-            rows.push_back(
-                {{"radio", radio["radio"]}, {"item", name}, {"value", value.is_object() ? json(dumped(value)) : value}});
+    for (const json &radio : result) {
+        for (const auto &[name, value] : radio["items"].items()) {
+            json shown = value.is_object() ? json(dumped(value)) : value;
+            rows.push_back({{"radio", radio["radio"]}, {"item", name}, {"value", shown}});
+        }
+    }
     return table({{"RADIO", "radio"}, {"ITEM", "item"}, {"VALUE", "value", false, nullptr, true}}, rows);
 }
 

@@ -8,8 +8,7 @@
 #include "host/config/configuration.h"
 #include "host/control/dispatch.h"
 
-using namespace wlhost;
-
+namespace wlhost {
 namespace {
 
 bool sameFields(const Config &one, const Config &other) {
@@ -60,3 +59,4 @@ FUZZ_TARGET(request) {
 }
 
 } // namespace
+} // namespace wlhost

@@ -79,3 +79,19 @@ test_a_host_after_a_dead_one() {
     assert_eq "$(pidof wlhost) /run/wlhost.sock" "$(cat /run/wlhost.lock)"
     stop_host
 }
+
+# Anybody may take a name in /tmp before the user does.
+test_a_run_that_is_not_writable() {
+    local own=/tmp/wlhost-0
+    mount --bind /var/run /var/run && mount -o remount,bind,ro /var/run
+    start_host /src/examples/minimal.json
+    assert_eq '700 wlhost.lock wlhost.sock' "$(stat -c %a "$own") $(cd "$own" && echo *)"
+    stop_host
+    mv "$own" "$work"/theirs && ln -s "$work"/theirs "$own"
+    for command in status 'run /src/examples/minimal.json'; do
+        # shellcheck disable=SC2086 # a command's words
+        assert_status 7 wlhost $command
+        assert_contains "$output" "not this user's own folder"
+    done
+    assert_status 0 wlhost check /src/examples/minimal.json
+}
