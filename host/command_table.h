@@ -51,8 +51,9 @@ struct Command {
     std::vector<Column> columns;
     // Where the command is typed; most ask the host.
     Status (*run)(const Call &call);
-    // The connection stays open behind the answer, for what comes later.
-    bool follows = false;
+    // What the connection stays open for behind the answer to these arguments; null, or null for them, when it does
+    // not.
+    const char *(*follows)(const json &args) = nullptr;
     // The exit status that a result stands for, where not every result means that all is well.
     Status (*meaning)(const json &result) = nullptr;
 };

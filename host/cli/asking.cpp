@@ -10,6 +10,7 @@
 #include "host/cli/messages.h"
 #include "host/commands/host_commands.h"
 #include "host/control/control_socket.h"
+#include "host/show/results.h"
 
 namespace wlhost {
 namespace {
@@ -147,6 +148,29 @@ Status askForEvents(const Call &call) {
             return Status::kFailed;
     }
     return Status::kDone;
+}
+
+Status askForJournal(const Call &call) {
+    if (call.args.value("shell", false) && !call.asJson) {
+        std::fputs(resultOf(call)["script"].get_ref<const std::string &>().c_str(), stdout);
+        return Status::kDone;
+    }
+    if (!call.args.value("follow", false))
+        return ask(call);
+    ControlClient client(call.socket, lineOf(requestOf(call)), call.timeout);
+    auto show = [&](const json &entry) {
+        std::printf("%s\n", (call.asJson ? dumped(entry) : showEntry(entry)).c_str());
+        return std::fflush(stdout) == 0;
+    };
+    for (const json &entry : resultOf(client.nextLine(call.timeout)))
+        show(entry);
+    for (;;) {
+        const json entry = json::parse(client.nextLine(-1));
+        const bool wanted = (!call.args.value("failed", false) || entry["status"] != 0) &&
+                            entry["operation"] == call.args.value("operation", entry["operation"]);
+        if (wanted && !show(entry))
+            return Status::kFailed;
+    }
 }
 
 Status askForVersion(const Call &call) {

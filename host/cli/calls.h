@@ -24,6 +24,8 @@ Status askForPlan(const Call &call);
 Status askForReload(const Call &call);
 // `run --dry-run`.
 Status planTheRun(const Call &call);
+// Journal entries, with --follow for ever.
+Status askForJournal(const Call &call);
 // Without a host, the version of this program.
 Status askForVersion(const Call &call);
 void showVersion(bool asJson);

@@ -7,14 +7,20 @@
 #include <cstdio>
 #include <cstring>
 
+#include "host/base/log.h"
 #include "host/cli/calls.h"
 #include "host/cli/messages.h"
 #include "host/cli/starting.h"
+#include "host/commands/host_commands.h"
 #include "host/commands/station_events.h"
 #include "host/control/control_socket.h"
 #include "host/control/dispatch.h"
 #include "host/control/gateway_lock.h"
+#include "host/journal/journal.h"
+#include "host/journal/journal_file.h"
 #include "host/state/host.h"
+#include "host/tap/live.h"
+#include "host/tap/tap.h"
 
 namespace wlhost {
 namespace {
@@ -60,6 +66,7 @@ bool isReadable(int fd) {
 void receiveEvents(Host &host, ControlServer &server) {
     constexpr int kBurst = 64;
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+    tap::Operation operation("receive", "driver event");
     WlEvtHandler *handler = host.module().events;
     int sock = static_cast<int>(handler->sock);
     for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i) {
@@ -75,10 +82,11 @@ void receiveEvents(Host &host, ControlServer &server) {
 }
 
 void reloadOnSignal(Host &host) {
+    tap::Operation operation("reload", "SIGHUP");
     try {
         host.reload({});
     } catch (const Failure &failure) {
-        printError(failure, false);
+        logText(LogLevel::kError, "reload", failure.where + ": " + failure.what());
     }
 }
 
@@ -134,6 +142,31 @@ void serve(Host &host, ControlServer &server) {
     }
 }
 
+// The journal's listeners: the file that was asked for, and the followers.
+void keepJournal(const Call &call, ControlServer &server) {
+    if (std::string path = call.args.value("journal", ""); !path.empty())
+        journal().listeners.emplace_back(
+            [file = std::make_shared<JournalFile>(path)](const tap::Entry &entry) { file->add(entry); });
+    journal().listeners.emplace_back([&server](const tap::Entry &entry) {
+        for (bool secrets : {false, true})
+            if (const char *topic = journalTopic({{"follow", true}, {"secrets", secrets}});
+                server.hasSubscribers(topic))
+                server.publish(dumped(journalRow(entry, secrets)), topic);
+    });
+}
+
+// What the module does is noted while this lives.
+class LiveMode {
+  public:
+    explicit LiveMode(tap::Handler &handler) { tap::setHandler(&handler); }
+    ~LiveMode() {
+        tap::setHandler(nullptr);
+        journal().listeners.clear();
+    }
+    LiveMode(const LiveMode &) = delete;
+    LiveMode &operator=(const LiveMode &) = delete;
+};
+
 Status serveRadios(const Call &call) {
     // What the file alone can get wrong is known before the module touches a radio.
     Config config = Config::load(absolutePath(call.args["config"]));
@@ -142,15 +175,23 @@ Status serveRadios(const Call &call) {
     catchSignals();
     std::unique_ptr<Host> host;
     ControlServer server(call.socket, [&](const std::string &request) {
-        json reply = answer(*host, request);
-        return ControlServer::Reply(dumped(reply), reply["status"] == Status::kDone && subscribes(request));
+        json reply = answer(*host, request, server.askingUser());
+        const std::string topic = reply["status"] == Status::kDone ? topicOf(request) : "";
+        return ControlServer::Reply(dumped(reply), !topic.empty(), topic);
     });
+    tap::LiveHandler live([](const tap::Entry &entry) { journal().add(entry); });
+    LiveMode mode(live);
+    keepJournal(call, server);
     const std::string library = libraryName(call.args.value("library", ""));
     const bool fresh = call.args.value("fresh", false);
     // What the radios cannot do is known before the module takes any of them down, and so are those that need nothing.
     const std::set<std::string> adopted = adoptedBy(planStart(library, config, fresh));
-    host = startHost(library, std::move(config), adopted);
-    json result = host->bringUp();
+    json result;
+    {
+        tap::Operation operation("run", "run");
+        host = startHost(library, std::move(config), adopted);
+        result = host->bringUp();
+    }
     result["socket"] = call.socket;
     showResult(call, result, out);
     std::fflush(out);
@@ -166,12 +207,13 @@ Status serveRadios(const Call &call) {
 } // namespace
 
 Status beTheHost(const Call &call) {
-    std::string level = call.args.value("log_level", "error");
-    setLogLevel(level == "debug" ? WLBRCM_LOG_DEBUG : level == "info" ? WLBRCM_LOG_INFO : WLBRCM_LOG_ERR);
+    setLogLevel(logLevelOf(call.args.value("log_level", "error")));
     if (call.args.value("sim", false))
         runInGateway(call);
     if (call.args.value("dry_run", false))
         return planTheRun(call);
+    if (call.args.value("syslog", false))
+        logToSystem();
     return serveRadios(call);
 }
 

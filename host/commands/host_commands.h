@@ -53,8 +53,14 @@ json wpsStatus(Host &host, const json &args);
 // Takes over what a session agreed on.
 json wpsApply(Host &host, const json &args);
 
+// What the module did.
+json journalEntries(Host &host, const json &args);
+const char *journalTopic(const json &args);
+json changeLogLevel(Host &host, const json &args);
+
 // Answers a subscription; the events follow as lines of their own.
 json followEvents(Host &host, const json &args);
+const char *eventTopic(const json &args);
 // Their way to the steering agent.
 json forward(Host &host, const json &args);
 

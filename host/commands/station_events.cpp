@@ -1,12 +1,11 @@
 #include "host/commands/station_events.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <iterator>
 
 #include "host/base/escape.h"
+#include "host/base/times.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/station_rows.h"
@@ -24,17 +23,6 @@ constexpr EventKind kKinds[] = {{WLBRCM_EVENT_ASSOCIATED, "associated", true},
                                 {WLBRCM_EVENT_REASSOCIATED, "reassociated", true},
                                 {WLBRCM_EVENT_PRUNED, "pruned", false}};
 
-std::string utcNow() {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    tm parts{};
-    gmtime_r(&now.tv_sec, &parts);
-    char text[64];
-    size_t length = strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
-    snprintf(text + length, sizeof text - length, ".%03ldZ", now.tv_nsec / 1000000);
-    return text;
-}
-
 } // namespace
 
 json eventRow(const WlEvent &event, uint64_t sequence) {
@@ -46,7 +34,7 @@ json eventRow(const WlEvent &event, uint64_t sequence) {
     json row = known && !kind->describes ? json::object() : stationRow(station);
     row["mac"] = stationMac(station);
     row["sequence"] = sequence;
-    row["time"] = utcNow();
+    row["time"] = utcText(std::chrono::system_clock::now());
     row["event"] = known ? json(kind->name) : json();
     row["radio"] = escapeBytes(event.radioName);
     row["interface"] = escapeBytes(event.ifName);
@@ -58,6 +46,8 @@ json followEvents(Host &host, const json &) {
         throw Failure(Status::kFailed, "events", "the module registered no event handler", "is its event port in use?");
     return {{"sequence", host.eventCount}};
 }
+
+const char *eventTopic(const json &) { return "events"; }
 
 json forward(Host &host, const json &args) {
     bool on = textArg(args, "state") == "on";

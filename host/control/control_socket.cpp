@@ -59,6 +59,13 @@ void removeStale(const std::string &path, const sockaddr_un &address) {
         unlink(path.c_str());
 }
 
+// Nobody, when the kernel does not say.
+uid_t userOf(int fd) {
+    ucred peer{};
+    socklen_t length = sizeof peer;
+    return getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 ? peer.uid : static_cast<uid_t>(-1);
+}
+
 bool wouldBlock() { return errno == EAGAIN || errno == EINTR; }
 
 // False when nothing came until the deadline.
@@ -179,12 +186,14 @@ bool ControlServer::receive(Connection &connection) {
         if (connection.input.size() > kLargestRequest)
             return false;
         if (size_t end = connection.input.find('\n'); end != std::string::npos) {
+            askingUser_ = userOf(connection.fd.get());
             Reply reply = handler_(connection.input.substr(0, end));
             if (reply.subscribed && subscribers() >= kMostSubscribers)
                 reply = refusal();
             connection.output = reply.line + "\n";
             connection.answered = true;
             connection.subscribed = reply.subscribed;
+            connection.topic = reply.topic;
             // Operations take their time; the answer still gets its chance.
             connection.deadline = reply.subscribed ? Clock::time_point::max() : Clock::now() + kPatience;
             return true;
@@ -214,14 +223,19 @@ size_t ControlServer::subscribers() const {
         std::count_if(connections_.begin(), connections_.end(), [](const auto &one) { return one.subscribed; }));
 }
 
-void ControlServer::publish(const std::string &line) {
-    auto tooSlow = [&](Connection &connection) {
-        if (!connection.subscribed)
-            return false;
+bool ControlServer::hasSubscribers(const std::string &topic) const {
+    return std::any_of(connections_.begin(), connections_.end(),
+                       [&](const auto &one) { return one.subscribed && one.topic == topic; });
+}
+
+void ControlServer::publish(const std::string &line, const std::string &topic) {
+    for (Connection &connection : connections_) {
+        if (!connection.subscribed || connection.topic != topic)
+            continue;
         connection.output += line + "\n";
-        return connection.output.size() > kLargestBacklog;
-    };
-    connections_.erase(std::remove_if(connections_.begin(), connections_.end(), tooSlow), connections_.end());
+        if (!send(connection) || connection.output.size() > kLargestBacklog)
+            connection.deadline = {}; // serve() may be going over the connections
+    }
 }
 
 ControlClient::ControlClient(const std::string &path, const std::string &request, int timeoutSeconds)

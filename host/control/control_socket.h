@@ -22,8 +22,10 @@ class ControlServer {
   public:
     struct Reply {
         std::string line;
-        bool subscribed; // the connection stays open for what is published
-        Reply(std::string answer, bool stays = false) : line(std::move(answer)), subscribed(stays) {}
+        bool subscribed;   // the connection stays open for what is published
+        std::string topic; // about this
+        Reply(std::string answer, bool stays = false, std::string about = "events")
+            : line(std::move(answer)), subscribed(stays), topic(std::move(about)) {}
     };
     using Handler = std::function<Reply(const std::string &request)>;
 
@@ -37,9 +39,12 @@ class ControlServer {
     void addTo(std::vector<pollfd> &fds) const;
     // Accepts, reads, answers; drops connections that are through or too old.
     void serve();
-    bool hasSubscribers() const { return subscribers() > 0; }
-    // Queues a line for every subscriber; serve() sends. A subscriber that reads too slowly is dropped.
-    void publish(const std::string &line);
+    bool hasSubscribers(const std::string &topic = "events") const;
+    // Sends a line to every subscriber of the topic, as far as it takes it; serve() sends the rest and drops those that
+    // read too slowly. May be called from within the handler.
+    void publish(const std::string &line, const std::string &topic = "events");
+    // Who sent the request that is being handled, as the kernel says.
+    uid_t askingUser() const { return askingUser_; }
     // Milliseconds until the oldest connection is dropped; -1 without connections.
     int timeout() const;
 
@@ -48,7 +53,7 @@ class ControlServer {
     struct Connection {
         Fd fd;
         Clock::time_point deadline;
-        std::string input = {}, output = {};
+        std::string input = {}, output = {}, topic = {};
         bool answered = false, subscribed = false;
     };
 
@@ -65,6 +70,7 @@ class ControlServer {
 
     std::string path_;
     Handler handler_;
+    uid_t askingUser_ = 0;
     Fd listener_;
     std::vector<Connection> connections_;
 };

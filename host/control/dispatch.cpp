@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <climits>
 
+#include "host/base/masking.h"
 #include "host/base/word_lists.h"
 #include "host/command_table.h"
 #include "host/config/document.h"
+#include "host/tap/shell_line.h"
+#include "host/tap/tap.h"
 
 namespace wlhost {
 namespace {
@@ -63,6 +66,26 @@ const Command &commandOf(const std::string &name) {
     throw Failure(Status::kUsage, name, "is no command", suggestion(name, names));
 }
 
+uid_t currentUser = geteuid();
+
+// What a client asked for, as it was typed; a PIN is not kept.
+std::string textOf(const Request &request) {
+    std::string text = request.command->name;
+    for (const Option &option : request.command->options) {
+        const json value = request.args.value(option.key, json());
+        if (value.is_null() || value == false)
+            continue;
+        if (!option.isPlaced())
+            text += std::string(" ") + option.name;
+        for (const json &one : value.is_array() ? value : json::array({value}))
+            if (!one.is_boolean())
+                text += " " + (isSecretKey(option.key)
+                                   ? kMask
+                                   : tap::quoted(one.is_string() ? one.get<std::string>() : one.dump()));
+    }
+    return text.substr(0, 512);
+}
+
 } // namespace
 
 Request readRequest(const std::string &text) {
@@ -78,18 +101,24 @@ Request readRequest(const std::string &text) {
     return {&command, checkedArguments(command, args)};
 }
 
-bool subscribes(const std::string &request) {
+std::string topicOf(const std::string &request) {
     try {
-        return readRequest(request).command->follows;
+        const Request checked = readRequest(request);
+        const char *topic = checked.command->follows ? checked.command->follows(checked.args) : nullptr;
+        return topic ? topic : "";
     } catch (const Failure &) {
-        return false;
+        return "";
     }
 }
 
-json answer(Host &host, const std::string &request) {
+uid_t askingUser() { return currentUser; }
+
+json answer(Host &host, const std::string &request, uid_t user) {
     auto refused = [](const Failure &failure) { return json{{"status", failure.status}, {"error", errorOf(failure)}}; };
     try {
         const Request checked = readRequest(request);
+        currentUser = user;
+        tap::Operation operation(checked.command->name, textOf(checked));
         json result = checked.command->answer(host, checked.args);
         Status status = checked.command->meaning ? checked.command->meaning(result) : Status::kDone;
         return {{"status", status}, {"result", std::move(result)}};

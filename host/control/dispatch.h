@@ -1,6 +1,8 @@
 // Requests of the control socket, answered from the table of commands.
 #pragma once
 
+#include <unistd.h>
+
 #include <string>
 
 #include "host/base/json.h"
@@ -20,9 +22,11 @@ Request readRequest(const std::string &text);
 // Answers one request with `{"status": 0, "result": ...}` or
 // `{"status": 3, "error": {"code", "where", "text", "hint"}}`. A result may come with another status than 0: the
 // command was carried out, and what it found is not well. Never throws.
-json answer(Host &host, const std::string &request);
+json answer(Host &host, const std::string &request, uid_t user = geteuid());
+// Who asked for what is being answered.
+uid_t askingUser();
 
-// Whether a request asks for events as they come, behind its answer.
-bool subscribes(const std::string &request);
+// What a request wants to be told about as it comes, behind its answer; empty for nothing.
+std::string topicOf(const std::string &request);
 
 } // namespace wlhost

@@ -120,4 +120,10 @@ std::string showEvent(const json &event, const std::vector<Column> &) {
     return line;
 }
 
+std::string showEntry(const json &entry) {
+    const std::string status = entry["status"] == 0 ? "" : " (status " + cell(entry["status"]) + ")";
+    return timeOfDay(entry["time"]) + " " + cell(entry["operation"]) + " " + cell(entry["function"]) + " " +
+           cell(entry["kind"]) + ": " + cell(entry["what"]) + status;
+}
+
 } // namespace wlhost

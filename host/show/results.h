@@ -24,6 +24,7 @@ std::string showSession(const json &result, const std::vector<Column> &columns);
 // An object as lines of name and value.
 std::string showMembers(const json &result, const std::vector<Column> &);
 // One line, without its end.
+std::string showEntry(const json &entry);
 std::string showEvent(const json &event, const std::vector<Column> &);
 
 } // namespace wlhost

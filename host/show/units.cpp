@@ -25,6 +25,12 @@ std::string dbm(const json &value) { return withUnit(value, "dBm"); }
 std::string db(const json &value) { return withUnit(value, "dB"); }
 std::string mbps(const json &value) { return withUnit(value, "Mbit/s"); }
 std::string percent(const json &value) { return withUnit(value, "%"); }
+std::string timeOfDay(const json &value) {
+    const std::string text = cell(value);
+    const size_t begin = text.find('T') + 1;
+    return text.substr(begin, text.find('Z') - begin);
+}
+
 std::string seconds(const json &value) { return withUnit(value, "s"); }
 std::string slashed(const json &value) {
     std::string text = cell(value);

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "host/base/escape.h"
 #include "host/base/failure.h"
+#include "host/base/log.h"
 #include "host/tap/tap.h"
 
 namespace wlhost {
@@ -17,7 +17,6 @@ namespace {
 
 // The registration callbacks carry no context for radios and events, so there is one module in a process.
 Module theModule;
-int logLevel = WLBRCM_LOG_ERR;
 
 int registerModule(WlModuleOps *ops, void *arg) {
     static_cast<Module *>(arg)->ops = ops;
@@ -45,8 +44,11 @@ __attribute__((format(printf, 5, 6))) void printLog(int level, const char *modul
     while (!text.empty() && text.back() == '\n')
         text.remove_suffix(1);
     tap::heard(function, std::string(text));
-    if (level <= logLevel)
-        fprintf(stderr, "%s %s:%d: %s\n", module, function, line, escapeBytes(text).c_str());
+    const LogLevel ours = level <= WLBRCM_LOG_ERR    ? LogLevel::kError
+                          : level <= WLBRCM_LOG_INFO ? LogLevel::kInfo
+                                                     : LogLevel::kDebug;
+    logText(ours, "module",
+            std::string(module) + " " + function + ":" + std::to_string(line) + ": " + std::string(text));
 }
 
 template <typename Function> Function *symbol(void *library, const char *name) {
@@ -68,8 +70,6 @@ std::vector<std::string> Module::names() const {
         all.push_back(intf->intfName);
     return all;
 }
-
-void setLogLevel(int level) { logLevel = level; }
 
 std::string libraryName(const std::string &option) {
     const char *environment = getenv("WLHOST_LIBRARY");

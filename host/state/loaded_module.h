@@ -61,9 +61,6 @@ Module &loadModule(const std::string &library);
 // Library by option, else by environment, else by its soname.
 std::string libraryName(const std::string &option);
 
-// Most detailed level that the log callback shows: WLBRCM_LOG_ERR, WLBRCM_LOG_INFO or WLBRCM_LOG_DEBUG.
-void setLogLevel(int level);
-
 } // namespace wlhost
 
 extern "C" {

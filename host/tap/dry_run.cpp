@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "host/base/failure.h"
-#include "host/control/control_socket.h"
+#include "host/base/fd.h"
 #include "host/tap/dry.h"
 #include "host/tap/spawn.h"
 #include "host/tap/tap.h"

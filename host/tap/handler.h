@@ -20,6 +20,9 @@ class Handler {
     // A line of the module's log, with the function that wrote it. A command's stands before it, a write's behind it.
     virtual void heard(const char * /*function*/, const std::string & /*text*/) {}
 
+    // The operation ends: nothing more is heard about what was done in it.
+    virtual void settle() {}
+
     // A command of the host itself, without a shell: its exit status, 127 when it could not be started, 128 and the
     // signal that ended it. What it printed goes where it is wanted, else where the host's own goes.
     using Words = std::vector<std::string>;

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "host/control/control_socket.h"
+#include "host/base/fd.h"
 
 namespace wlhost::tap {
 

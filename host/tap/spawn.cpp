@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "host/control/control_socket.h"
+#include "host/base/fd.h"
 
 extern char **environ;
 

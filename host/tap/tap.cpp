@@ -135,7 +135,10 @@ Operation::Operation(std::string name, std::string request)
     innermost = this;
 }
 
-Operation::~Operation() { innermost = around_; }
+Operation::~Operation() {
+    inForce->settle();
+    innermost = around_;
+}
 
 const Operation &Operation::current() {
     static const Operation kNone{None{}};
