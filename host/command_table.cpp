@@ -31,8 +31,7 @@ const Option kDryRun{"--dry-run", "dry_run", Value::kFlag, "Tell what it would d
 // Text of any length, which gives way where a table must fit.
 constexpr Column freeText(const char *title, const char *key) { return {title, key, false, nullptr, true}; }
 
-const std::vector<Column> kRadioActions = {
-    {"RADIO", "radio"}, {"ACTION", "action"}, freeText("REASON", "reason")};
+const std::vector<Column> kRadioActions = {{"RADIO", "radio"}, {"ACTION", "action"}, freeText("REASON", "reason")};
 const std::vector<Column> kFilterSides = {
     {"IF", "interface"}, {"SIDE", "side"}, {"MODE", "mode"}, freeText("STATIONS", "stations")};
 const std::vector<Column> kSession = {{"RADIO", "radio"},
@@ -127,7 +126,11 @@ const std::vector<Command> &commands() {
          {kRadio, {"--all", "all", Value::kFlag, "What holds as well"}},
          verify,
          showFindings,
-         {{"IF", "place"}, {"CHECK", "check"}, freeText("WANTED", "wanted"), freeText("FOUND", "found"), freeText("CURE", "cure")},
+         {{"IF", "place"},
+          {"CHECK", "check"},
+          freeText("WANTED", "wanted"),
+          freeText("FOUND", "found"),
+          freeText("CURE", "cure")},
          askForVerification,
          nullptr,
          meaningOfFindings},

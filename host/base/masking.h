@@ -6,6 +6,7 @@
 
 namespace wlhost {
 
+// Stands for the value of a secret.
 constexpr const char *kMask = "********";
 
 // Whether the variable of this name holds a secret, whatever interface stands before: wpa_psk, key1 to key4,

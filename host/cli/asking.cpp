@@ -162,7 +162,7 @@ Status askForJournal(const Call &call) {
         std::printf("%s\n", (call.asJson ? dumped(entry) : showEntry(entry)).c_str());
         return std::fflush(stdout) == 0;
     };
-    for (const json &entry : resultOf(client.nextLine(call.timeout)))
+    for (const json &entry : answerOf(client.nextLine(call.timeout)).result)
         show(entry);
     for (;;) {
         const json entry = json::parse(client.nextLine(-1));

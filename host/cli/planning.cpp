@@ -1,8 +1,8 @@
 // Plans, asked of a running host or made where there is none.
+#include "host/state/planning.h"
 #include "host/cli/calls.h"
 #include "host/cli/starting.h"
 #include "host/control/gateway_lock.h"
-#include "host/state/planning.h"
 
 namespace wlhost {
 namespace {

@@ -9,8 +9,8 @@
 
 namespace wlhost {
 
-// What a start would do: loads the library and brings the radios up in a process of its own with every effect held back.
-// Throws what the radios cannot do. With `fresh`, radios that are as wanted already count as any other.
+// What a start would do: loads the library and brings the radios up in a process of its own with every effect held
+// back. Throws what the radios cannot do. With `fresh`, radios that are as wanted already count as any other.
 json planStart(const std::string &library, const Config &config, bool fresh);
 
 // What the radios will surely not do; empty where there are none or no module.

@@ -89,9 +89,6 @@ struct Field {
     bool secret = false; // the value is never shown
 };
 
-// Stands for the value of a secret.
-constexpr const char *kMask = "********";
-
 // Settings of the whole file, down to every record.
 const std::vector<Field> &rootFields();
 // The row behind a chain of names, such as {"radios", "ssids"}.

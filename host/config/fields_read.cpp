@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "host/base/addresses.h"
+#include "host/base/masking.h"
 #include "host/base/word_lists.h"
 #include "host/config/fields.h"
 

@@ -1,6 +1,7 @@
 #include "host/config/problems.h"
 
 #include "host/base/escape.h"
+#include "host/base/masking.h"
 #include "host/config/fields.h"
 
 namespace wlhost {

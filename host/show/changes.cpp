@@ -23,7 +23,9 @@ std::string stationList(const json &drops) {
     return joined(stations, "no station");
 }
 
-std::string value(const json &stored) { return stored.is_null() ? "not stored" : "\"" + stored.get<std::string>() + "\""; }
+std::string value(const json &stored) {
+    return stored.is_null() ? "not stored" : "\"" + stored.get<std::string>() + "\"";
+}
 
 std::string nvramLines(const json &part) {
     std::string text;

@@ -17,7 +17,9 @@ int brctl(const char *verb, const std::string &bridge, const std::string &interf
 std::string bridgeOf(const std::string &interface) {
     std::error_code none;
     return isInterfaceName(interface)
-               ? std::filesystem::read_symlink("/sys/class/net/" + interface + "/brport/bridge", none).filename().string()
+               ? std::filesystem::read_symlink("/sys/class/net/" + interface + "/brport/bridge", none)
+                     .filename()
+                     .string()
                : "";
 }
 

@@ -1,5 +1,5 @@
-// Bridge membership, which is the host's to change: the module takes an interface out of no other bridge than the one it
-// puts it into.
+// Bridge membership, which is the host's to change: the module takes an interface out of no other bridge than the one
+// it puts it into.
 #pragma once
 
 #include <string>

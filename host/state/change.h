@@ -28,7 +28,8 @@ struct Change {
 // From the records in force to others of the same radio.
 Change changeBetween(const RadioRecords &now, const RadioRecords &next);
 
-// Names of the settings that differ between two descriptions of a radio in configuration files: "channel, ssids[0].key".
+// Names of the settings that differ between two descriptions of a radio in configuration files: "channel,
+// ssids[0].key".
 std::string changedSettings(const json &now, const json &next);
 
 // What was set at run time on top of what a file gave, and is lost with the records of another: rows of `interface`

@@ -57,8 +57,8 @@ class Host {
         bool all = false;                 // unchanged radios as well
         std::chrono::seconds rollback{0}; // back to the configuration before, unless confirmed by then; 0 for never
     };
-    // Takes a configuration file over. Each radio gets the lightest operation that does it; one that is not as it should
-    // be counts as changed. What was done to each radio and what differs afterwards.
+    // Takes a configuration file over. Each radio gets the lightest operation that does it; one that is not as it
+    // should be counts as changed. What was done to each radio and what differs afterwards.
     json reload(const ReloadRequest &request);
     // What is not as it was asked for in the outcome of a start or a reload, a line each; empty when all is well.
     static std::string complaints(const json &outcome);

@@ -45,8 +45,8 @@ struct Module {
     int (*setUpstreamRate)(WlanParamArg *) = nullptr;
     int (*setDownstreamRate)(WlanParamArg *) = nullptr;
     int (*setFlowCache)(WlanParamArg *, int enabled) = nullptr;
-    const char *(*nvramGet)(const char *key) = nullptr;   // the platform's own, past anything that stands before it
-    void *handle = nullptr;                               // of the library
+    const char *(*nvramGet)(const char *key) = nullptr; // the platform's own, past anything that stands before it
+    void *handle = nullptr;                             // of the library
     std::string library;
 
     WlIntf *find(const std::string &radio) const;

@@ -33,7 +33,9 @@ json rowOf(const Transition::Step &step) {
             {"off", step.off},
             {"undone", step.undone},
             {"drops", step.drops},
-            {"down_ms", down && step.change.operation != Operation::kDown ? json(step.ms) : down ? json() : json(0)}};
+            {"down_ms", down && step.change.operation != Operation::kDown ? json(step.ms)
+                        : down                                            ? json()
+                                                                          : json(0)}};
 }
 
 } // namespace

@@ -6,9 +6,9 @@
 #include <set>
 
 #include "host/base/escape.h"
+#include "host/base/masking.h"
 #include "host/state/host.h"
 #include "host/tap/dry_run.h"
-#include "host/tap/secrets.h"
 #include "host/verify/verification.h"
 
 namespace wlhost {
@@ -43,7 +43,7 @@ bool isOfLan(const std::string &key) {
 }
 
 json shownValue(const std::string &key, const std::optional<std::string> &value) {
-    return !value ? json() : json(escapeBytes(tap::isSecretKey(key) ? tap::mask(*value) : *value));
+    return !value ? json() : json(escapeBytes(isSecretKey(key) ? std::string(kMask) : *value));
 }
 
 // The keys whose value differs in the end, each with the last section that writes it, null for the LAN groups.
@@ -69,7 +69,7 @@ json nvramRows(const std::map<std::string, const Transition::Step *> &changed, c
 json commandRows(const tap::Effects &effects) {
     json rows = json::array();
     for (const tap::Command &one : effects.commands)
-        rows.push_back({{"command", tap::masked(one.command)}, {"function", one.function}});
+        rows.push_back({{"command", masked(one.command)}, {"function", one.function}});
     return rows;
 }
 
@@ -86,7 +86,8 @@ json downTime(const Transition::Step &step, const tap::Effects &effects) {
         return nullptr;
     const auto &all = effects.commands;
     auto first = std::find_if(all.begin(), all.end(), [](const auto &one) { return ends(one.command, " down"); });
-    auto last = std::find_if(all.rbegin(), all.rend(), [](const auto &one) { return ends(one.command, " start"); }).base();
+    auto last =
+        std::find_if(all.rbegin(), all.rend(), [](const auto &one) { return ends(one.command, " start"); }).base();
     int64_t ms = 0;
     for (auto at = first; at < last; ++at)
         ms += at->pauseMs + kCommandMs;
@@ -140,9 +141,8 @@ json Host::planReload(const ReloadRequest &request) {
 // Addresses that the system gave bridges meanwhile are no reason to bring anything up.
 bool asksForLan(const json &plan, const Config &config) {
     bool fixed = std::any_of(config.lan.begin(), config.lan.end(), [](const auto &group) { return group.hwaddr[0]; });
-    return std::any_of(plan["lan"]["nvram"].begin(), plan["lan"]["nvram"].end(), [&](const json &row) {
-        return fixed || !ends(row["key"].get<std::string>(), "_hwaddr");
-    });
+    return std::any_of(plan["lan"]["nvram"].begin(), plan["lan"]["nvram"].end(),
+                       [&](const json &row) { return fixed || !ends(row["key"].get<std::string>(), "_hwaddr"); });
 }
 
 // A radio whose bring-up would change nothing, and which is as it should be, is left on the air.

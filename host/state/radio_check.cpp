@@ -9,9 +9,10 @@ namespace wlhost {
 namespace {
 
 // The channels of a width that the driver allows in a country; empty when it does not tell.
-std::vector<std::string> allowedChannels(const Platform &platform, const WlRadioCfg &radio, const std::string &country) {
-    ToolAnswer answer = platform.run({"wlctl", "-i", radio.ifName, "chanspecs", "-b",
-                                      radio.band == WLBRCM_BAND_5G ? "5" : "2", "-c", country});
+std::vector<std::string> allowedChannels(const Platform &platform, const WlRadioCfg &radio,
+                                         const std::string &country) {
+    ToolAnswer answer = platform.run(
+        {"wlctl", "-i", radio.ifName, "chanspecs", "-b", radio.band == WLBRCM_BAND_5G ? "5" : "2", "-c", country});
     std::vector<std::string> channels;
     for (const std::string &line : splitWords(answer ? answer.out : "", '\n'))
         if (auto chanspec = readChanspec(line); chanspec && chanspec->width == radio.bandwidth)

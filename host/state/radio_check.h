@@ -7,8 +7,8 @@
 
 namespace wlhost {
 
-// What these radios will surely not do as it is asked: rows as warnings of a check have. Throws a Failure with what they
-// cannot be asked at all.
+// What these radios will surely not do as it is asked: rows as warnings of a check have. Throws a Failure with what
+// they cannot be asked at all.
 json warningsOfRadios(const Module &module, const Platform &platform, const Config &config);
 
 } // namespace wlhost

@@ -15,9 +15,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 bool hasInterface(const RadioRecords &records, const char *ifname) {
-    return std::any_of(std::begin(records.bss), std::end(records.bss), [&](const WlSsidCfg &bss) {
-        return bss.enable && std::strcmp(bss.ifName, ifname) == 0;
-    });
+    return std::any_of(std::begin(records.bss), std::end(records.bss),
+                       [&](const WlSsidCfg &bss) { return bss.enable && std::strcmp(bss.ifName, ifname) == 0; });
 }
 
 // Interfaces that are on the air with the one and off it with the other.
@@ -97,10 +96,10 @@ void Transition::bind(const Scope &scope) {
         WlIntf *intf = module.find(name);
         names.push_back(name);
         if (intf)
-            steps_.push_back({intf,
-                              {},
-                              bindRadio(config_, i, *intf, module.phyType ? module.phyType(name.c_str()) : nullptr,
-                                        problems)});
+            steps_.push_back(
+                {intf,
+                 {},
+                 bindRadio(config_, i, *intf, module.phyType ? module.phyType(name.c_str()) : nullptr, problems)});
         else
             missing_.push_back(name);
     }

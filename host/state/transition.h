@@ -41,8 +41,8 @@ class Transition {
 
     // Takes the steps, the LAN groups first. `begins` is told before each, with null for the LAN groups.
     void perform(const std::function<void(const Step *)> &begins = {});
-    // Takes only the steps of these radios, which are as wanted already: where effects are held back, so that the module
-    // learns of them and nothing else does.
+    // Takes only the steps of these radios, which are as wanted already: where effects are held back, so that the
+    // module learns of them and nothing else does.
     void adopt(const std::set<std::string> &radios);
     // What was done, and what differs from what was asked.
     json outcome();

@@ -34,8 +34,8 @@ TEST(HostChange, TheLightestOperationThatDoesIt) {
         {"bridge and filter",
          [](RadioRecords &r) { copyText(r.bss[0].bridge, "br1"), copyText(r.bss[1].macFilterMode, "DENY"); },
          Operation::kLan},
-        {"filter and channel",
-         [](RadioRecords &r) { copyText(r.bss[1].macFilterMode, "DENY"), r.radio.channel = 44; }, Operation::kReload},
+        {"filter and channel", [](RadioRecords &r) { copyText(r.bss[1].macFilterMode, "DENY"), r.radio.channel = 44; },
+         Operation::kReload},
         {"SSID switched on", [](RadioRecords &r) { r.bss[2].enable = 1; }, Operation::kReload},
         {"radio switched off", [](RadioRecords &r) { r.radio.radioOn = 0; }, Operation::kReload},
     };
