@@ -76,6 +76,7 @@ void receiveEvents(Host &host, ControlServer &server) {
         if (rc != 0 || !event)
             continue;
         ++host.eventCount;
+        noteEvent(host, *event);
         if (server.hasSubscribers())
             server.publish(dumped(eventRow(*event, host.eventCount)));
     }

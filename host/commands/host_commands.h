@@ -19,6 +19,10 @@ json version(Host &host, const json &args);
 json verify(Host &host, const json &args);
 Status meaningOfFindings(const json &result);
 
+// What stands in the way of a station.
+json why(Host &host, const json &args);
+Status meaningOfWhy(const json &result);
+
 json stations(Host &host, const json &args);
 json kick(Host &host, const json &args);
 

@@ -23,14 +23,31 @@ constexpr EventKind kKinds[] = {{WLBRCM_EVENT_ASSOCIATED, "associated", true},
                                 {WLBRCM_EVENT_REASSOCIATED, "reassociated", true},
                                 {WLBRCM_EVENT_PRUNED, "pruned", false}};
 
-} // namespace
-
-json eventRow(const WlEvent &event, uint64_t sequence) {
+const EventKind *kindOf(const WlEvent &event) {
     const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
                                     [&](const EventKind &one) { return one.code == event.event; });
-    bool known = kind != std::end(kKinds);
+    return kind == std::end(kKinds) ? nullptr : kind;
+}
+
+WlStaInfo stationOf(const WlEvent &event) {
     WlStaInfo station;
     std::memcpy(&station, event.sta, sizeof station);
+    return station;
+}
+
+} // namespace
+
+void noteEvent(Host &host, const WlEvent &event) {
+    const EventKind *kind = kindOf(event);
+    json mac = stationMac(stationOf(event));
+    if (kind && mac.is_string())
+        host.history.note(mac, escapeBytes(event.ifName), kind->name);
+}
+
+json eventRow(const WlEvent &event, uint64_t sequence) {
+    const EventKind *kind = kindOf(event);
+    bool known = kind != nullptr;
+    WlStaInfo station = stationOf(event);
     json row = known && !kind->describes ? json::object() : stationRow(station);
     row["mac"] = stationMac(station);
     row["sequence"] = sequence;

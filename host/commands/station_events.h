@@ -7,6 +7,10 @@
 
 namespace wlhost {
 
+class Host;
+
+// Keeps an event for whoever asks about its station.
+void noteEvent(Host &host, const WlEvent &event);
 // One event as subscribers get it.
 json eventRow(const WlEvent &event, uint64_t sequence);
 

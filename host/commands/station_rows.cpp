@@ -102,6 +102,7 @@ json kick(Host &host, const json &args) {
         throw Failure(Status::kNotFound, formatMac(mac), "is not associated with " + ifname,
                       "associated: " + joined(present));
     Host::check(disassociate(ifname.c_str(), formatMac(mac, true).c_str()), ifname, "disassociateSta");
+    host.history.note(formatMac(mac), ifname, "kicked");
     return {{"interface", ifname}, {"kicked", formatMac(mac)}};
 }
 

@@ -37,6 +37,22 @@ std::string showFindings(const json &result, const std::vector<Column> &columns)
     return rows.empty() ? "ok\n" : table(columns, rows);
 }
 
+std::string showWhy(const json &result, const std::vector<Column> &columns) {
+    json rows = json::array();
+    for (const json &check : result["checks"]) {
+        json row = check;
+        if (row["holds"] == false)
+            row.update({{"differs", {"found"}}, {"found", result["found"]}});
+        rows.push_back(row);
+        if (row["holds"] == false)
+            break;
+    }
+    if (result["link"].is_null())
+        return table(columns, rows) + "nothing stands in the way\n";
+    auto line = [&](const char *name) { return std::string(name) + ": " + cell(result[name]) + "\n"; };
+    return table(columns, rows) + line("why") + line("cure");
+}
+
 std::string showFilter(const json &result, const std::vector<Column> &columns) {
     json rows = {{{"interface", result["interface"]},
                   {"side", "user"},

@@ -13,6 +13,7 @@ std::string showStatus(const json &result, const std::vector<Column> &columns);
 std::string showRadios(const json &result, const std::vector<Column> &columns);
 // Checks, "ok" for none.
 std::string showFindings(const json &result, const std::vector<Column> &columns);
+std::string showWhy(const json &result, const std::vector<Column> &columns);
 std::string showReload(const json &result, const std::vector<Column> &columns);
 std::string showPlan(const json &result, const std::vector<Column> &columns);
 std::string showFilter(const json &result, const std::vector<Column> &columns);

@@ -12,6 +12,7 @@
 #include "host/config/configuration.h"
 #include "host/state/lan_records.h"
 #include "host/state/loaded_module.h"
+#include "host/state/station_history.h"
 #include "host/state/transition.h"
 #include "host/verify/platform.h"
 
@@ -120,6 +121,7 @@ class Host {
     std::map<std::string, std::set<std::string>> bans; // addresses denied at run time, by interface
     std::map<std::string, bool> presets;               // on-demand SSIDs that were switched, by interface
     std::optional<WpsSession> wps;
+    StationHistory history;
     const Platform *platform = &devicePlatform(); // what is asked how things really are
     uint64_t eventCount = 0;                      // events so far: the sequence number of the last one
 

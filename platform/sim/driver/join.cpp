@@ -40,6 +40,10 @@ std::string airTrouble(Driver &driver, const JoinRequest &request, const Target 
     if (why) {
         return std::string("BSS is down: ") + why;
     }
+    if (request.channel && *request.channel != target.radio.chanspec->control) {
+        return format("no such network on channel %d: it is on %s", *request.channel,
+                      target.radio.chanspec->text().c_str());
+    }
     return request.ssid && *request.ssid != target.bss.ssid ? "no such network" : "";
 }
 

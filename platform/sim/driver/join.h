@@ -11,6 +11,8 @@ struct JoinRequest {
     std::string ifName;
     std::optional<std::string> ssid;
     std::optional<Band> band;
+    // Of a station that looks nowhere else.
+    std::optional<int> channel;
     Credentials credentials;
     Station station;
 };

@@ -27,7 +27,7 @@ Reply status(Driver &driver, const Words &words) {
 constexpr char kJoinUsage[] =
     "join IF | --ssid SSID | --ssid-hex HEX  [--mac MAC] [--passphrase P] [--security "
     "open|wep|wpapsk|wpa2psk|wpa|wpa2]\n"
-    "       [--cipher aes|tkip] [--no-pmf] [--band 2|5] [--phy ac|n|a|g|b] [--rssi DBM] [--streams N]\n"
+    "       [--cipher aes|tkip] [--no-pmf] [--band 2|5] [--channel N] [--phy ac|n|a|g|b] [--rssi DBM] [--streams N]\n"
     "       [--traffic KBIT] [--count N]";
 
 // Fills the request from the options; an error text for what does not fit.
@@ -65,6 +65,9 @@ std::string readNetwork(Options &options, JoinRequest *request) {
         request->band = band == "2" ? Band::kGhz2 : Band::kGhz5;
         options.error = band == "2" || band == "5" ? options.error : "--band takes 2 or 5";
     }
+    if (options.has("--channel")) {
+        request->channel = static_cast<int>(options.number("--channel", 1, 1, 255));
+    }
     if (!isSecurityWord(credentials.security)) {
         return "unknown --security " + credentials.security;
     }
@@ -93,9 +96,10 @@ std::string joinedText(Driver &driver, const std::string &ifName, const Mac &mac
 }
 
 Reply joinCommand(Driver &driver, const Words &words) {
-    Options options = readOptions(words, "--no-pmf",
-                                  "--ssid --ssid-hex --mac --passphrase --security --cipher --band --phy --rssi "
-                                  "--streams --traffic --count");
+    Options options =
+        readOptions(words, "--no-pmf",
+                    "--ssid --ssid-hex --mac --passphrase --security --cipher --band --channel --phy --rssi "
+                    "--streams --traffic --count");
     JoinRequest request;
     std::string error = options.error.empty() ? readStation(options, &request) : options.error;
     error = error.empty() ? readNetwork(options, &request) : error;
