@@ -13,7 +13,9 @@ void replaceAll(std::string &text, const std::string &name, const std::string &v
 }
 
 // A BSS without an interface has nothing that could be asked about; that it is missing says it all.
-bool isMissing(const Findings &findings) { return !findings.empty() && (findings.back().found == "missing" || findings.back().found == "no interface"); }
+bool isMissing(const Findings &findings) {
+    return !findings.empty() && (findings.back().found == "missing" || findings.back().found == "no interface");
+}
 
 void examinePlace(const Place &place, Scope scope, unsigned subjects, Findings &findings) {
     for (const Check &check : checks()) {

@@ -70,6 +70,7 @@ test_what_is_switched_off() {
 link_is() { [ "$(wlhost --json why wl0 "$1" | jq -r .link)" = "$2" ]; }
 
 test_the_stations_own_settings() {
+    assert_status 0 wlhost filter wl0 off
     refused 'wrong passphrase' wl0 --passphrase 'incorrect horse' --mac 02:00:00:00:00:31
     wait_for 5 link_is 02:00:00:00:00:31 events
     refused 'security mismatch' wl0 --mac 02:00:00:00:00:32
