@@ -21,10 +21,9 @@ json modeName(uint32_t phyMode) {
 }
 
 // The module gives an empty list also when the driver's command failed, so the driver is asked first.
-json stationsOf(Host &host, const Host::Bss &bss) {
+json stationsOf(Host &host, World &world, const Host::Bss &bss) {
     auto *getAssocDevList = host.operation(host.module().ops->getAssocDevList, "getAssocDevList");
-    World before(host);
-    driverStations(before, bss.record().ifName);
+    driverStations(world, bss.record().ifName);
     List<WlStaInfo> list;
     Host::check(getAssocDevList(bss.intf, static_cast<int>(bss.index), list.place(), list.countPlace()),
                 bss.record().ifName, "getAssocDevList");
@@ -81,10 +80,11 @@ json stationRow(const WlStaInfo &station) {
 
 json stations(Host &host, const json &args) {
     bool all = textArg(args, "interface").empty();
+    World world(host);
     json rows = json::array();
     for (const Host::Bss &bss : bssArg(host, args))
         if (!all || isOn(bss))
-            for (json &row : stationsOf(host, bss))
+            for (json &row : stationsOf(host, world, bss))
                 rows.push_back(std::move(row));
     return rows;
 }
@@ -95,7 +95,8 @@ json kick(Host &host, const json &args) {
     std::string ifname = bss.record().ifName;
     auto *disassociate = host.operation(host.module().ops->disassociateSta, "disassociateSta");
     std::vector<std::string> present;
-    for (const json &row : stationsOf(host, bss))
+    World world(host);
+    for (const json &row : stationsOf(host, world, bss))
         if (row["mac"].is_string())
             present.push_back(row["mac"]);
     if (std::count(present.begin(), present.end(), formatMac(mac)) == 0)

@@ -33,6 +33,12 @@ struct StoredValue {
     bool secret = false;
 };
 
+// The module cuts the blank at the end of any value but a passphrase.
+std::string inStore(const StoredValue &wanted) {
+    bool cut = wanted.key != "wpa_psk" && !wanted.value.empty() && wanted.value.back() == ' ';
+    return wanted.value.substr(0, wanted.value.size() - (cut ? 1 : 0));
+}
+
 std::string passphraseOf(const WlSsidCfg &bss) { return bss.wpaPsk[0] ? bss.wpaPsk : bss.wpaPskFallback; }
 
 // Everything in the store that the security of a BSS hangs on.
@@ -98,7 +104,7 @@ void lookAtSecurity(const Place &place, Finding &finding) {
     std::vector<std::string> differences;
     for (const StoredValue &wanted : wantedSecurity(*place.bss)) {
         std::string found = place.world.stored(place.interface() + "_" + wanted.key);
-        if (found == wanted.value)
+        if (found == inStore(wanted))
             continue;
         differences.push_back(wanted.secret ? (found.empty() ? "no " : "another ") + std::string(wanted.name)
                                             : std::string(wanted.name) + " " + inQuotes(escapeBytes(found)));
@@ -140,7 +146,7 @@ void lookAtFilter(const Place &place, Finding &finding) {
     MergedFilter wanted = wantedFilter(place.host, *place.bss);
     finding.wanted = filterText(wanted);
     finding.cure = filterCommand(*place.bss);
-    auto mode = read(place.world.driver(place.interface(), "macmode"), finding, readNumber);
+    auto mode = readAnswer(place.world.driver(place.interface(), "macmode"), finding, firstNumber);
     if (!mode)
         return;
     const ToolAnswer &list = place.world.driver(place.interface(), "mac");

@@ -15,14 +15,14 @@ const char *upOrDown(bool up) { return up ? "up" : "down"; }
 void lookAtRadio(const Place &place, Finding &finding) {
     bool on = isRadioWanted(place);
     finding.wanted = on ? "up" : "off";
-    if (auto up = read(place.world.driver(place.radio(), "isup"), finding, readNumber))
+    if (auto up = readAnswer(place.world.driver(place.radio(), "isup"), finding, firstNumber))
         compare(finding, finding.wanted, *up ? "up" : on ? "down" : "off");
 }
 
 void lookAtCountry(const Place &place, Finding &finding) {
     std::string wanted = place.intf->radio.countryCode;
     finding.wanted = wanted.find('/') == std::string::npos ? wanted + "/0" : wanted;
-    if (auto found = read(place.world.driver(place.radio(), "country"), finding, readCountry))
+    if (auto found = readAnswer(place.world.driver(place.radio(), "country"), finding, readCountry))
         compare(finding, finding.wanted, escapeBytes(*found));
 }
 
@@ -37,7 +37,7 @@ void lookAtChannel(const Place &place, Finding &finding) {
     const WlRadioCfg &radio = place.intf->radio;
     Chanspec wanted = wantedChannel(radio);
     finding.wanted = radio.autoChannel ? "any, at most " + std::to_string(wanted.width) + " MHz" : wanted.text();
-    auto found = read(place.world.driver(place.radio(), "chanspec"), finding, readChanspec);
+    auto found = readAnswer(place.world.driver(place.radio(), "chanspec"), finding, readChanspec);
     finding.found = found ? found->text() : "";
     finding.holds = found && (radio.autoChannel ? found->width <= wanted.width : found->sameAs(wanted));
 }
@@ -57,7 +57,7 @@ bool hasCapabilityFile(const Place &place) { return place.world.platform().exist
 // A limit that the driver keeps for a radio or a BSS.
 void lookAtNumber(const Place &place, Finding &finding, const std::string &ifname, const char *command, int wanted) {
     finding.wanted = std::to_string(wanted);
-    if (auto found = read(place.world.driver(ifname, command), finding, readNumber))
+    if (auto found = readAnswer(place.world.driver(ifname, command), finding, firstNumber))
         compare(finding, finding.wanted, std::to_string(*found));
 }
 
@@ -84,7 +84,7 @@ void lookAtOthers(const Place &place, Finding &finding) {
     for (const char *ifname : place.intf->caps.vifNames) {
         if (!ifname[0] || isInUse(*place.intf, ifname) || !place.world.hasInterface(ifname))
             continue;
-        auto up = read(place.world.driver(ifname, "bss"), finding, readUp);
+        auto up = readAnswer(place.world.driver(ifname, "bss"), finding, readUp);
         if (!up)
             return;
         if (*up)
@@ -96,7 +96,7 @@ void lookAtOthers(const Place &place, Finding &finding) {
 void lookAtHidden(const Place &place, Finding &finding) {
     auto text = [](bool hidden) { return hidden ? "yes" : "no"; };
     finding.wanted = text(place.bss->hideSsid);
-    if (auto found = read(place.world.driver(place.interface(), "closed"), finding, readNumber))
+    if (auto found = readAnswer(place.world.driver(place.interface(), "closed"), finding, firstNumber))
         compare(finding, finding.wanted, text(*found != 0));
 }
 
@@ -106,7 +106,7 @@ void lookAtBss(const Place &place, Finding &finding) {
     finding.wanted = kNames[static_cast<int>(wantedAir(place))];
     if (!place.world.hasInterface(place.interface()))
         return compare(finding, finding.wanted, on ? "no interface" : finding.wanted);
-    auto up = read(place.world.driver(place.interface(), "bss"), finding, readUp);
+    auto up = readAnswer(place.world.driver(place.interface(), "bss"), finding, readUp);
     if (!up)
         return;
     compare(finding, finding.wanted, *up ? "on air" : on ? "down" : finding.wanted);
@@ -138,7 +138,7 @@ void lookAtBridge(const Place &place, Finding &finding) {
 
 void lookAtSsid(const Place &place, Finding &finding) {
     finding.wanted = escapeBytes(place.bss->ssidName);
-    if (auto found = read(place.world.driver(place.interface(), "ssid"), finding, readSsid))
+    if (auto found = readAnswer(place.world.driver(place.interface(), "ssid"), finding, readNetworkName))
         compare(finding, finding.wanted, escapeBytes(*found));
 }
 

@@ -47,8 +47,8 @@ bool isRadioWanted(const Place &place);
 bool answered(const ToolAnswer &answer, Finding &finding);
 // What a reader makes of an answer; without an answer, or with one that says nothing to it, that is noted.
 template <typename Value>
-std::optional<Value> read(const ToolAnswer &answer, Finding &finding,
-                          std::optional<Value> (*reader)(const std::string &text)) {
+std::optional<Value> readAnswer(const ToolAnswer &answer, Finding &finding,
+                                std::optional<Value> (*reader)(const std::string &text)) {
     std::optional<Value> value = answered(answer, finding) ? reader(answer.out) : std::nullopt;
     if (answer && !value)
         finding.said = "its answer cannot be read";

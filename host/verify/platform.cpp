@@ -22,7 +22,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kPatience = std::chrono::seconds(5);
+constexpr auto kToolPatience = std::chrono::seconds(5);
 constexpr size_t kMostOutput = 256 * 1024;
 
 struct Pipe {
@@ -77,7 +77,7 @@ bool drain(Pipe &pipe, std::string *kept) {
 
 // Reads both until they end; false when that takes too long.
 bool readBoth(Pipe &out, Pipe &err, ToolAnswer *answer) {
-    const auto end = Clock::now() + kPatience;
+    const auto end = Clock::now() + kToolPatience;
     while (out.ends[0] >= 0 || err.ends[0] >= 0) {
         auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
         pollfd fds[] = {{out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}};
@@ -126,6 +126,7 @@ ToolAnswer Platform::run(const std::vector<std::string> &words) const {
     int wait = 0;
     while (waitpid(pid, &wait, 0) < 0 && errno == EINTR) {
     }
+    answer.late = !inTime;
     answer.status = inTime && WIFEXITED(wait) ? WEXITSTATUS(wait) : -1;
     answer.said = answer ? "" : inTime ? complaint(answer, wait) : words[0] + " did not answer in time";
     return answer;

@@ -12,6 +12,7 @@ struct ToolAnswer {
     int status = -1;  // its exit status; -1 when it could not be run, was killed or did not end in time
     std::string out;  // what it printed, as far as that is bounded
     std::string said; // why there is no answer: what it complained about; empty with status 0
+    bool late = false;
 
     explicit operator bool() const { return status == 0; }
 };

@@ -117,7 +117,7 @@ std::optional<std::string> readCountry(const std::string &report) {
     return report.substr(open + 1, close - open - 1);
 }
 
-std::optional<std::string> readSsid(const std::string &report) {
+std::optional<std::string> readNetworkName(const std::string &report) {
     const std::string start = "SSID: \"";
     size_t from = report.find(start), to = report.rfind('"');
     if (from == std::string::npos || to < from + start.size())
@@ -126,7 +126,7 @@ std::optional<std::string> readSsid(const std::string &report) {
     return unescaped(report.substr(from, to - from));
 }
 
-std::optional<int> readNumber(const std::string &report) {
+std::optional<int> firstNumber(const std::string &report) {
     std::string rest;
     return leadingNumber(report.substr(std::min(report.find_first_not_of(" \t\n"), report.size())), &rest);
 }

@@ -20,9 +20,9 @@ std::optional<Chanspec> readChanspec(const std::string &report);
 // "DE/3" of "DE (DE/3) GERMANY".
 std::optional<std::string> readCountry(const std::string &report);
 // The bytes of `Current SSID: "caf\xe9"`.
-std::optional<std::string> readSsid(const std::string &report);
+std::optional<std::string> readNetworkName(const std::string &report);
 // The first number.
-std::optional<int> readNumber(const std::string &report);
+std::optional<int> firstNumber(const std::string &report);
 // "up" or "down".
 std::optional<bool> readUp(const std::string &report);
 // Addresses of lines such as "mac 02:00:00:00:00:01", in lower case.

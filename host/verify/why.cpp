@@ -71,7 +71,7 @@ Room roomFor(const Place &place, const std::string &station) {
         }
     }
     auto limit = [&](const std::string &ifname, const char *command) {
-        int most = readNumber(place.world.driver(ifname, command).out).value_or(0);
+        int most = firstNumber(place.world.driver(ifname, command).out).value_or(0);
         return most < 0 ? size_t{0} : static_cast<size_t>(most);
     };
     auto check = [&](size_t count, size_t most, const std::string &where) {
@@ -136,7 +136,7 @@ Link filterLink(const Place &place, const Check &check, const std::string &stati
     Finding &finding = link.finding;
     if (station.empty() || !finding.said.empty())
         return link;
-    int mode = readNumber(place.world.driver(place.interface(), "macmode").out).value_or(0);
+    int mode = firstNumber(place.world.driver(place.interface(), "macmode").out).value_or(0);
     bool listed = mode != 0 && readStations(place.world.driver(place.interface(), "mac").out).count(station) > 0;
     finding.wanted = "admitted";
     finding.holds = mode == 0 || listed == (mode == 2);

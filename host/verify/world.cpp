@@ -11,9 +11,14 @@ World::World(const Host &host) : platform_(*host.platform), nvramGet_(host.modul
 
 const ToolAnswer &World::tool(const std::vector<std::string> &words) {
     auto known = answers_.find(words);
-    if (known == answers_.end())
-        known = answers_.emplace(words, platform_.run(words)).first;
-    return known->second;
+    if (known != answers_.end())
+        return known->second;
+    if (auto late = late_.find(words[0]); late != late_.end())
+        return late->second;
+    const ToolAnswer &answer = answers_.emplace(words, platform_.run(words)).first->second;
+    if (answer.late)
+        late_.emplace(words[0], answer);
+    return answer;
 }
 
 std::string World::stored(const std::string &key) const {

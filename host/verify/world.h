@@ -16,6 +16,7 @@ class World {
   public:
     explicit World(const Host &host);
 
+    // A tool that did not answer in time once is not waited for again.
     const ToolAnswer &tool(const std::vector<std::string> &words);
     // A driver command without arguments: "wlctl -i wl0 isup".
     const ToolAnswer &driver(const std::string &ifname, const char *command) {
@@ -38,6 +39,7 @@ class World {
     const Platform &platform_;
     const char *(*nvramGet_)(const char *key);
     std::map<std::vector<std::string>, ToolAnswer> answers_;
+    std::map<std::string, ToolAnswer> late_; // by tool
     std::optional<std::vector<std::string>> processes_;
 };
 

@@ -17,6 +17,9 @@ stop_host() {
 }
 no_host() { ! pidof wlhost; }
 
+# DAEMON: how a shell ends it and waits until it is gone.
+ends() { echo "killall -9 $1; while pidof $1; do sleep 0.02; done"; }
+
 # FILTER: examples/home.json after this jq filter, in $variant.
 variant=$work/variant.json
 vary() { sed 's|//.*||' /src/examples/home.json | jq "$1" >"$variant"; }

@@ -35,7 +35,7 @@ breaks() {
 }
 
 test_every_break_is_a_row() {
-    breaks <<'END_OF_ROWS'
+    breaks <<END_OF_ROWS
 wl1|radio|wlctl -i wl1 down
 wl0|country|wlctl -i wl0 country US
 wl0|channel|wlctl -i wl0 chanspec 44/80
@@ -57,9 +57,9 @@ wl0.1|limit up|ebtables -t broute -D SKIP_FCACHE -i wl0.1 -j SKIPLOG
 wl0.1|limit down|tc qdisc del dev wl0.1 root
 wl1|limit down|tc qdisc add dev wl1 root tbf rate 1000kbit latency 50ms burst 10kb
 wl0|capabilities|echo sta >/tmp/wl0_cap
-gateway|nas|killall -9 nas
-gateway|acsd|killall -9 acsd
-gateway|lld2d|killall -9 lld2d
+gateway|nas|$(ends nas)
+gateway|acsd|$(ends acsd)
+gateway|lld2d|$(ends lld2d)
 gateway|LAN groups|nvram set lan1_ifname=br7
 END_OF_ROWS
 }
@@ -127,8 +127,8 @@ END_OF_ROWS
 test_wps() {
     vary 'del(.radios[].ssids[0].preset) | .radios[1].ssids |= .[:1]'
     assert_status 0 wlhost reload --config "$variant"
-    breaks <<'END_OF_ROWS'
+    breaks <<END_OF_ROWS
 wl0|WPS|nvram set wl0_wps_mode=disabled
-gateway|wps_monitor|killall -9 wps_monitor
+gateway|wps_monitor|$(ends wps_monitor)
 END_OF_ROWS
 }

@@ -33,8 +33,8 @@ broken() {
 }
 
 test_every_link() {
-    broken nas 'nas does not run' wl0 'killall -9 nas'
-    broken eapd 'eapd does not run' wl0 'killall -9 eapd'
+    broken nas 'nas does not run' wl0 "$(ends nas)"
+    broken eapd 'eapd does not run' wl0 "$(ends eapd)"
     broken interface 'its interface is down' wl0.1 'ifconfig wl0.1 down'
     broken BSS 'not started' wl0 'wl -i wl0 bss down'
     broken radio 'the radio is down' wl0 'wlctl -i wl0 down'
@@ -47,6 +47,8 @@ test_every_link() {
     broken 'MAC filter' 'denied by the MAC filter' wl1.1 "wlctl -i wl1.1 macmode 1; wlctl -i wl1.1 mac $station"
     broken 'station limit' 'station limit reached' wl0.1 \
         "wlsim join wl0.1 --mac 02:00:00:00:00:99 --passphrase '$(passphrase wl0.1)'"
+    broken 'station limit' 'station limit reached' wl1 \
+        "wlctl -i wl1 maxassoc 1; wlsim join wl1.1 --mac 02:00:00:00:00:99 --passphrase '$(passphrase wl1.1)'"
     broken 'LAN group' 'no LAN group lists wl0' wl0 'nvram set lan_ifnames="eth0 eth1 wl1 wl1.2"'
 }
 
