@@ -4,6 +4,7 @@
 
 #include "host/cli/calls.h"
 #include "host/commands/host_commands.h"
+#include "host/commands/station_events.h"
 #include "host/show/results.h"
 #include "host/show/units.h"
 
@@ -298,8 +299,12 @@ const std::vector<Command> &commands() {
         {"wps status", "The session: state, seconds left, result", {}, wpsStatus, showSession, kSession, ask},
         {"wps apply", "Take over what a session agreed on", {required(kRadio)}, wpsApply, showMembers, {}, ask},
         {"events",
-         "Follow the stations' coming and going; with --json a document a line",
-         {{"--count", "count", Value::kNumber, "End after so many"}},
+         "Follow the stations' coming and going, WPS, reloads; with --json a document a line",
+         {{"--count", "count", Value::kNumber, "End after so many"},
+          {"--interface", "interface", Value::kInterface, "Only those of this BSS"},
+          {"--station", "station", Value::kStation, "Only those of this station"},
+          {"--kind", "kinds", Value::kItems, "Only these, joined by commas", false, eventKinds()},
+          {"--no-reconnect", "no_reconnect", Value::kFlag, "End with the host, instead of waiting for the next one"}},
          followEvents,
          showEvent,
          {},

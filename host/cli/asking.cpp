@@ -68,6 +68,8 @@ json requestOf(const Call &call) {
     return {{"command", call.command->name}, {"args", args}};
 }
 
+json resultOf(const std::string &line) { return answerOf(line).result; }
+
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick) {
     return answerOf(callHost(socket, lineOf(request), timeout, tick)).result;
 }
@@ -137,19 +139,6 @@ Status askForSession(const Call &call) {
     return settle(session, call);
 }
 
-Status askForEvents(const Call &call) {
-    const int count = call.args.value("count", 0);
-    ControlClient client(call.socket, lineOf(requestOf(call)), call.timeout);
-    answerOf(client.nextLine(call.timeout));
-    for (int seen = 0; count == 0 || seen < count; ++seen) {
-        std::string line = client.nextLine(-1);
-        std::printf("%s\n", call.asJson ? line.c_str() : call.command->show(json::parse(line), {}).c_str());
-        if (std::fflush(stdout) != 0)
-            return Status::kFailed;
-    }
-    return Status::kDone;
-}
-
 Status askForJournal(const Call &call) {
     if (call.args.value("shell", false) && !call.asJson) {
         std::fputs(resultOf(call)["script"].get_ref<const std::string &>().c_str(), stdout);
@@ -162,7 +151,7 @@ Status askForJournal(const Call &call) {
         std::printf("%s\n", (call.asJson ? dumped(entry) : showEntry(entry)).c_str());
         return std::fflush(stdout) == 0;
     };
-    for (const json &entry : answerOf(client.nextLine(call.timeout)).result)
+    for (const json &entry : resultOf(client.nextLine(call.timeout)))
         show(entry);
     for (;;) {
         const json entry = json::parse(client.nextLine(-1));

@@ -16,7 +16,8 @@ Status askForScan(const Call &call);
 Status askForVerification(const Call &call);
 // A WPS session; with --wait until it ends.
 Status askForSession(const Call &call);
-// Shows events until there were --count of them, or for ever.
+// Shows events until there were --count of them, or for ever; over the end of the host too, when another one comes
+// within the time-out.
 Status askForEvents(const Call &call);
 // A plan; without a host that of a first start. Status 10 when something would change.
 Status askForPlan(const Call &call);
@@ -43,6 +44,10 @@ Status checkConfiguration(const Call &call);
 Status printSchema(const Call &call);
 Status complete(const Call &call);
 
+// What a command asks of the host.
+json requestOf(const Call &call);
+// The result of an answer; throws what the host could not do.
+json resultOf(const std::string &line);
 // Prints a result in the form that was asked for.
 void showResult(const Call &call, const json &result, FILE *out = stdout);
 // A request with this call's command and arguments, as a host takes it.

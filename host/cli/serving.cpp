@@ -13,6 +13,7 @@
 #include "host/cli/starting.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/station_events.h"
+#include "host/commands/wps_sessions.h"
 #include "host/control/control_socket.h"
 #include "host/control/dispatch.h"
 #include "host/control/gateway_lock.h"
@@ -63,23 +64,17 @@ bool isReadable(int fd) {
 
 // A burst at a time: events queue in a socket buffer that does not hold many, and commands must get their turn. An
 // association costs several driver commands, so the burst is bounded in time as well.
-void receiveEvents(Host &host, ControlServer &server) {
+void receiveEvents(Host &host) {
     constexpr int kBurst = 64;
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
     tap::Operation operation("receive", "driver event");
-    WlEvtHandler *handler = host.module().events;
-    int sock = static_cast<int>(handler->sock);
-    for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i) {
-        WlEvent *event = nullptr;
-        int rc = handler->receive(sock, &event);
-        Block<WlEvent> block(event);
-        if (rc != 0 || !event)
-            continue;
-        ++host.eventCount;
-        noteEvent(host, *event);
-        if (server.hasSubscribers())
-            server.publish(dumped(eventRow(*event, host.eventCount)));
-    }
+    const WlEvtHandler &handler = *host.module().events;
+    int sock = static_cast<int>(handler.sock);
+    for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i)
+        if (json event = nextEvent(handler); !event.is_null()) {
+            noteEvent(host, event);
+            host.tell(event);
+        }
 }
 
 void reloadOnSignal(Host &host) {
@@ -91,14 +86,16 @@ void reloadOnSignal(Host &host) {
     }
 }
 
-// Takes the signals that came in; false when one of them ends the host.
+// Takes the signals that came in; false when one of them ends the host. Any number of the others is one reload.
 bool takeSignals(Host &host) {
-    char number;
-    while (read(signalPipe[0], &number, 1) == 1) {
+    bool reloads = false;
+    for (char number; read(signalPipe[0], &number, 1) == 1;) {
         if (number != SIGHUP)
             return false;
-        reloadOnSignal(host);
+        reloads = true;
     }
+    if (reloads)
+        reloadOnSignal(host);
     return true;
 }
 
@@ -126,18 +123,26 @@ int untilRollback(const Host &host) {
 // The sooner of two times to wait; negative ones never come.
 int sooner(int one, int other) { return one < 0 ? other : other < 0 ? one : std::min(one, other); }
 
+// Milliseconds until there is something to do though nothing came; -1 for ever.
+int patience(const Host &host, const ControlServer &server) {
+    constexpr int kSecond = 1000;
+    return sooner(sooner(server.timeout(), untilRollback(host)), sessionMayChange(host) ? kSecond : -1);
+}
+
 void serve(Host &host, ControlServer &server) {
     WlEvtHandler *events = host.module().events;
     for (;;) {
         std::vector<pollfd> fds = {{signalPipe[0], POLLIN, 0},
                                    {events ? static_cast<int>(events->sock) : -1, POLLIN, 0}};
         server.addTo(fds);
-        if (poll(fds.data(), fds.size(), sooner(server.timeout(), untilRollback(host))) < 0 && errno != EINTR)
+        if (poll(fds.data(), fds.size(), patience(host, server)) < 0 && errno != EINTR)
             throw Failure(Status::kFailed, "poll", std::strerror(errno));
         if (!takeSignals(host))
             return;
         if (fds[1].revents != 0)
-            receiveEvents(host, server);
+            receiveEvents(host);
+        if (sessionMayChange(host))
+            watchSession(host);
         rollBack(host);
         server.serve();
     }
@@ -178,7 +183,7 @@ Status serveRadios(const Call &call) {
     ControlServer server(call.socket, [&](const std::string &request) {
         json reply = answer(*host, request, server.askingUser());
         const std::string topic = reply["status"] == Status::kDone ? topicOf(request) : "";
-        return ControlServer::Reply(dumped(reply), !topic.empty(), topic);
+        return ControlServer::Reply(dumped(reply), !topic.empty(), topic, topic.empty() ? json() : reply["result"]);
     });
     tap::LiveHandler live([](const tap::Entry &entry) { journal().add(entry); });
     LiveMode mode(live);
@@ -191,18 +196,23 @@ Status serveRadios(const Call &call) {
     {
         tap::Operation operation("run", "run");
         host = startHost(library, std::move(config), adopted);
+        host->onEvent = [&](const json &event) {
+            if (server.hasSubscribers())
+                server.publish(dumped(event), "events",
+                               [&](const json &subscription) { return isWanted(event, subscription); });
+        };
         result = host->bringUp();
     }
     result["socket"] = call.socket;
     showResult(call, result, out);
-    std::fflush(out);
-    Status status = tellDifferences(result);
-    if (!call.args.value("once", false)) {
+    // Told at once, though a host that serves goes on.
+    const Status verified = tellDifferences(result), written = afterOutput(Status::kDone, out);
+    const bool once = call.args.value("once", false);
+    if (!once)
         serve(*host, server);
-        status = Status::kDone;
-    }
+    host->tell({{"event", "host-ended"}});
     std::fclose(out);
-    return status;
+    return written == Status::kDone && once ? verified : written;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "host/commands/station_events.h"
 
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -7,6 +9,7 @@
 #include "host/base/escape.h"
 #include "host/base/times.h"
 #include "host/commands/arguments.h"
+#include "host/commands/driver_report.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/station_rows.h"
 
@@ -23,45 +26,72 @@ constexpr EventKind kKinds[] = {{WLBRCM_EVENT_ASSOCIATED, "associated", true},
                                 {WLBRCM_EVENT_REASSOCIATED, "reassociated", true},
                                 {WLBRCM_EVENT_PRUNED, "pruned", false}};
 
-const EventKind *kindOf(const WlEvent &event) {
-    const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                    [&](const EventKind &one) { return one.code == event.event; });
-    return kind == std::end(kKinds) ? nullptr : kind;
-}
-
-WlStaInfo stationOf(const WlEvent &event) {
-    WlStaInfo station;
-    std::memcpy(&station, event.sta, sizeof station);
-    return station;
-}
-
 } // namespace
 
-void noteEvent(Host &host, const WlEvent &event) {
-    const EventKind *kind = kindOf(event);
-    json mac = stationMac(stationOf(event));
-    if (kind && mac.is_string())
-        host.history.note(mac, escapeBytes(event.ifName), kind->name);
+void noteEvent(Host &host, const json &event) {
+    const json mac = event.value("mac", json()), kind = event.value("event", json());
+    if (mac.is_string() && kind.is_string())
+        host.history.note(mac, event.value("interface", ""), kind);
 }
 
-json eventRow(const WlEvent &event, uint64_t sequence) {
-    const EventKind *kind = kindOf(event);
-    bool known = kind != nullptr;
-    WlStaInfo station = stationOf(event);
+const std::vector<std::string> &eventKinds() {
+    static const std::vector<std::string> kWords = {"associated",    "reassociated", "deauthenticated",
+                                                    "disassociated", "pruned",       "refused",
+                                                    "wps",           "reload",       "rollback"};
+    return kWords;
+}
+
+json eventRow(const WlEvent &event) {
+    const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                    [&](const EventKind &one) { return one.code == event.event; });
+    bool known = kind != std::end(kKinds);
+    WlStaInfo station;
+    std::memcpy(&station, event.sta, sizeof station);
     json row = known && !kind->describes ? json::object() : stationRow(station);
     row["mac"] = stationMac(station);
-    row["sequence"] = sequence;
-    row["time"] = utcText(std::chrono::system_clock::now());
     row["event"] = known ? json(kind->name) : json();
     row["radio"] = escapeBytes(event.radioName);
     row["interface"] = escapeBytes(event.ifName);
     return row;
 }
 
-json followEvents(Host &host, const json &) {
+json nextEvent(const WlEvtHandler &handler) {
+    int sock = static_cast<int>(handler.sock);
+    char message[128];
+    ssize_t length = recv(sock, message, sizeof message, MSG_PEEK | MSG_DONTWAIT);
+    auto report = readReport({message, length > 0 ? static_cast<size_t>(length) : 0});
+    WlEvent *event = nullptr;
+    int rc = handler.receive(sock, &event);
+    Block<WlEvent> block(event);
+    if (rc != 0 || !event)
+        return report ? unrecordedEvent(*report) : json();
+    json row = eventRow(*event);
+    if (report)
+        addReport(row, *report);
+    return row;
+}
+
+bool isWanted(const json &event, const json &subscription) {
+    const json kind = event.value("event", json()), kinds = subscription.value("kinds", json::array());
+    const std::vector<std::string> &known = eventKinds();
+    if (kind.is_string() && std::count(known.begin(), known.end(), kind) == 0)
+        return true;
+    auto fits = [&](const char *asked, const char *key) {
+        const json wanted = subscription.value(asked, json());
+        return wanted.is_null() || event.value(key, json()) == wanted;
+    };
+    return (kinds.empty() || std::count(kinds.begin(), kinds.end(), kind) > 0) && fits("interface", "interface") &&
+           fits("station", "mac");
+}
+
+json followEvents(Host &host, const json &args) {
     if (!host.module().events)
         throw Failure(Status::kFailed, "events", "the module registered no event handler", "is its event port in use?");
-    return {{"sequence", host.eventCount}};
+    std::string interface = textArg(args, "interface"), station = textArg(args, "station");
+    json subscription = {{"sequence", host.eventCount}, {"kinds", listArg(args, "kinds")}};
+    subscription["interface"] = interface.empty() ? json() : json(host.bss(interface).record().ifName);
+    subscription["station"] = station.empty() ? json() : json(formatMac(macOf(station)));
+    return subscription;
 }
 
 const char *eventTopic(const json &) { return "events"; }

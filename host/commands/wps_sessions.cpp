@@ -4,6 +4,7 @@
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
+#include "host/commands/wps_sessions.h"
 
 namespace wlhost {
 namespace {
@@ -37,6 +38,18 @@ json resultOf(const Host &host, const json &progress) {
     return host.wps ? json("cancelled") : json();
 }
 
+void tellChange(Host &host, const json &session) {
+    json now = {{"state", session["state"]}, {"result", session["result"]}};
+    if (!host.wps || host.wps->told == now)
+        return;
+    host.wps->told = now;
+    host.tell({{"event", "wps"},
+               {"radio", session["radio"]},
+               {"method", session["method"]},
+               {"state", session["state"]},
+               {"result", session["result"]}});
+}
+
 json sessionState(Host &host) {
     json progress = progressOf(host);
     bool running = isRunning(progress);
@@ -47,12 +60,17 @@ json sessionState(Host &host) {
         auto remaining = std::chrono::duration_cast<std::chrono::seconds>(host.wps->started + kWalkTime - Clock::now());
         left = running ? json(std::max<int64_t>(remaining.count(), 0)) : json();
     }
-    return {{"radio", radio},
-            {"method", method},
-            {"state", progress.is_null() ? json() : json(running ? "running" : "idle")},
-            {"seconds_left", left},
-            {"result", resultOf(host, progress)},
-            {"progress_code", progress}};
+    json result = resultOf(host, progress);
+    json row = {{"radio", radio},
+                {"method", method},
+                {"state", progress.is_null() ? json() : json(running ? "running" : "idle")},
+                {"seconds_left", left},
+                {"result", result},
+                {"progress_code", progress},
+                // What the station and the radio agreed on is not the host's before it is taken over.
+                {"next", result == "done" && host.wps ? json("wlhost wps apply " + host.wps->radio) : json()}};
+    tellChange(host, row);
+    return row;
 }
 
 // The module does nothing, and says that all is well, on a radio without WPS.
@@ -118,6 +136,19 @@ bool isValidPin(const Host &host, const std::string &pin) {
 
 } // namespace
 
+bool sessionMayChange(const Host &host) {
+    constexpr std::chrono::seconds kBeginning{10}; // the daemon takes its time to take a session
+    return host.wps && (host.wps->told.value("state", json()) == "running" ||
+                        (!host.wps->ran && Clock::now() < host.wps->started + kBeginning));
+}
+
+void watchSession(Host &host) {
+    try {
+        sessionState(host);
+    } catch (const Failure &) { // who asks for the session hears why
+    }
+}
+
 json wpsPushButton(Host &host, const json &args) {
     bool hardware = flagArg(args, "hardware");
     std::string radio = textArg(args, "radio");
@@ -172,13 +203,13 @@ json wpsApply(Host &host, const json &args) {
     host.noteApplied(&intf);
     host.wps.reset();
     Host::check(rc, intf.intfName, "wpsUpdateConfg");
+    host.tell({{"event", "wps"}, {"radio", intf.intfName}, {"state", "idle"}, {"result", "applied"}});
     const WlSsidCfg &main = intf.bss[0];
     return {{"radio", intf.intfName},
             {"changed", changed != 0},
             {"ssid", escapeBytes(main.ssidName)},
             {"ssid_hex", toHex(main.ssidName)},
-            {"security", securityName(main)},
-            {"key", main.wpaPsk[0] ? json(escapeBytes(main.wpaPsk)) : json()}};
+            {"security", securityName(main)}};
 }
 
 } // namespace wlhost

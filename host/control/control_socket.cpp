@@ -108,7 +108,11 @@ ControlServer::ControlServer(const std::string &path, Handler handler)
                       "choose a path with --socket");
 }
 
-ControlServer::~ControlServer() { unlink(path_.c_str()); }
+ControlServer::~ControlServer() {
+    unlink(path_.c_str());
+    for (Connection &connection : connections_)
+        send(connection); // the last words, as far as they are taken at once
+}
 
 // A subscriber is also watched for its end.
 short ControlServer::interestOf(const Connection &connection) {
@@ -194,6 +198,7 @@ bool ControlServer::receive(Connection &connection) {
             connection.answered = true;
             connection.subscribed = reply.subscribed;
             connection.topic = reply.topic;
+            connection.subscription = std::move(reply.subscription);
             // Operations take their time; the answer still gets its chance.
             connection.deadline = reply.subscribed ? Clock::time_point::max() : Clock::now() + kPatience;
             return true;
@@ -203,7 +208,11 @@ bool ControlServer::receive(Connection &connection) {
 }
 
 bool ControlServer::send(Connection &connection) {
-    while (!connection.output.empty()) {
+    while (!connection.output.empty() || connection.missed > 0) {
+        if (connection.output.empty()) {
+            connection.output = json{{"event", "dropped"}, {"count", connection.missed}}.dump() + "\n";
+            connection.missed = 0;
+        }
         ssize_t sent = ::send(connection.fd.get(), connection.output.data(), connection.output.size(), MSG_NOSIGNAL);
         if (sent < 0)
             return wouldBlock();
@@ -228,12 +237,16 @@ bool ControlServer::hasSubscribers(const std::string &topic) const {
                        [&](const auto &one) { return one.subscribed && one.topic == topic; });
 }
 
-void ControlServer::publish(const std::string &line, const std::string &topic) {
+void ControlServer::publish(const std::string &line, const std::string &topic, const Wanted &wanted) {
     for (Connection &connection : connections_) {
-        if (!connection.subscribed || connection.topic != topic)
+        if (!connection.subscribed || connection.topic != topic || (wanted && !wanted(connection.subscription)))
             continue;
-        connection.output += line + "\n";
-        if (!send(connection) || connection.output.size() > kLargestBacklog)
+        // From the first one that is missed on, until all that was queued is read: the gap is one, and has its place.
+        if (connection.missed > 0 || connection.output.size() + line.size() > kLargestBacklog)
+            ++connection.missed;
+        else
+            connection.output += line + "\n";
+        if (!send(connection))
             connection.deadline = {}; // serve() may be going over the connections
     }
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/base/fd.h"
+#include "host/base/json.h"
 
 namespace wlhost {
 
@@ -24,8 +25,9 @@ class ControlServer {
         std::string line;
         bool subscribed;   // the connection stays open for what is published
         std::string topic; // about this
-        Reply(std::string answer, bool stays = false, std::string about = "events")
-            : line(std::move(answer)), subscribed(stays), topic(std::move(about)) {}
+        json subscription; // as it asked for it
+        Reply(std::string answer, bool stays = false, std::string about = "events", json asked = {})
+            : line(std::move(answer)), subscribed(stays), topic(std::move(about)), subscription(std::move(asked)) {}
     };
     using Handler = std::function<Reply(const std::string &request)>;
 
@@ -40,9 +42,11 @@ class ControlServer {
     // Accepts, reads, answers; drops connections that are through or too old.
     void serve();
     bool hasSubscribers(const std::string &topic = "events") const;
-    // Sends a line to every subscriber of the topic, as far as it takes it; serve() sends the rest and drops those that
-    // read too slowly. May be called from within the handler.
-    void publish(const std::string &line, const std::string &topic = "events");
+    using Wanted = std::function<bool(const json &subscription)>;
+    // Sends a line to every subscriber of the topic whose subscription wants it, as far as it takes it; serve() sends the
+    // rest. One that reads too slowly misses lines, and is told how many as soon as it has read what was queued. May be
+    // called from within the handler.
+    void publish(const std::string &line, const std::string &topic = "events", const Wanted &wanted = {});
     // Who sent the request that is being handled, as the kernel says.
     uid_t askingUser() const { return askingUser_; }
     // Milliseconds until the oldest connection is dropped; -1 without connections.
@@ -55,6 +59,8 @@ class ControlServer {
         Clock::time_point deadline;
         std::string input = {}, output = {}, topic = {};
         bool answered = false, subscribed = false;
+        json subscription = {};
+        uint64_t missed = 0;
     };
 
     void accept();

@@ -48,8 +48,10 @@ json checkedArguments(const Command &command, const json &args) {
             continue;
         if (const char *problem = typeProblem(option, value))
             throw Failure(Status::kUsage, option.key, problem);
-        if (!option.words.empty() && std::count(option.words.begin(), option.words.end(), value) == 0)
-            throw Failure(Status::kUsage, value.get<std::string>(), "is not known here", joined(option.words));
+        for (const json &word : value.is_array() ? value : json::array({value}))
+            if (!option.words.empty() && std::count(option.words.begin(), option.words.end(), word) == 0)
+                throw Failure(Status::kUsage, option.name, inQuotes(word) + " is not known here",
+                              suggestion(word, option.words));
         known[option.key] = value;
     }
     return known;

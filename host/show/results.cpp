@@ -125,14 +125,32 @@ std::string showBeacon(const json &result, const std::vector<Column> &columns) {
 }
 
 std::string showSession(const json &result, const std::vector<Column> &columns) {
-    return table(columns, json::array({result}));
+    std::string text = table(columns, json::array({result}));
+    return result["next"].is_string() ? text + "next: " + result["next"].get<std::string>() + "\n" : text;
 }
 
 std::string showEvent(const json &event, const std::vector<Column> &) {
-    std::string line = cell(event["sequence"]) + " " + cell(event["time"]) + " " + cell(event["interface"]) + " " +
-                       cell(event["mac"]) + " " + cell(event["event"]);
+    // Behind what every event has: what one may tell more, with the word before it.
+    constexpr const char *kMore[][2] = {{"method", ""},
+                                        {"state", ""},
+                                        {"result", ""},
+                                        {"config", ""},
+                                        {"count", ""},
+                                        {"reason", ""},
+                                        {"reason_code", "reason "},
+                                        {"status_code", "status "}};
+    std::string line;
+    for (const char *key : {"sequence", "time", "interface", "mac", "event"})
+        line += (line.empty() ? "" : " ") + cell(event.value(key, json()));
+    if (line.compare(0, 4, "- - ") == 0)
+        line = cell(event["event"]); // of the following itself
     if (event.contains("signal_dbm"))
         line += " " + cell(event["mode"]) + " " + mhz(event["width_mhz"]) + " " + dbm(event["signal_dbm"]);
+    else if (event.value("interface", json()).is_null() && event.value("radio", json()).is_string())
+        line += " " + event["radio"].get<std::string>();
+    for (const auto &[key, word] : kMore)
+        if (json value = event.value(key, json()); !value.is_null() && value != 0)
+            line += " " + (word + cell(value));
     return line;
 }
 

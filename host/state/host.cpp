@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "host/base/addresses.h"
+#include "host/base/clock.h"
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
 #include "host/verify/readers.h"
@@ -123,6 +124,17 @@ std::vector<Finding> Host::differences(WlIntf *intf, unsigned subjects, const st
 
 void Host::demandVerified(WlIntf *intf, unsigned subjects, const std::string &interface) {
     demand(differences(intf, subjects, interface));
+}
+
+void Host::tell(json event) {
+    ++eventCount;
+    if (!onEvent)
+        return;
+    for (const char *key : {"radio", "interface", "mac"})
+        event.emplace(key, nullptr);
+    event["sequence"] = eventCount;
+    event["time"] = utcText(std::chrono::system_clock::now());
+    onEvent(event);
 }
 
 std::vector<WlIntf *> Host::configuredRadios() {

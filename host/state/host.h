@@ -29,6 +29,7 @@ struct WpsSession {
     json before;            // progress code that the daemon had left from earlier ones
     bool ran = false;       // the daemon said that it runs
     bool cancelled = false; // by a command
+    json told = {};         // state and result that followers of the events know
 };
 
 // How the host finds out whether what it asked for is so; see verify/verification.h.
@@ -117,6 +118,11 @@ class Host {
     // sees it as a change.
     void noteApplied(WlIntf *intf);
     bool isSwitchedOn(const WlSsidCfg &bss) const;
+
+    // Tells everyone who follows the events: of the drivers, or what the host did. Adds sequence and time; `radio`,
+    // `interface` and `mac` are null where the event has none.
+    void tell(json event);
+    std::function<void(const json &event)> onEvent; // whoever passes them on; may be empty
 
     std::map<std::string, std::set<std::string>> bans; // addresses denied at run time, by interface
     std::map<std::string, bool> presets;               // on-demand SSIDs that were switched, by interface

@@ -6,6 +6,7 @@
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
 #include "host/commands/beacon_elements.h"
+#include "host/commands/driver_report.h"
 #include "host/commands/station_events.h"
 
 namespace wlhost {
@@ -218,23 +219,70 @@ TEST(HostBeacon, ElementsAreDecoded) {
     EXPECT_EQ(beaconRow("wl0", info)["vht"]["streams"], 8);
 }
 
+// A message of the driver: type, status and reason, about 02:00:00:00:00:0a on wl0.1.
+std::string message(uint32_t type, uint32_t status, uint32_t reason, const std::string &interface = "wl0.1") {
+    std::string text(72, '\0');
+    text[23] = 1;
+    text[31] = static_cast<char>(type), text[35] = static_cast<char>(status), text[39] = static_cast<char>(reason);
+    text[48] = 2, text[53] = 10;
+    return text.replace(54, interface.size(), interface);
+}
+
 TEST(HostEvents, RowsSayWhoAndWhatIsKnown) {
     WlEvent event{};
     copyText(event.radioName, "wl0"), copyText(event.ifName, "wl0.1");
     event.event = WLBRCM_EVENT_ASSOCIATED;
     WlStaInfo joined = station("02:00:00:00:00:0A", -50);
     std::memcpy(event.sta, &joined, sizeof joined);
+    json row = eventRow(event);
     // The interface is the event's, not the station record's.
-    expectHas(eventRow(event, 7),
-              {{"event", "associated"}, {"interface", "wl0.1"}, {"signal_dbm", -50}, {"sequence", 7}});
-    event.event = WLBRCM_EVENT_PRUNED;
-    json row = eventRow(event, 8);
-    EXPECT_EQ(row["mac"], "02:00:00:00:00:0a");
+    expectHas(row, {{"event", "associated"}, {"interface", "wl0.1"}, {"signal_dbm", -50}});
+    addReport(row, *readReport(message(8, 1, 0)));
+    expectHas(row, {{"event", "refused"}, {"status_code", 1}, {"reason", nullptr}});
+    event.event = WLBRCM_EVENT_DEAUTHENTICATED;
+    row = eventRow(event);
     EXPECT_FALSE(row.contains("rx_bytes"));
-    EXPECT_EQ(shown("events", row), "8 " + row["time"].get<std::string>() + " wl0.1 02:00:00:00:00:0a pruned");
+    addReport(row, *readReport(message(6, 0, 15)));
+    row.update({{"sequence", 8}, {"time", "now"}});
+    EXPECT_EQ(shown("events", row), "8 now wl0.1 02:00:00:00:00:0a deauthenticated 4-way-handshake-timeout reason 15");
     copyText(event.ifName, "\x1b[2J");
     event.event = 99;
-    expectHas(eventRow(event, 9), {{"event", nullptr}, {"interface", "\\x1b[2J"}});
+    expectHas(eventRow(event), {{"event", nullptr}, {"interface", "\\x1b[2J"}});
+}
+
+TEST(HostEvents, WhatTheModuleKeepsToItselfIsTold) {
+    struct {
+        uint32_t type, status, reason;
+        json event, word;
+    } cases[] = {{23, 0, 3, "refused", "mac-filter"}, {23, 0, 99, "refused", nullptr},
+                 {4, 1, 0, "refused", nullptr},       {4, 0, 0, nullptr, nullptr},
+                 {137, 0, 0, nullptr, nullptr},       {12, 0, 8, "disassociated", "station-left"}};
+    for (const auto &row : cases) {
+        json event = unrecordedEvent(*readReport(message(row.type, row.status, row.reason)));
+        EXPECT_EQ(event.is_null(), row.event.is_null()) << row.type;
+        if (!event.is_null())
+            expectHas(event, {{"event", row.event}, {"reason", row.word}});
+    }
+    json event = unrecordedEvent(*readReport(message(12, 0, 8, "0123456789.bcdef")));
+    expectHas(event, {{"interface", "0123456789.bcdef"}, {"radio", "0123456789"}, {"mac", "02:00:00:00:00:0a"}});
+    EXPECT_FALSE(readReport(message(12, 0, 8).substr(0, 69))) << "cut";
+    EXPECT_FALSE(readReport(std::string(72, '\0'))) << "another protocol";
+}
+
+TEST(HostEvents, SubscribersGetWhatTheyAskedFor) {
+    const json left = {{"event", "disassociated"}, {"interface", "wl0"}, {"mac", "02:00:00:00:00:0a"}};
+    struct {
+        json subscription;
+        bool wanted;
+    } cases[] = {{{{"interface", nullptr}, {"station", nullptr}, {"kinds", json::array()}}, true},
+                 {{{"interface", "wl0"}, {"station", "02:00:00:00:00:0a"}, {"kinds", {"wps", "disassociated"}}}, true},
+                 {{{"interface", "wl0.1"}}, false},
+                 {{{"station", "02:00:00:00:00:0b"}}, false},
+                 {{{"kinds", {"associated"}}}, false}};
+    for (const auto &row : cases) {
+        EXPECT_EQ(isWanted(left, row.subscription), row.wanted) << row.subscription;
+        EXPECT_TRUE(isWanted({{"event", "host-ended"}}, row.subscription)) << row.subscription;
+    }
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 #include "tests/unit/host_fixture.h"
 
 #include "host/base/escape.h"
+#include "host/commands/wps_sessions.h"
+
 namespace wlhost {
 namespace {
 
@@ -55,6 +57,8 @@ class HostWps : public HostCommands {
 };
 
 TEST_F(HostWps, SessionFromStartToResult) {
+    json told = json::array();
+    host_->onEvent = [&](const json &event) { told.push_back(cell(event["state"]) + "/" + cell(event["result"])); };
     EXPECT_EQ(result("wps status")["state"], "idle");
     json session = result("wps push-button", {{"radio", "wl1"}});
     expectHas(session, {{"state", "running"}, {"radio", "wl1"}, {"result", nullptr}});
@@ -70,8 +74,12 @@ TEST_F(HostWps, SessionFromStartToResult) {
     } ends[] = {{2, "done"}, {3, "failed"}, {4, "timed-out"}, {0, "cancelled"}};
     for (const auto &end : ends) {
         progress = end.code;
+        watchSession(*host_);
+        EXPECT_EQ(told.back(), std::string("idle/") + end.result);
+        EXPECT_FALSE(sessionMayChange(*host_));
         expectHas(result("wps status"), {{"result", end.result}, {"state", "idle"}, {"seconds_left", nullptr}});
     }
+    EXPECT_EQ(told.size(), 5u) << "what did not change is not told again";
     EXPECT_EQ(calls, (Calls{"button wl1"}));
 }
 
@@ -120,7 +128,9 @@ TEST_F(HostWps, PinsAreCheckedFirst) {
 }
 
 TEST_F(HostWps, AppliedNetworkLastsUntilTheFileIsReloaded) {
-    expectHas(result("wps apply", {{"radio", "wl0"}}), {{"ssid", "agreed"}, {"changed", true}, {"key", "new key 1"}});
+    json applied = result("wps apply", {{"radio", "wl0"}});
+    expectHas(applied, {{"ssid", "agreed"}, {"changed", true}});
+    EXPECT_EQ(applied.dump().find("new key 1"), std::string::npos) << "a secret in an answer";
     EXPECT_EQ(result("ssids")[0]["ssid"], "agreed");
     EXPECT_EQ(result("reload")["radios"][0]["action"], "reloaded") << "the file's network is another one";
     EXPECT_EQ(result("ssids")[0]["ssid"], "\\xffA");
@@ -132,6 +142,12 @@ TEST_F(HostWps, Forwarding) {
     EXPECT_EQ(calls, (Calls{"forward 1", "forward 0"}));
     EXPECT_EQ(ask("forward", {{"state", "1"}})["status"], Status::kUsage);
     EXPECT_EQ(ask("events")["error"]["text"], "the module registered no event handler");
+    WlEvtHandler handler{};
+    module_.events = &handler;
+    expectHas(result("events", {{"interface", "wl0.1"}, {"station", "02-00-00-00-00-0A"}}),
+              {{"interface", "wl0.1"}, {"station", "02:00:00:00:00:0a"}, {"kinds", json::array()}});
+    EXPECT_EQ(ask("events", {{"interface", "wl7"}})["status"], Status::kNotFound);
+    EXPECT_EQ(ask("events", {{"kinds", {"wps", "refusd"}}})["error"]["hint"], "did you mean \"refused\"?");
     EXPECT_EQ(topicOf(R"({"command": "events"})"), "events");
     for (const char *other : {"", "[]", R"({"command": "event"})", R"({"events": 1})"})
         EXPECT_EQ(topicOf(other), "") << other;
