@@ -176,7 +176,7 @@ const std::vector<Command> &commands() {
           {"SECURITY", "security"},
           {"MODES", "modes", false, slashed},
           {"WPS", "wps"}},
-         askForScan},
+         askAndWait},
         {"survey",
          "Networks on each channel, as the last scan counted them",
          {kRadio},

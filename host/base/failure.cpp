@@ -1,6 +1,21 @@
 #include "host/base/failure.h"
 
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
 namespace wlhost {
+namespace {
+
+std::string userName(uid_t user) {
+    const passwd *entry = getpwuid(user);
+    return entry ? entry->pw_name : "of number " + std::to_string(user);
+}
+
+} // namespace
 
 const char *statusWord(Status status) {
     switch (status) {
@@ -15,6 +30,18 @@ const char *statusWord(Status status) {
     default:
         return "failed";
     }
+}
+
+Failure systemFailure(Status status, const std::string &where, int error, const std::string &hint,
+                      const std::string &path) {
+    if (error != EACCES && error != EPERM)
+        return {status, where, std::strerror(error), hint};
+    struct stat entry {};
+    std::string owner = !path.empty() && lstat(path.c_str(), &entry) == 0 && entry.st_uid != geteuid()
+                            ? "it belongs to user " + userName(entry.st_uid) + "; run wlhost as that user"
+                            : "run wlhost as root";
+    return {Status::kEnvironment, where, "no permission for user " + userName(geteuid()),
+            hint.empty() ? owner : owner + ", or " + hint};
 }
 
 json errorOf(const Failure &failure) {

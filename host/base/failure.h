@@ -36,6 +36,11 @@ struct Failure : std::runtime_error {
           details(std::move(more)) {}
 };
 
+// What the system refused, by errno. A refusal for want of permission names the user and whom `path`, unless it is
+// empty, belongs to.
+Failure systemFailure(Status status, const std::string &where, int error, const std::string &hint,
+                      const std::string &path = {});
+
 // The error document of a failure: `code`, `where`, `text` and `hint`, then its details.
 json errorOf(const Failure &failure);
 // The failure that such a document tells of.

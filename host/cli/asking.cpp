@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 
 #include <wlbrcm/wlbrcm.h>
@@ -39,6 +40,19 @@ Answer answerOf(const std::string &line) {
     return {status, answer["result"]};
 }
 
+Answer askHost(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick = {}) {
+    ControlClient client(socket, lineOf(request), timeout);
+    try {
+        return answerOf(client.nextLine(timeout, tick));
+    } catch (const Failure &failure) {
+        if (failure.status != Status::kTimeout || failure.where != socket)
+            throw;
+        throw Failure(Status::kTimeout, socket,
+                      "no answer within " + std::to_string(timeout) + " s; the operation goes on in the host",
+                      "wlhost status answers once it has ended; --timeout waits longer");
+    }
+}
+
 json resultOf(const Call &call, const std::function<void(int)> &tick = {}) {
     return resultFrom(call.socket, requestOf(call), call.timeout, tick);
 }
@@ -58,6 +72,28 @@ Status settle(const json &session, const Call &call) {
                                         : "the session ended without a station: " + cell(result));
 }
 
+volatile sig_atomic_t interrupted = 0;
+
+// The first signal is noticed by who waits; the second one ends the program as ever.
+void catchInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { interrupted = 1; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (int number : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(number, &action, nullptr);
+}
+
+[[noreturn]] void cancelSession(const Call &call, const std::string &radio) {
+    constexpr int kPatience = 10; // seconds, of who wants to leave
+    try {
+        resultFrom(call.socket, {{"command", "wps cancel"}, {"args", {{"radio", radio}}}}, kPatience);
+    } catch (const Failure &failure) {
+        throw Failure(Status::kFailed, radio, std::string("interrupted, and the session goes on: ") + failure.what(),
+                      "end it with: wlhost wps cancel " + radio);
+    }
+    throw Failure(Status::kFailed, radio, "interrupted; the session was cancelled");
+}
+
 } // namespace
 
 json requestOf(const Call &call) {
@@ -71,7 +107,7 @@ json requestOf(const Call &call) {
 json resultOf(const std::string &line) { return answerOf(line).result; }
 
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick) {
-    return answerOf(callHost(socket, lineOf(request), timeout, tick)).result;
+    return askHost(socket, request, timeout, tick).result;
 }
 
 void showResult(const Call &call, const json &result, FILE *out) {
@@ -92,13 +128,13 @@ std::string absolutePath(const std::string &path) {
 }
 
 Status ask(const Call &call) {
-    Answer answer = answerOf(callHost(call.socket, lineOf(requestOf(call)), call.timeout, {}));
+    Answer answer = askHost(call.socket, requestOf(call), call.timeout);
     showResult(call, answer.result);
     return answer.status;
 }
 
 Status askForVerification(const Call &call) {
-    Answer answer = answerOf(callHost(call.socket, lineOf(requestOf(call)), call.timeout, {}));
+    Answer answer = askHost(call.socket, requestOf(call), call.timeout);
     showResult(call, answer.result);
     const json &findings = answer.result["findings"];
     auto unmet = std::count_if(findings.begin(), findings.end(), [](const json &one) { return !one["holds"]; });
@@ -107,13 +143,14 @@ Status askForVerification(const Call &call) {
     return answer.status;
 }
 
-Status askForScan(const Call &call) {
+Status askAndWait(const Call &call) {
     json result;
     {
         Progress progress;
         result = resultOf(call, [&](int seconds) {
             if (!call.args.value("cached", false))
-                progress.tell(seconds, "scanning" + (seconds ? ", " + std::to_string(seconds) + " s" : std::string()));
+                progress.tell(seconds, "waiting for " + std::string(call.command->name) +
+                                           (seconds ? ", " + std::to_string(seconds) + " s" : std::string()));
         });
     }
     showResult(call, result);
@@ -122,16 +159,18 @@ Status askForScan(const Call &call) {
 
 Status askForSession(const Call &call) {
     constexpr int kGrace = 10; // for a daemon whose time runs longer than the host's
+    if (!call.args.value("wait", false))
+        return ask(call);
+    catchInterrupts();
     json session = resultOf(call);
-    if (!call.args.value("wait", false)) {
-        showResult(call, session);
-        return Status::kDone;
-    }
     {
         Progress progress;
         for (int waited = 0, over = 0; session["state"] == "running" && over < kGrace; ++waited) {
             progress.tell(waited, "waiting for a station, " + cell(session["seconds_left"]) + " s left");
-            sleep(1);
+            if (!interrupted)
+                sleep(1);
+            if (interrupted)
+                cancelSession(call, session["radio"]);
             session = resultFrom(call.socket, {{"command", "wps status"}}, call.timeout);
             over += session["seconds_left"] == 0;
         }

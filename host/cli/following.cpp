@@ -44,6 +44,7 @@ class Following {
             demandReader();
             try {
                 subscribe();
+                std::fprintf(stderr, "wlhost: following the next host\n");
                 return;
             } catch (const Failure &failure) {
                 if (failure.status != Status::kEnvironment)

@@ -24,9 +24,14 @@ void Progress::tell(int seconds, const std::string &text) {
     bool terminal = isatty(STDERR_FILENO);
     if (terminal)
         std::fprintf(stderr, "\r%s\033[K", text.c_str());
-    else if (seconds % 10 == 0)
+    else if (seconds > 0 && seconds % 10 == 0)
         std::fprintf(stderr, "%s\n", text.c_str());
     shown_ = terminal;
+}
+
+void Progress::step(const std::string &text) {
+    if (isatty(STDERR_FILENO))
+        std::fprintf(stderr, "wlhost: %s\n", text.c_str());
 }
 
 Progress::~Progress() {

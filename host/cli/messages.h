@@ -16,6 +16,8 @@ class Progress {
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
     void tell(int seconds, const std::string &text);
+    // A line of its own, on a terminal only: where others print too.
+    static void step(const std::string &text);
 
   private:
     bool shown_ = false;

@@ -48,7 +48,7 @@ Status planTheRun(const Call &call) { return showPlanned(call, planFirstStart(ca
 
 Status askForReload(const Call &call) {
     if (!call.args.value("dry_run", false))
-        return ask(call);
+        return askAndWait(call);
     return showPlanned(call, resultFrom(call.socket, requestOf(call), call.timeout));
 }
 

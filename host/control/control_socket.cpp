@@ -104,8 +104,8 @@ ControlServer::ControlServer(const std::string &path, Handler handler)
     int reason = errno;
     umask(mask);
     if (rc != 0 || listen(listener_.get(), SOMAXCONN) != 0)
-        throw Failure(Status::kEnvironment, path, std::strerror(rc != 0 ? reason : errno),
-                      "choose a path with --socket");
+        throw systemFailure(Status::kEnvironment, path, rc != 0 ? reason : errno, "choose a path with --socket",
+                            path.substr(0, path.rfind('/') + 1));
 }
 
 ControlServer::~ControlServer() {
@@ -255,9 +255,12 @@ ControlClient::ControlClient(const std::string &path, const std::string &request
     : path_(path), fd_(newSocket(0)) {
     secureRuntimeFolder(path);
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
-    if (!connected(fd_.get(), addressOf(path)))
+    if (!connected(fd_.get(), addressOf(path))) {
+        if (errno == EACCES || errno == EPERM)
+            throw systemFailure(Status::kEnvironment, path, errno, "name another host's socket with --socket", path);
         throw Failure(Status::kEnvironment, path, std::string("no host: ") + std::strerror(errno),
                       "start one with: wlhost run CONFIG");
+    }
     std::string line = request + "\n";
     for (size_t at = 0; at < line.size();) {
         if (!waitFor(fd_.get(), POLLOUT, deadline))

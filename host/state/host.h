@@ -124,6 +124,8 @@ class Host {
     void tell(json event);
     std::function<void(const json &event)> onEvent; // whoever passes them on; may be empty
 
+    std::function<void(const std::string &step)> onStep; // what is begun, for who watches it start; may be empty
+
     std::map<std::string, std::set<std::string>> bans; // addresses denied at run time, by interface
     std::map<std::string, bool> presets;               // on-demand SSIDs that were switched, by interface
     std::optional<WpsSession> wps;

@@ -183,6 +183,8 @@ void Transition::perform(const std::function<void(const Step *)> &begins) {
     for (Step &step : steps_) {
         if (begins)
             begins(&step);
+        if (host_.onStep && takesDown(step.change.operation))
+            host_.onStep(std::string(step.intf->intfName) + ": " + operationWord(step.change.operation));
         auto started = Clock::now();
         perform(step);
         step.ms = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - started).count();
