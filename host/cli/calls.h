@@ -10,11 +10,11 @@ namespace wlhost {
 
 // Asks the host and shows what it answers.
 Status ask(const Call &call);
-// The same, and tells meanwhile that a scan takes its time.
-Status askForScan(const Call &call);
+// The same, and tells meanwhile that it takes its time.
+Status askAndWait(const Call &call);
 // The same, and counts the checks that do not hold.
 Status askForVerification(const Call &call);
-// A WPS session; with --wait until it ends.
+// A WPS session; with --wait until it ends, or is cancelled by a signal.
 Status askForSession(const Call &call);
 // Shows events until there were --count of them, or for ever; over the end of the host too, when another one comes
 // within the time-out.
@@ -33,9 +33,9 @@ void showVersion(bool asJson);
 
 // `run`: brings the configured radios up and serves until a signal ends it.
 Status beTheHost(const Call &call);
-// `run --sim`: starts the same command in a simulated gateway whose control socket appears at the call's path. Returns
-// only by throwing a Failure.
-[[noreturn]] void runInGateway(const Call &call);
+// `run --sim`: the same command in a simulated gateway whose control socket appears at the call's path; gives its exit
+// status. Nothing of it is left behind.
+Status runInGateway(const Call &call);
 
 // Whether this machine has an interface that the module would take for a radio.
 bool hasRadioInterface();

@@ -201,6 +201,7 @@ Status serveRadios(const Call &call) {
                 server.publish(dumped(event), "events",
                                [&](const json &subscription) { return isWanted(event, subscription); });
         };
+        host->onStep = Progress::step;
         result = host->bringUp();
     }
     result["socket"] = call.socket;
@@ -220,7 +221,7 @@ Status serveRadios(const Call &call) {
 Status beTheHost(const Call &call) {
     setLogLevel(logLevelOf(call.args.value("log_level", "error")));
     if (call.args.value("sim", false))
-        runInGateway(call);
+        return runInGateway(call);
     if (call.args.value("dry_run", false))
         return planTheRun(call);
     if (call.args.value("syslog", false))

@@ -156,7 +156,15 @@ Words takeWords(char **&arg, char **end) {
     return words;
 }
 
+// With the caller's end the outer process ends too, as if it had been asked to.
+void attachToCaller() {
+    const char *attached = std::getenv("GATEWAY_ATTACHED");
+    if (attached && *attached)
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
+
 int run(const Options &options) {
+    attachToCaller();
     sigset_t watched = watchedSignals();
     sigprocmask(SIG_SETMASK, &watched, nullptr);
     int gate[2];
