@@ -1,5 +1,4 @@
 // Plans, asked of a running host or made where there is none.
-#include "host/state/planning.h"
 #include "host/cli/calls.h"
 #include "host/cli/starting.h"
 #include "host/control/gateway_lock.h"
@@ -10,7 +9,7 @@ namespace {
 Status showPlanned(Call call, const json &plan) {
     call.command = findCommand("plan");
     showResult(call, plan);
-    return changesAnything(plan) ? Status::kWouldChange : Status::kDone;
+    return call.command->meaning(plan);
 }
 
 json planFirstStart(const Call &call) {

@@ -36,6 +36,7 @@ json beacon(Host &host, const json &args);
 json reload(Host &host, const json &args);
 // What a reload would do.
 json plan(Host &host, const json &args);
+Status meaningOfPlan(const json &plan);
 json confirm(Host &host, const json &args);
 // A configuration file beside the radios.
 json check(Host &host, const json &args);

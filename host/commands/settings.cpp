@@ -2,6 +2,7 @@
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
+#include "host/state/planning.h"
 #include "host/state/radio_check.h"
 #include "host/tap/dry_run.h"
 #include "host/verify/verification.h"
@@ -61,6 +62,8 @@ json reload(Host &host, const json &args) {
 json plan(Host &host, const json &args) {
     return tap::inDryRun([&] { return host.planReload(reloadRequest(args)); }, kPlanTime);
 }
+
+Status meaningOfPlan(const json &plan) { return changesAnything(plan) ? Status::kWouldChange : Status::kDone; }
 
 json check(Host &host, const json &args) {
     return {{"warnings", warningsOfRadios(host.module(), *host.platform, Config::load(textArg(args, "config")))}};
