@@ -1,5 +1,6 @@
 #include "host/control/control_socket.h"
 
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -18,14 +19,13 @@ namespace {
 
 constexpr size_t kLargestRequest = 64UL * 1024;
 constexpr size_t kLargestAnswer = 64UL * 1024 * 1024;
-// Who waits for an answer and who follows the events do not take each other's places. Together they stay well below the
-// 1,024 descriptors that a process usually has.
-constexpr size_t kMostWaiting = 192;
-constexpr size_t kMostSubscribers = 192;
-constexpr size_t kMostAtATime = kMostWaiting / 2;
+// Who waits for an answer and who follows the events do not take each other's places, nor the descriptors that the
+// module needs for its work.
+constexpr size_t kMostPlaces = 192;
+constexpr size_t kKeptDescriptors = 64;
 constexpr std::chrono::seconds kPatience{10};
 // What a subscriber may leave unread beyond the kernel's buffer.
-constexpr size_t kLargestBacklog = 256UL * 1024;
+constexpr size_t kLargestBacklog = 64UL * 1024;
 
 sockaddr_un addressOf(const std::string &path) {
     sockaddr_un address{};
@@ -66,6 +66,16 @@ uid_t userOf(int fd) {
     return getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 ? peer.uid : static_cast<uid_t>(-1);
 }
 
+size_t placesFor(size_t descriptors) {
+    return std::clamp<size_t>(descriptors < kKeptDescriptors ? 0 : (descriptors - kKeptDescriptors) / 2, 4,
+                              kMostPlaces);
+}
+
+size_t mostDescriptors() {
+    rlimit limit{};
+    return getrlimit(RLIMIT_NOFILE, &limit) == 0 ? static_cast<size_t>(limit.rlim_cur) : kKeptDescriptors;
+}
+
 bool wouldBlock() { return errno == EAGAIN || errno == EINTR; }
 
 // False when nothing came until the deadline.
@@ -94,7 +104,10 @@ std::string socketPath(const std::string &option) {
 }
 
 ControlServer::ControlServer(const std::string &path, Handler handler)
-    : path_(path), handler_(std::move(handler)), listener_(newSocket(SOCK_NONBLOCK)) {
+    : path_(path),
+      handler_(std::move(handler)),
+      listener_(newSocket(SOCK_NONBLOCK)),
+      places_(placesFor(mostDescriptors())) {
     sockaddr_un address = addressOf(path);
     secureRuntimeFolder(path);
     removeStale(path, address);
@@ -143,11 +156,11 @@ void ControlServer::serve() {
 }
 
 void ControlServer::accept() {
-    for (size_t i = 0; i < kMostAtATime; ++i) {
+    for (size_t i = 0; i < places_ / 2; ++i) {
         Fd fd(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (fd.get() >= 0) {
             connections_.push_back({std::move(fd), Clock::now() + kPatience});
-            if (connections_.size() - subscribers() > kMostWaiting)
+            if (connections_.size() - subscribers() > places_)
                 dropOldest();
         } else if ((errno != EMFILE && errno != ENFILE) || connections_.empty()) {
             return;
@@ -192,7 +205,7 @@ bool ControlServer::receive(Connection &connection) {
         if (size_t end = connection.input.find('\n'); end != std::string::npos) {
             askingUser_ = userOf(connection.fd.get());
             Reply reply = handler_(connection.input.substr(0, end));
-            if (reply.subscribed && subscribers() >= kMostSubscribers)
+            if (reply.subscribed && subscribers() >= places_)
                 reply = refusal();
             connection.output = reply.line + "\n";
             connection.answered = true;
@@ -221,8 +234,8 @@ bool ControlServer::send(Connection &connection) {
     return connection.subscribed;
 }
 
-ControlServer::Reply ControlServer::refusal() {
-    Failure failure(Status::kEnvironment, "events", std::to_string(kMostSubscribers) + " clients follow them already",
+ControlServer::Reply ControlServer::refusal() const {
+    Failure failure(Status::kEnvironment, "events", std::to_string(places_) + " clients follow them already",
                     "end one of those");
     return dumped({{"status", failure.status}, {"error", errorOf(failure)}});
 }

@@ -66,7 +66,7 @@ class ControlServer {
     void accept();
     void dropOldest();
     size_t subscribers() const;
-    static Reply refusal();
+    Reply refusal() const;
     // False when the connection is through.
     bool advance(Connection &connection);
     bool receive(Connection &connection);
@@ -78,6 +78,7 @@ class ControlServer {
     Handler handler_;
     uid_t askingUser_ = 0;
     Fd listener_;
+    size_t places_; // of each kind: who waits, who follows
     std::vector<Connection> connections_;
 };
 
