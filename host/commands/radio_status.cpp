@@ -111,11 +111,13 @@ struct Member {
 
 template <size_t Size> json differences(const Findings &findings, const Member (&members)[Size]) {
     json names = json::array();
-    for (const Finding &finding : findings)
-        for (const Member &member : members)
-            if (!finding.holds && finding.check == member.check &&
-                std::count(names.begin(), names.end(), member.name) == 0)
+    for (const Finding &finding : findings) {
+        for (const Member &member : members) {
+            bool differs = !finding.holds && finding.check == member.check;
+            if (differs && std::count(names.begin(), names.end(), member.name) == 0)
                 names.push_back(member.name);
+        }
+    }
     return names;
 }
 
@@ -151,11 +153,21 @@ json radioStatus(Host &host, World &world, WlIntf &intf) {
             {"differs", differences(findings, kMembers)}};
 }
 
-const char *ssidState(const Findings &radio, const Findings &bss) {
-    bool interfaceUp = !findingOf(bss, "interface") || isFound(bss, "interface", "up");
-    if (isFound(radio, "radio", "up") && interfaceUp && isFound(bss, "BSS", "on air"))
+// The checks of one BSS, and whether its radio is up.
+Findings findingsOf(Host &host, World &world, const Host::Bss &bss) {
+    Findings all =
+        examine(host, world, *bss.intf, kOfRadio | kOfBss | kOfInterface | kOfFilter | kOfWps, bss.record().ifName);
+    auto isOther = [](const Finding &one) { return one.interface.empty() && one.check != "radio"; };
+    all.erase(std::remove_if(all.begin(), all.end(), isOther), all.end());
+    demandAnswers(all);
+    return all;
+}
+
+const char *ssidState(const Findings &findings) {
+    bool interfaceUp = !findingOf(findings, "interface") || isFound(findings, "interface", "up");
+    if (isFound(findings, "radio", "up") && interfaceUp && isFound(findings, "BSS", "on air"))
         return "on";
-    return isFound(bss, "BSS", "off") ? "off" : isFound(bss, "BSS", "standby") ? "standby" : "down";
+    return isFound(findings, "BSS", "off") ? "off" : isFound(findings, "BSS", "standby") ? "standby" : "down";
 }
 
 json ssidStatus(Host &host, World &world, const Host::Bss &bss) {
@@ -163,15 +175,7 @@ json ssidStatus(Host &host, World &world, const Host::Bss &bss) {
                                    {"SSID", "ssid"},         {"bridge", "bridge"},   {"security", "security"},
                                    {"MAC filter", "filter"}, {"WPS", "wps"}};
     const WlSsidCfg &record = bss.record();
-    Findings radio = examine(host, world, *bss.intf, kOfRadio, bss.intf->intfName);
-    Findings own = examine(host, world, *bss.intf, kOfBss | kOfInterface | kOfFilter | kOfWps, record.ifName);
-    own.erase(std::remove_if(own.begin(), own.end(), [](const Finding &one) { return one.interface.empty(); }),
-              own.end());
-    radio.erase(std::remove_if(radio.begin(), radio.end(), [](const Finding &one) { return one.check != "radio"; }),
-                radio.end());
-    demandAnswers(radio);
-    demandAnswers(own);
-    radio.insert(radio.end(), own.begin(), own.end());
+    Findings findings = findingsOf(host, world, bss);
     auto mac = parseMac(record.macText);
     return {{"interface", record.ifName},
             {"radio", bss.intf->intfName},
@@ -182,8 +186,8 @@ json ssidStatus(Host &host, World &world, const Host::Bss &bss) {
             {"bssid", mac ? json(formatMac(*mac)) : json()},
             {"filter", filterMode(record)},
             {"wps", wpsState(record)},
-            {"state", ssidState(radio, own)},
-            {"differs", differences(radio, kMembers)}};
+            {"state", ssidState(findings)},
+            {"differs", differences(findings, kMembers)}};
 }
 
 } // namespace

@@ -39,6 +39,11 @@ std::string inStore(const StoredValue &wanted) {
     return wanted.value.substr(0, wanted.value.size() - (cut ? 1 : 0));
 }
 
+// A WPS session stores its list of key managements with a blank behind each.
+bool isStored(const StoredValue &wanted, const std::string &found) {
+    return found == inStore(wanted) || (wanted.key == "akm" && splitWords(found) == splitWords(wanted.value));
+}
+
 std::string passphraseOf(const WlSsidCfg &bss) { return bss.wpaPsk[0] ? bss.wpaPsk : bss.wpaPskFallback; }
 
 // Everything in the store that the security of a BSS hangs on.
@@ -104,13 +109,15 @@ void lookAtSecurity(const Place &place, Finding &finding) {
     std::vector<std::string> differences;
     for (const StoredValue &wanted : wantedSecurity(*place.bss)) {
         std::string found = place.world.stored(place.interface() + "_" + wanted.key);
-        if (found == inStore(wanted))
+        if (isStored(wanted, found))
             continue;
         differences.push_back(wanted.secret ? (found.empty() ? "no " : "another ") + std::string(wanted.name)
                                             : std::string(wanted.name) + " " + inQuotes(escapeBytes(found)));
     }
     finding.holds = differences.empty();
     finding.found = finding.holds ? finding.wanted : joined(differences);
+    if (place.host.wps && place.host.wps->radio == place.interface())
+        finding.cure = "wlhost wps apply {radio}"; // the session may have agreed on it
 }
 
 std::set<std::string> listedStations(const WlSsidCfg &bss) {

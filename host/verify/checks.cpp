@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/base/addresses.h"
 #include "host/base/escape.h"
 #include "host/base/word_lists.h"
 #include "host/config/fields.h"
@@ -178,11 +179,9 @@ const std::vector<Check> &checks() {
         {"bridge", kOfBridge, Scope::kBss, isConfigured, lookAtBridge, "",
          "a station gets no address and reaches nobody outside the right bridge", true},
         {"nas", kOfDaemons, Scope::kGateway, hasRadios,
-         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "nas"); }, "/bin/nas", kNoReason,
-         true},
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "nas"); }, "", kNoReason, true},
         {"eapd", kOfDaemons, Scope::kGateway, hasRadios,
-         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "eapd"); }, "/bin/eapd", kNoReason,
-         true},
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "eapd"); }, "", kNoReason, true},
         {"security", kOfBss, Scope::kBss, isConfigured, lookAtSecurity, kReload,
          "a station that knows another key, or another kind of security, is refused"},
         {"LAN group", kOfLan, Scope::kBss,
@@ -204,19 +203,18 @@ const std::vector<Check> &checks() {
          lookAtWps, kReload, nullptr},
         {"LAN groups", kOfLan, Scope::kGateway, hasLanGroups, lookAtLanGroups, "wlhost lan {config}", nullptr},
         {"acsd", kOfDaemons, Scope::kGateway, selectsChannels,
-         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "acsd"); }, "/bin/acsd", nullptr,
-         true},
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "acsd"); }, "", nullptr, true},
         {"lld2d", kOfDaemons, Scope::kGateway, hasRadios,
          [](const Place &place, Finding &finding) {
              lookAtDaemon(place, finding, "lld2d");
-             finding.cure = "/bin/lld2d " + place.world.stored("lan_ifname");
+             // It is told the first group's bridge.
+             if (std::string bridge = place.world.stored("lan_ifname");
+                 finding.found == "not running" && isInterfaceName(bridge))
+                 finding.cure += " " + bridge;
          },
          "", nullptr, true},
         {"wps_monitor", kOfWps, Scope::kGateway, hasRadios,
-         [](const Place &place, Finding &finding) {
-             lookAtDaemon(place, finding, "wps_monitor", isWpsWanted(place));
-             finding.cure = isWpsWanted(place) ? "/bin/wps_monitor" : "killall wps_monitor";
-         },
+         [](const Place &place, Finding &finding) { lookAtDaemon(place, finding, "wps_monitor", isWpsWanted(place)); },
          "", nullptr, true},
     };
     return kRows;

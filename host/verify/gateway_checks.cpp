@@ -24,7 +24,10 @@ std::string groupText(const std::string &name, const std::vector<std::string> &m
 
 void lookAtDaemon(const Place &place, Finding &finding, const char *daemon, bool wanted) {
     auto text = [](bool runs) { return runs ? "running" : "not running"; };
-    compare(finding, text(wanted), text(place.world.runs(daemon)));
+    const std::string program = std::string("/bin/") + daemon;
+    bool runs = place.world.runs(daemon), missing = !runs && wanted && !place.world.platform().exists(program);
+    compare(finding, text(wanted), missing ? "not installed" : text(runs));
+    finding.cure = missing ? "install " + program : wanted ? program : std::string("killall ") + daemon;
 }
 
 void lookAtLanGroups(const Place &place, Finding &finding) {

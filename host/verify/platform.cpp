@@ -23,7 +23,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kToolPatience = std::chrono::seconds(5);
-constexpr size_t kMostOutput = 256 * 1024;
+constexpr size_t kMostOutput = size_t{256} * 1024;
 
 struct Pipe {
     int ends[2] = {-1, -1};
@@ -177,8 +177,8 @@ std::vector<std::string> Platform::processes() const {
 void Platform::pause(int milliseconds) const { poll(nullptr, 0, milliseconds); }
 
 const Platform &devicePlatform() {
-    static const Platform device;
-    return device;
+    static const Platform kDevice;
+    return kDevice;
 }
 
 } // namespace wlhost

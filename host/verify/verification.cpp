@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/base/escape.h"
 #include "host/verify/checks.h"
 
 namespace wlhost {
@@ -10,6 +11,17 @@ namespace {
 void replaceAll(std::string &text, const std::string &name, const std::string &value) {
     for (size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + value.size()))
         text.replace(at, name.size(), value);
+}
+
+// As one word of a command that a person may copy.
+std::string inShell(const std::string &text) {
+    constexpr char kPlain[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._/-";
+    if (!text.empty() && text.find_first_not_of(kPlain) == std::string::npos)
+        return text;
+    std::string quoted;
+    for (char c : escapeBytes(text))
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return "'" + quoted + "'";
 }
 
 // A BSS without an interface has nothing that could be asked about; that it is missing says it all.
@@ -71,7 +83,7 @@ Finding carryOut(const Check &check, const Place &place) {
     std::string cure = finding.holds ? "" : shownOr(finding.cure, check.cure);
     replaceAll(cure, "{radio}", place.radio());
     replaceAll(cure, "{if}", place.interface());
-    replaceAll(cure, "{config}", place.host.configFile());
+    replaceAll(cure, "{config}", inShell(place.host.configFile()));
     finding.cure = cure;
     return finding;
 }

@@ -131,4 +131,7 @@ test_wps() {
 wl0|WPS|nvram set wl0_wps_mode=disabled
 gateway|wps_monitor|$(ends wps_monitor)
 END_OF_ROWS
+    wlsim wps enrol wl0 --push-button --seconds 20 >/dev/null &
+    assert_status 0 wlhost wps push-button wl0 --wait
+    assert_status 0 wlhost verify
 }

@@ -1,6 +1,7 @@
 // What the platform's tools print, as the checks read it; and what is found when they print something else.
 #include "tests/unit/host_fixture.h"
 
+#include "host/verify/checks.h"
 #include "host/verify/readers.h"
 #include "host/verify/verification.h"
 
@@ -67,6 +68,15 @@ TEST(HostReaders, TakeWhatToolsPrintAndNothingElse) {
               (std::set<std::string>{"02:00:00:00:00:0a", "02:00:00:00:00:0b"}));
     EXPECT_FALSE((Chanspec{6, 40, 'l'}.sameAs({6, 40, 'u'})));
     EXPECT_TRUE((Chanspec{6, 40, 0}.sameAs({6, 40, 'u'})));
+}
+
+TEST(HostChecks, AreAllInTheGuide) {
+    std::ifstream file(WLHOST_EXAMPLES "/../docs/verify.md");
+    const std::string guide((std::istreambuf_iterator<char>(file)), {});
+    for (const Check &check : checks())
+        EXPECT_TRUE(guide.find(std::string("| ") + check.name) != std::string::npos ||
+                    guide.find(std::string(", ") + check.name) != std::string::npos)
+            << check.name;
 }
 
 TEST_F(HostCommands, DemandTellsEveryDifferenceOnALine) {
