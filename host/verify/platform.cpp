@@ -123,7 +123,8 @@ ToolAnswer Platform::run(const std::vector<std::string> &words) const {
     bool inTime = readBoth(out, err, &answer);
     if (!inTime)
         kill(pid, SIGKILL);
-    int wait = 0;
+    // Without a status, as where SIGCHLD is ignored, it counts as one that was killed.
+    int wait = SIGKILL;
     while (waitpid(pid, &wait, 0) < 0 && errno == EINTR) {
     }
     answer.late = !inTime;
