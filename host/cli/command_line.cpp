@@ -105,7 +105,7 @@ Status runCommand(CLI::App &app, Call &call, const json &common, const std::vect
         printError(usageFailure(words, error.what()), asksForJson(words));
         return Status::kUsage;
     } catch (const Failure &failure) {
-        printError(failure, call.asJson);
+        printError(failure, call.asJson, call.command && call.command->follows);
         return failure.status;
     } catch (const std::exception &error) {
         printError(Failure(Status::kFailed, "internal", error.what()), call.asJson);

@@ -72,9 +72,9 @@ size_t outputWidth() {
     return static_cast<size_t>(width > 0 ? width : terminal ? kUsual : 0);
 }
 
-void printError(const Failure &failure, bool asJson) {
+void printError(const Failure &failure, bool asJson, bool oneLine) {
     if (asJson) {
-        std::printf("%s\n", dumped({{"error", errorOf(failure)}}, 2).c_str());
+        std::printf("%s\n", dumped({{"error", errorOf(failure)}}, oneLine ? -1 : 2).c_str());
         return;
     }
     // Errors about a file begin with its name and line, as editors like them.

@@ -32,7 +32,8 @@ Status afterOutput(Status status, FILE *out = stdout);
 // Columns that a table on stdout may have: the terminal's, else COLUMNS; 0 for any number, where nobody looks.
 size_t outputWidth();
 
-// Prints an error: the document on stdout with `asJson`, else lines on stderr.
-void printError(const Failure &failure, bool asJson);
+// Prints an error: the document on stdout with `asJson`, in one line where others stood before it, else lines on
+// stderr.
+void printError(const Failure &failure, bool asJson, bool oneLine = false);
 
 } // namespace wlhost

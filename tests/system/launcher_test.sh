@@ -122,6 +122,26 @@ test_everything_ends_with_the_launcher() {
     done
 }
 
+test_a_host_takes_its_gateway_along() {
+    local end signal status host socket=$scratch/sim/host.sock wlhost=$WLSIM_BUILD/host/wlhost
+    mkdir "$scratch/sim"
+    # The last one cleans nothing up, but another host could start there, and no process is left.
+    for end in TERM=0 INT=0 KILL=137; do
+        signal=${end%=*} status=0
+        env --default-signal=INT "$wlhost" run --sim --socket "$socket" "${GATEWAY%/platform/*}/examples/minimal.json" >/dev/null 2>&1 &
+        host=$!
+        wait_for 60 "$wlhost" --socket "$socket" status
+        kill -"$signal" "$host"
+        wait "$host" || status=$?
+        assert_eq "${end#*=}" "$status" "status by $signal"
+        [ "$signal" = KILL ] || assert_eq '' "$(ls -A "$scratch/sim")" "left by $signal"
+        wait_for 20 gone host.sock.sim
+    done
+    output=$("$wlhost" run --sim --once --socket "$socket" "${GATEWAY%/platform/*}/examples/minimal.json" 2>&1)
+    assert_eq 0 $? "a host after a killed one: $output"
+    assert_eq '' "$(ls -A "$scratch/sim")" 'left in the end'
+}
+
 test_background_processes_end_with_the_command() {
     assert_status 0 gateway -- sh -c '(trap "" HUP TERM; sleep 1000; : left-over-process) & eapd'
     wait_for 20 gone left-over-process
