@@ -80,7 +80,8 @@ void receiveEvents(Host &host) {
 void reloadOnSignal(Host &host) {
     tap::Operation operation("reload", "SIGHUP");
     try {
-        host.reload({});
+        reload(host, json::object());
+        logText(LogLevel::kInfo, "reload", "took " + host.configFile() + " over");
     } catch (const Failure &failure) {
         logText(LogLevel::kError, "reload", failure.where + ": " + failure.what());
     }

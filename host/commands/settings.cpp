@@ -56,7 +56,18 @@ json setMac(Host &host, const json &args) {
 json reload(Host &host, const json &args) {
     if (flagArg(args, "dry_run"))
         return plan(host, args);
-    return host.reload(reloadRequest(args));
+    std::string radio = textArg(args, "radio");
+    json event = {{"event", "reload"}, {"radio", radio.empty() ? json() : json(radio)}, {"result", "done"}};
+    try {
+        json result = host.reload(reloadRequest(args));
+        event["config"] = result["config"];
+        host.tell(event);
+        return result;
+    } catch (const Failure &failure) {
+        event["result"] = statusWord(failure.status);
+        host.tell(event);
+        throw;
+    }
 }
 
 json plan(Host &host, const json &args) {

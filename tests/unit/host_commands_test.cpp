@@ -27,14 +27,18 @@ TEST_F(HostCommands, ReloadsWhatChanged) {
     EXPECT_EQ(calls, (Calls{"reload wl0 44", "reload wl1 6", "reload wl0 44", "reload wl1 6"}));
 
     calls.clear();
+    json told;
+    host_->onEvent = [&](const json &event) { told = event; };
     change("/radios/0/channel", 45);
     json refused = ask("reload");
+    expectHas(told, {{"event", "reload"}, {"result", "usage"}, {"interface", nullptr}});
     EXPECT_EQ(refused["status"], Status::kUsage);
     EXPECT_EQ(intfs_[0].radio.channel, 44);
     EXPECT_EQ(calls, Calls{}) << "a file that is not sound was applied";
 
     change("/lan/groups/0/ports", {"eth0", "eth1"});
     EXPECT_EQ(result("reload")["lan"], "updated");
+    expectHas(told, {{"result", "done"}, {"config", file_}, {"sequence", host_->eventCount}});
     EXPECT_EQ(calls, (Calls{"lan br0", "reload wl0 36"}));
 }
 
