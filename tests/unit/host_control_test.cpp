@@ -104,6 +104,14 @@ TEST(HostText, RowsAreSortedByAColumn) {
     EXPECT_EQ(columnNames(columns), (std::vector<std::string>{"if", "signal", "chan"}));
 }
 
+TEST(HostText, ARefusalForWantOfPermissionNamesTheUser) {
+    Failure refused = systemFailure(Status::kUsage, "x", EACCES, "choose another", "/proc/1/exe/none");
+    EXPECT_EQ(refused.status, Status::kEnvironment);
+    EXPECT_EQ(std::string(refused.what()).rfind("no permission for user ", 0), 0u) << refused.what();
+    EXPECT_EQ(refused.hint, "run wlhost as root, or choose another");
+    EXPECT_EQ(systemFailure(Status::kUsage, "x", ENOENT, "").status, Status::kUsage);
+}
+
 TEST(HostText, ReplacesEveryOccurrenceOnce) {
     char text[64] = "&a&&";
     EXPECT_EQ(qvUtilStrReplace(text, "&", "&amp;"), 3);
