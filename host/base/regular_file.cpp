@@ -27,6 +27,8 @@ std::string sizeText(size_t bytes) {
 std::string readRegularFile(const std::string &file, size_t largest) {
     auto refuse = [&](const std::string &why) { throw Failure(Status::kUsage, "", escapeBytes(file) + ": " + why); };
     auto checkKind = [&](int rc, const struct stat &entry) {
+        if (rc != 0 && (errno == EACCES || errno == EPERM))
+            throw systemFailure(Status::kEnvironment, escapeBytes(file), errno, "", file);
         if (rc != 0)
             refuse(std::string("cannot be read: ") + std::strerror(errno));
         if (!S_ISREG(entry.st_mode))
