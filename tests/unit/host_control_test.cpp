@@ -242,7 +242,7 @@ TEST_F(HostControl, SubscribersGetWhatIsPublished) {
 
 TEST_F(HostControl, SlowSubscriberIsToldWhatItMissed) {
     server_ = std::make_unique<ControlServer>(
-        path_, [](const std::string &request) { return ControlServer::Reply(request, true, json(request)); });
+        path_, [](const std::string &request) { return ControlServer::Reply(request, true, "events", json(request)); });
     auto turn = [&] {
         server_->serve();
         return server_->hasSubscribers();
@@ -252,7 +252,7 @@ TEST_F(HostControl, SlowSubscriberIsToldWhatItMissed) {
     EXPECT_EQ(other.nextLine(5), "other");
     const std::string line(20000, 'x');
     for (int i = 0; i < 200; ++i) {
-        server_->publish(line, [](const json &asked) { return asked == "slow"; });
+        server_->publish(line, "events", [](const json &asked) { return asked == "slow"; });
         server_->serve();
     }
     server_->publish("after the gap has begun");
