@@ -1,0 +1,246 @@
+#include "host/report/masks.h"
+
+#include <sys/random.h>
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <stdexcept>
+
+#include "host/base/escape.h"
+#include "host/report/records.h"
+
+namespace wlhost {
+namespace {
+
+constexpr size_t kShortestSearched = 8;
+
+struct SecretName {
+    std::string_view name;
+    SecretKind kind;
+    bool variable; // of the store, behind any prefix; also a word of a text
+};
+constexpr SecretName kNames[] = {
+    // members of the module's records and inputs of operations
+    {"wpaPsk", SecretKind::kKey, false},
+    {"wpaPskFallback", SecretKind::kKey, false},
+    {"wepKeys", SecretKind::kKey, false},
+    {"radiusKey", SecretKind::kKey, false},
+    {"wpsDevicePin", SecretKind::kPin, false},
+    {"pin", SecretKind::kPin, false},
+    // settings of the configuration
+    {"key", SecretKind::kKey, false},
+    {"key_fallback", SecretKind::kKey, false},
+    {"secret", SecretKind::kKey, false},
+    {"device_pin", SecretKind::kPin, true},
+    // variables
+    {"wpa_psk", SecretKind::kKey, true},
+    {"key1", SecretKind::kKey, true},
+    {"key2", SecretKind::kKey, true},
+    {"key3", SecretKind::kKey, true},
+    {"key4", SecretKind::kKey, true},
+    {"radius_key", SecretKind::kKey, true},
+    {"sta_pin", SecretKind::kPin, true},
+    {"ap_pin", SecretKind::kPin, true},
+};
+
+// Not secret, but public constants that the module tells from all others: push button, and the PIN of no device.
+constexpr std::string_view kPublicPins[] = {WLBRCM_PBC_PIN, WLBRCM_DEFAULT_DEVICE_PIN};
+
+bool isAlnum(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isBlank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+bool isHexDigit(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
+
+bool endsWithVariable(std::string_view name, std::string_view variable) {
+    if (name.size() < variable.size() || name.substr(name.size() - variable.size()) != variable)
+        return false;
+    return name.size() == variable.size() || !isAlnum(name[name.size() - variable.size() - 1]);
+}
+
+// One of `choice`, by the kernel's randomness.
+char drawn(std::string_view choice) {
+    unsigned char byte = 0;
+    const auto limit = 256 - 256 % choice.size(); // so that all are equally likely
+    do {
+        if (getrandom(&byte, 1, 0) != 1)
+            throw std::runtime_error("the system gives no random numbers");
+    } while (byte >= limit);
+    return choice[byte % choice.size()];
+}
+
+// The digit that makes the seven before it a PIN (Wi-Fi Protected Setup).
+char checksumDigit(std::string_view pin) {
+    int sum = 0;
+    for (size_t i = 0; i < 7; ++i)
+        sum += (pin[i] - '0') * (i % 2 == 0 ? 3 : 1);
+    return static_cast<char>('0' + (10 - sum % 10) % 10);
+}
+
+bool allDigits(std::string_view text) { return std::all_of(text.begin(), text.end(), isDigit); }
+
+std::string drawnPin(const std::string &pin) {
+    std::string mask = pin;
+    for (char &c : mask)
+        if (isDigit(c))
+            c = drawn("0123456789");
+    if (pin.size() == 8 && allDigits(pin)) {
+        // A wrong checksum stays as wrong as it was.
+        const int wrongBy = pin[7] - checksumDigit(pin);
+        mask[7] = static_cast<char>('0' + (checksumDigit(mask) - '0' + wrongBy + 10) % 10);
+    }
+    return mask;
+}
+
+bool isHexKey(const std::string &text) {
+    return (text.size() == 64 || text.size() == 26 || text.size() == 10) &&
+           std::all_of(text.begin(), text.end(), isHexDigit);
+}
+
+// Letters that are no hexadecimal digits: a text never becomes a key of digits. A blank at the end has a meaning for
+// the module and stays.
+std::string drawnKey(const std::string &key) {
+    const bool hex = isHexKey(key);
+    std::string mask = key;
+    for (char &c : mask)
+        if (hex || !(isBlank(c) && &c == &mask.back()))
+            c = drawn(hex ? "0123456789abcdef" : "ghijkmnopqrstuvwxyzGHJKLMNPQRSTUVWXYZ");
+    return mask;
+}
+
+bool isPublic(SecretKind kind, std::string_view text) {
+    return text.empty() || (kind == SecretKind::kPin &&
+                            std::find(std::begin(kPublicPins), std::end(kPublicPins), text) != std::end(kPublicPins));
+}
+
+// A word `name=value` of a text: where its value stands. With `at` behind the "=".
+struct Value {
+    SecretKind kind = SecretKind::kNone;
+    size_t at = 0, size = 0;
+};
+Value valueBehind(const std::string &text, size_t equals) {
+    size_t start = equals;
+    while (start > 0 && (isAlnum(text[start - 1]) || std::string_view("_.").find(text[start - 1]) != std::string::npos))
+        --start;
+    const std::string_view name(text.data() + start, equals - start);
+    for (const SecretName &row : kNames)
+        if (row.variable && endsWithVariable(name, row.name)) {
+            size_t at = equals + 1;
+            const char quote = at < text.size() && (text[at] == '\'' || text[at] == '"') ? text[at++] : '\0';
+            size_t end = at;
+            while (end < text.size() && (quote ? text[end] != quote : !isBlank(text[end]) && text[end] != '\0'))
+                ++end;
+            return {row.kind, at, end - at};
+        }
+    return {};
+}
+
+bool isBytes(const json &value) { return value.is_object() && value.size() == 1 && value.contains("hex"); }
+
+} // namespace
+
+SecretKind secretKind(std::string_view name) {
+    for (const SecretName &row : kNames)
+        if (row.variable ? endsWithVariable(name, row.name) : name == row.name)
+            return row.kind;
+    return SecretKind::kNone;
+}
+
+// Calls `leaf` with each text, which it may change, and the kind of its place.
+template <typename Leaf> void Masks::walk(json &document, SecretKind kind, const Leaf &leaf) {
+    if (document.is_string() || isBytes(document)) {
+        std::string text = bytesFromJson(document);
+        leaf(kind, text);
+        document = bytesToJson(text);
+    } else if (document.is_array()) {
+        for (json &element : document)
+            walk(element, kind, leaf);
+    } else if (document.is_object()) {
+        // A call names in `what` the variable that its value and answer belong to.
+        const json what = document.value("what", json());
+        const SecretKind variable = what.is_string() ? secretKind(what.get<std::string>()) : SecretKind::kNone;
+        for (auto &[name, value] : document.items()) {
+            const bool ofVariable = name == "value" || name == "answer";
+            const SecretKind own = ofVariable ? variable : secretKind(name);
+            walk(value, own == SecretKind::kNone && !ofVariable ? kind : own, leaf);
+        }
+    }
+}
+
+void Masks::learn(const json &document) {
+    json copy = document;
+    walk(copy, SecretKind::kNone, [this](SecretKind kind, const std::string &text) {
+        if (kind == SecretKind::kNone)
+            learnWords(text);
+        else
+            learnSecret(kind, text);
+    });
+}
+
+void Masks::apply(json &document) {
+    walk(document, SecretKind::kNone, [this](SecretKind kind, std::string &text) {
+        text = kind == SecretKind::kNone ? ofText(text) : ofSecret(kind, text);
+    });
+}
+
+void Masks::learnWords(const std::string &text) {
+    for (size_t at = text.find('='); at != std::string::npos; at = text.find('=', at + 1))
+        if (const Value value = valueBehind(text, at); value.kind != SecretKind::kNone)
+            learnSecret(value.kind, text.substr(value.at, value.size));
+}
+
+void Masks::learnSecret(SecretKind kind, const std::string &secret) {
+    if (isPublic(kind, secret) || masks_.count(secret))
+        return;
+    std::string mask;
+    auto taken = [&] {
+        return mask == secret || isPublic(kind, mask) ||
+               std::any_of(masks_.begin(), masks_.end(), [&](const auto &known) { return known.second.text == mask; });
+    };
+    int tries = 1000; // a radius key of one letter may leave none
+    do
+        mask = kind == SecretKind::kPin ? drawnPin(secret) : drawnKey(secret);
+    while (taken() && --tries > 0);
+    const bool everywhere =
+        secret.size() >= kShortestSearched && moduleText_.find(secret) == std::string::npos;
+    masks_[secret] = {kind, mask, everywhere};
+    if (everywhere) {
+        auto longer = [](const std::string &a, const std::string &b) { return a.size() > b.size(); };
+        searched_.insert(std::upper_bound(searched_.begin(), searched_.end(), secret, longer), secret);
+    }
+}
+
+std::string Masks::ofSecret(SecretKind kind, const std::string &secret) {
+    if (isPublic(kind, secret))
+        return secret;
+    learnSecret(kind, secret);
+    return masks_.at(secret).text;
+}
+
+// Digits amid other digits are a number, not a PIN.
+bool Masks::standsFor(const std::string &secret, const std::string &text, size_t at) const {
+    if (text.compare(at, secret.size(), secret) != 0)
+        return false;
+    const size_t end = at + secret.size();
+    return !allDigits(secret) || ((at == 0 || !isDigit(text[at - 1])) && (end == text.size() || !isDigit(text[end])));
+}
+
+std::string Masks::ofText(const std::string &text) {
+    std::string out = text;
+    for (size_t at = 0; at < text.size();) {
+        const Value value = text[at] == '=' ? valueBehind(text, at) : Value{};
+        if (value.kind != SecretKind::kNone) {
+            out.replace(value.at, value.size, ofSecret(value.kind, text.substr(value.at, value.size)));
+            at = value.at + value.size;
+            continue;
+        }
+        auto found = std::find_if(searched_.begin(), searched_.end(),
+                                  [&](const std::string &secret) { return standsFor(secret, text, at); });
+        if (found != searched_.end())
+            out.replace(at, found->size(), masks_.at(*found).text);
+        at += found != searched_.end() ? found->size() : 1;
+    }
+    return out;
+}
+
+} // namespace wlhost

@@ -1,0 +1,67 @@
+#include "host/report/script.h"
+
+#include <algorithm>
+
+namespace wlhost {
+
+void Script::begin(const Operation &operation) {
+    operation_ = &operation;
+    used_.assign(operation.entries.size(), false);
+    told_ = used_;
+    at_ = 0;
+    function_.clear();
+}
+
+void Script::note(const Entry *expected, const std::string &got) {
+    constexpr size_t kMostKept = 100;
+    if (++differenceCount_ > kMostKept)
+        return;
+    differences_.push_back({operation_->number, operation_->name, operation_->radio, at_ + 1,
+                            expected ? describe(*expected) : "", got, expected ? expected->function : "",
+                            got.empty() ? "" : function_});
+}
+
+// The nearest equal entry that no call had yet: ahead, else among those that were passed over.
+size_t Script::search(const Entry &call) const {
+    const auto &entries = operation_->entries;
+    auto fits = [&](size_t i) { return !used_[i] && entries[i].wantsSameAs(call); };
+    for (size_t i = at_; i < entries.size(); ++i)
+        if (fits(i))
+            return i;
+    for (size_t i = at_; i-- > 0;)
+        if (fits(i))
+            return i;
+    return entries.size();
+}
+
+const Entry *Script::next(const Entry &call) {
+    const auto &entries = operation_->entries;
+    while (at_ < entries.size() && used_[at_])
+        ++at_;
+    const size_t found = search(call);
+    if (found != at_ || found == entries.size()) {
+        const bool expects = at_ < entries.size();
+        note(expects ? &entries[at_] : nullptr, describe(call));
+        if (expects)
+            told_[at_] = true;
+    }
+    if (found == entries.size())
+        return nullptr;
+    used_[found] = true;
+    at_ = found + 1;
+    ++matched_;
+    return &entries[found];
+}
+
+void Script::end(int64_t result) {
+    for (at_ = 0; at_ < used_.size(); ++at_)
+        if (!used_[at_] && !told_[at_])
+            note(&operation_->entries[at_], "");
+    if (result != operation_->result) {
+        Entry returned;
+        returned.call = "returns " + std::to_string(operation_->result);
+        note(&returned, "returns " + std::to_string(result));
+    }
+}
+
+} // namespace wlhost
