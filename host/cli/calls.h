@@ -40,6 +40,12 @@ Status runInGateway(const Call &call);
 // Whether this machine has an interface that the module would take for a radio.
 bool hasRadioInterface();
 Status examineMachine(const Call &call);
+// What `doctor` says of this machine, without the host.
+json machineRows(const std::string &library);
+// Has the host make an archive of itself and writes it.
+Status askForReport(const Call &call);
+// Runs the operations of an archive again and compares.
+Status replayArchive(const Call &call);
 Status checkConfiguration(const Call &call);
 Status printSchema(const Call &call);
 Status complete(const Call &call);

@@ -85,12 +85,16 @@ bool hasRadioInterface() {
     return false;
 }
 
-Status examineMachine(const Call &call) {
-    json rows = json::array({libraryRow(libraryName(call.args.value("library", "")))});
+json machineRows(const std::string &library) {
+    json rows = json::array({libraryRow(library)});
     for (const Tool &tool : kTools)
         rows.push_back(row(tool.name, runnable(tool.name), tool.required, tool.hint));
-    rows.push_back(
-        row("radio interfaces", hasRadioInterface(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
+    rows.push_back(row("radio interfaces", hasRadioInterface(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
+    return rows;
+}
+
+Status examineMachine(const Call &call) {
+    json rows = machineRows(libraryName(call.args.value("library", "")));
     rows.push_back(hostRow(call.socket));
     showResult(call, rows);
     bool lacking = std::any_of(rows.begin(), rows.end(),

@@ -19,6 +19,7 @@
 #include "host/control/gateway_lock.h"
 #include "host/journal/journal.h"
 #include "host/journal/journal_file.h"
+#include "host/report/recording.h"
 #include "host/state/host.h"
 #include "host/tap/live.h"
 #include "host/tap/tap.h"

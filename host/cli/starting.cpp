@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/base/word_lists.h"
+#include "host/report/recording.h"
 #include "host/state/radio_check.h"
 #include "host/tap/dry_run.h"
 #include "host/verify/verification.h"
@@ -58,9 +59,9 @@ std::set<std::string> adoptedBy(const json &plan) {
 
 std::unique_ptr<Host> startHost(const std::string &library, Config config, const std::set<std::string> &adopted) {
     if (adopted.empty())
-        return std::make_unique<Host>(loadModule(library), std::move(config), platformVerifier());
+        return std::make_unique<Host>(loadRecorded(library), std::move(config), platformVerifier());
     tap::goDry();
-    auto host = std::make_unique<Host>(loadModule(library), std::move(config), platformVerifier());
+    auto host = std::make_unique<Host>(loadRecorded(library), std::move(config), platformVerifier());
     std::vector<tap::Command> held = tap::takeEffects().commands;
     host->adopt(adopted);
     tap::goLive();

@@ -62,6 +62,8 @@ json wpsApply(Host &host, const json &args);
 json journalEntries(Host &host, const json &args);
 const char *journalTopic(const json &args);
 json changeLogLevel(Host &host, const json &args);
+// An archive of this host: its bytes as hexadecimal digits, and what it holds.
+json report(Host &host, const json &args);
 
 // Answers a subscription; the events follow as lines of their own.
 json followEvents(Host &host, const json &args);

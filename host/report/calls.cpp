@@ -15,14 +15,6 @@
 namespace wlhost {
 namespace {
 
-Entry call(const char *name, std::string what, std::string value = {}) {
-    Entry entry;
-    entry.call = name;
-    entry.what = std::move(what);
-    entry.value = std::move(value);
-    return entry;
-}
-
 // The name of a number that is another one on other processors, or the number.
 struct Named {
     int number;
@@ -41,6 +33,18 @@ constexpr Named kPolicies[] = {{SCHED_RR, "SCHED_RR"}, {SCHED_FIFO, "SCHED_FIFO"
 template <typename Block> const Block &as(const void *block) { return *static_cast<const Block *>(block); }
 
 } // namespace
+
+Entry callOf(const char *name, std::string what, std::string value) {
+    Entry entry;
+    entry.call = name;
+    entry.what = std::move(what);
+    entry.value = std::move(value);
+    return entry;
+}
+
+bool isCommand(const Entry &entry) {
+    return entry.call == "system" || entry.call == "popen" || entry.call == "wlctl_cmd";
+}
 
 std::string addressText(const sockaddr *address, socklen_t length) {
     sockaddr_in v4;
@@ -65,11 +69,11 @@ sockaddr_in addressOf(const std::string &text) {
 
 Entry openCall(const char *path, int flags) {
     const int access = flags & O_ACCMODE;
-    return call("open", path ? path : "", access == O_RDONLY ? "read" : access == O_WRONLY ? "write" : "device");
+    return callOf("open", path ? path : "", access == O_RDONLY ? "read" : access == O_WRONLY ? "write" : "device");
 }
 
 Entry priorityCall(pid_t pid, int policy, const sched_param &parameters) {
-    return call("sched_setscheduler", std::to_string(pid),
+    return callOf("sched_setscheduler", std::to_string(pid),
                 nameOf(kPolicies, policy) + " " + std::to_string(parameters.sched_priority));
 }
 
@@ -78,24 +82,24 @@ Entry affinityCall(pid_t pid, size_t size, const cpu_set_t &set) {
     for (size_t cpu = 0; cpu < size * 8 && cpu < CPU_SETSIZE; ++cpu)
         if (CPU_ISSET(cpu, &set))
             cpus += (cpus.empty() ? "" : " ") + std::to_string(cpu);
-    return call("sched_setaffinity", std::to_string(pid), cpus);
+    return callOf("sched_setaffinity", std::to_string(pid), cpus);
 }
 
-Entry signalCall(int number) { return call("sigaction", number == SIGCHLD ? "SIGCHLD" : std::to_string(number)); }
+Entry signalCall(int number) { return callOf("sigaction", number == SIGCHLD ? "SIGCHLD" : std::to_string(number)); }
 
 Entry optionCall(int level, int option, const void *value, socklen_t length) {
     int number = 0;
     if (value && length == sizeof number)
         std::memcpy(&number, value, sizeof number);
-    return call("setsockopt", level == SOL_SOCKET ? nameOf(kOptions, option) : std::to_string(option),
+    return callOf("setsockopt", level == SOL_SOCKET ? nameOf(kOptions, option) : std::to_string(option),
                 std::to_string(number));
 }
 
 Entry sendCall(const void *data, size_t size, const sockaddr *to, socklen_t length) {
-    return call("sendto", addressText(to, length), {static_cast<const char *>(data), data ? size : 0});
+    return callOf("sendto", addressText(to, length), {static_cast<const char *>(data), data ? size : 0});
 }
 
-Entry pauseCall(const timespec &wanted) { return call("nanosleep", timeText(wanted)); }
+Entry pauseCall(const timespec &wanted) { return callOf("nanosleep", timeText(wanted)); }
 
 Entry ioctlCall(unsigned long request, const void *block) {
     using namespace wlbrcm;
@@ -103,17 +107,17 @@ Entry ioctlCall(unsigned long request, const void *block) {
     switch (request) {
     case SIOCGIFHWADDR: {
         const char *name = as<ifreq>(block).ifr_name;
-        return call("ioctl", "SIOCGIFHWADDR", {name, strnlen(name, IFNAMSIZ)});
+        return callOf("ioctl", "SIOCGIFHWADDR", {name, strnlen(name, IFNAMSIZ)});
     }
     case kReadChipInfo:
-        return call("ioctl", "chip-info", std::to_string(as<ChipInfoRequest>(block).item));
+        return callOf("ioctl", "chip-info", std::to_string(as<ChipInfoRequest>(block).item));
     case kReadBoardFlash:
-        return call("ioctl", "board-flash", std::to_string(as<BoardRequest>(block).offset));
+        return callOf("ioctl", "board-flash", std::to_string(as<BoardRequest>(block).offset));
     case kReadGpioOverlays:
-        return call("ioctl", "gpio-overlays");
+        return callOf("ioctl", "gpio-overlays");
     default:
         std::snprintf(text, sizeof text, "%#lx", request);
-        return call("ioctl", text);
+        return callOf("ioctl", text);
     }
 }
 
@@ -178,7 +182,7 @@ std::string timeText(const timespec &time) {
     return text;
 }
 
-timespec timeOf(const std::string &text) {
+timespec timespecOf(const std::string &text) {
     const size_t point = std::min(text.find('.'), text.size());
     timespec time{};
     time.tv_sec = static_cast<time_t>(std::strtoll(text.c_str(), nullptr, 10));

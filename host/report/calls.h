@@ -10,6 +10,9 @@
 
 namespace wlhost {
 
+Entry callOf(const char *name, std::string what = {}, std::string value = {});
+bool isCommand(const Entry &entry);
+
 // "127.0.0.1:40500"; empty for an address of another family.
 std::string addressText(const sockaddr *address, socklen_t length);
 sockaddr_in addressOf(const std::string &text);
@@ -34,7 +37,7 @@ void putStatus(const std::string &text, uid_t own, struct stat &status);
 std::string listingLine(const dirent &entry);
 
 std::string timeText(const timespec &time);
-timespec timeOf(const std::string &text);
+timespec timespecOf(const std::string &text);
 
 // Exit status of what was waited for, 128 and the number of a signal, or -1; and back.
 int exitStatus(int waited);

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "host/base/escape.h"
+#include "host/base/masking.h"
 #include "host/report/records.h"
 
 namespace wlhost {
@@ -18,30 +19,13 @@ constexpr size_t kShortestSearched = 8;
 struct SecretName {
     std::string_view name;
     SecretKind kind;
-    bool variable; // of the store, behind any prefix; also a word of a text
 };
+// Members of the module's records, inputs of operations and settings of the configuration; what variables hold secrets
+// tells isSecretKey().
 constexpr SecretName kNames[] = {
-    // members of the module's records and inputs of operations
-    {"wpaPsk", SecretKind::kKey, false},
-    {"wpaPskFallback", SecretKind::kKey, false},
-    {"wepKeys", SecretKind::kKey, false},
-    {"radiusKey", SecretKind::kKey, false},
-    {"wpsDevicePin", SecretKind::kPin, false},
-    {"pin", SecretKind::kPin, false},
-    // settings of the configuration
-    {"key", SecretKind::kKey, false},
-    {"key_fallback", SecretKind::kKey, false},
-    {"secret", SecretKind::kKey, false},
-    {"device_pin", SecretKind::kPin, true},
-    // variables
-    {"wpa_psk", SecretKind::kKey, true},
-    {"key1", SecretKind::kKey, true},
-    {"key2", SecretKind::kKey, true},
-    {"key3", SecretKind::kKey, true},
-    {"key4", SecretKind::kKey, true},
-    {"radius_key", SecretKind::kKey, true},
-    {"sta_pin", SecretKind::kPin, true},
-    {"ap_pin", SecretKind::kPin, true},
+    {"wpaPsk", SecretKind::kKey},    {"wpaPskFallback", SecretKind::kKey}, {"wepKeys", SecretKind::kKey},
+    {"radiusKey", SecretKind::kKey}, {"wpsDevicePin", SecretKind::kPin},   {"key", SecretKind::kKey},
+    {"key_fallback", SecretKind::kKey}, {"secret", SecretKind::kKey},
 };
 
 // Not secret, but public constants that the module tells from all others: push button, and the PIN of no device.
@@ -51,12 +35,6 @@ bool isAlnum(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isBlank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 bool isHexDigit(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
-
-bool endsWithVariable(std::string_view name, std::string_view variable) {
-    if (name.size() < variable.size() || name.substr(name.size() - variable.size()) != variable)
-        return false;
-    return name.size() == variable.size() || !isAlnum(name[name.size() - variable.size() - 1]);
-}
 
 // One of `choice`, by the kernel's randomness.
 char drawn(std::string_view choice) {
@@ -113,6 +91,12 @@ bool isPublic(SecretKind kind, std::string_view text) {
                             std::find(std::begin(kPublicPins), std::end(kPublicPins), text) != std::end(kPublicPins));
 }
 
+SecretKind ofVariable(std::string_view name) {
+    constexpr std::string_view kPinEnd = "pin";
+    const bool isPin = name.size() >= kPinEnd.size() && name.substr(name.size() - kPinEnd.size()) == kPinEnd;
+    return !isSecretKey(name) ? SecretKind::kNone : isPin ? SecretKind::kPin : SecretKind::kKey;
+}
+
 // A word `name=value` of a text: where its value stands. With `at` behind the "=".
 struct Value {
     SecretKind kind = SecretKind::kNone;
@@ -122,17 +106,29 @@ Value valueBehind(const std::string &text, size_t equals) {
     size_t start = equals;
     while (start > 0 && (isAlnum(text[start - 1]) || std::string_view("_.").find(text[start - 1]) != std::string::npos))
         --start;
-    const std::string_view name(text.data() + start, equals - start);
-    for (const SecretName &row : kNames)
-        if (row.variable && endsWithVariable(name, row.name)) {
-            size_t at = equals + 1;
-            const char quote = at < text.size() && (text[at] == '\'' || text[at] == '"') ? text[at++] : '\0';
-            size_t end = at;
-            while (end < text.size() && (quote ? text[end] != quote : !isBlank(text[end]) && text[end] != '\0'))
-                ++end;
-            return {row.kind, at, end - at};
-        }
-    return {};
+    const SecretKind kind = ofVariable({text.data() + start, equals - start});
+    size_t at = equals + 1;
+    const char quote = at < text.size() && (text[at] == '\'' || text[at] == '"') ? text[at++] : '\0';
+    size_t end = at;
+    while (end < text.size() && (quote ? text[end] != quote : !isBlank(text[end]) && text[end] != '\0'))
+        ++end;
+    return {kind, at, end - at};
+}
+
+// 'a''b' for ab.
+std::string quoted(const std::string &text) {
+    std::string out;
+    for (char c : text)
+        out += std::string("'") + c + "'";
+    return out;
+}
+
+// Digits amid other digits are a number, not a PIN.
+bool standsAt(const std::string &secret, const std::string &text, size_t at) {
+    if (text.compare(at, secret.size(), secret) != 0)
+        return false;
+    const size_t end = at + secret.size();
+    return !allDigits(secret) || ((at == 0 || !isDigit(text[at - 1])) && (end == text.size() || !isDigit(text[end])));
 }
 
 bool isBytes(const json &value) { return value.is_object() && value.size() == 1 && value.contains("hex"); }
@@ -141,9 +137,9 @@ bool isBytes(const json &value) { return value.is_object() && value.size() == 1 
 
 SecretKind secretKind(std::string_view name) {
     for (const SecretName &row : kNames)
-        if (row.variable ? endsWithVariable(name, row.name) : name == row.name)
+        if (name == row.name)
             return row.kind;
-    return SecretKind::kNone;
+    return ofVariable(name);
 }
 
 // Calls `leaf` with each text, which it may change, and the kind of its place.
@@ -195,18 +191,20 @@ void Masks::learnSecret(SecretKind kind, const std::string &secret) {
     std::string mask;
     auto taken = [&] {
         return mask == secret || isPublic(kind, mask) ||
-               std::any_of(masks_.begin(), masks_.end(), [&](const auto &known) { return known.second.text == mask; });
+               std::any_of(masks_.begin(), masks_.end(), [&](const auto &known) { return known.second == mask; });
     };
     int tries = 1000; // a radius key of one letter may leave none
     do
         mask = kind == SecretKind::kPin ? drawnPin(secret) : drawnKey(secret);
     while (taken() && --tries > 0);
-    const bool everywhere =
-        secret.size() >= kShortestSearched && moduleText_.find(secret) == std::string::npos;
-    masks_[secret] = {kind, mask, everywhere};
-    if (everywhere) {
-        auto longer = [](const std::string &a, const std::string &b) { return a.size() > b.size(); };
-        searched_.insert(std::upper_bound(searched_.begin(), searched_.end(), secret, longer), secret);
+    masks_[secret] = mask;
+    if (secret.size() < kShortestSearched || moduleText_.find(secret) != std::string::npos)
+        return;
+    // As it is, as the module quotes texts in commands, and as it is shown.
+    for (const auto &spelling : {std::pair(secret, mask), std::pair(quoted(secret), quoted(mask)),
+                                 std::pair(escapeBytes(secret), escapeBytes(mask))}) {
+        auto longer = [](const auto &a, const auto &b) { return a.first.size() > b.first.size(); };
+        searched_.insert(std::upper_bound(searched_.begin(), searched_.end(), spelling, longer), spelling);
     }
 }
 
@@ -214,31 +212,23 @@ std::string Masks::ofSecret(SecretKind kind, const std::string &secret) {
     if (isPublic(kind, secret))
         return secret;
     learnSecret(kind, secret);
-    return masks_.at(secret).text;
-}
-
-// Digits amid other digits are a number, not a PIN.
-bool Masks::standsFor(const std::string &secret, const std::string &text, size_t at) const {
-    if (text.compare(at, secret.size(), secret) != 0)
-        return false;
-    const size_t end = at + secret.size();
-    return !allDigits(secret) || ((at == 0 || !isDigit(text[at - 1])) && (end == text.size() || !isDigit(text[end])));
+    return masks_.at(secret);
 }
 
 std::string Masks::ofText(const std::string &text) {
-    std::string out = text;
+    std::string out;
     for (size_t at = 0; at < text.size();) {
         const Value value = text[at] == '=' ? valueBehind(text, at) : Value{};
         if (value.kind != SecretKind::kNone) {
-            out.replace(value.at, value.size, ofSecret(value.kind, text.substr(value.at, value.size)));
+            out.append(text, at, value.at - at);
+            out += ofSecret(value.kind, text.substr(value.at, value.size));
             at = value.at + value.size;
             continue;
         }
         auto found = std::find_if(searched_.begin(), searched_.end(),
-                                  [&](const std::string &secret) { return standsFor(secret, text, at); });
-        if (found != searched_.end())
-            out.replace(at, found->size(), masks_.at(*found).text);
-        at += found != searched_.end() ? found->size() : 1;
+                                  [&](const auto &one) { return standsAt(one.first, text, at); });
+        out += found != searched_.end() ? found->second : std::string(1, text[at]);
+        at += found != searched_.end() ? found->first.size() : 1;
     }
     return out;
 }

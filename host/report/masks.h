@@ -38,16 +38,11 @@ class Masks {
     template <typename Leaf> void walk(json &document, SecretKind kind, const Leaf &leaf);
     void learnSecret(SecretKind kind, const std::string &secret);
     void learnWords(const std::string &text);
-    bool standsFor(const std::string &secret, const std::string &text, size_t at) const;
 
-    struct Mask {
-        SecretKind kind;
-        std::string text;
-        bool everywhere; // not only in its known places
-    };
     std::string moduleText_;
-    std::map<std::string, Mask> masks_; // by secret
-    std::vector<std::string> searched_; // secrets to replace everywhere, the longest first
+    std::map<std::string, std::string> masks_; // by secret
+    // To be replaced wherever they stand, by what: spellings of secrets, the longest first.
+    std::vector<std::pair<std::string, std::string>> searched_;
 };
 
 } // namespace wlhost

@@ -274,6 +274,13 @@ const std::vector<Row> &rows() {
 
 } // namespace
 
+void beginModuleStart(TraceRing &trace) {
+    Operation start;
+    start.name = kModuleStart;
+    start.time = now();
+    trace.begin(std::move(start));
+}
+
 void recordOperations(Module &module, TraceRing &trace) {
     for (const Row &one : rows())
         one.record(module, trace, one);

@@ -10,6 +10,7 @@ namespace wlhost {
 // The operation that a trace begins with.
 constexpr const char *kModuleStart = "wlModuleInit";
 
+void beginModuleStart(TraceRing &trace);
 // From here on the module's operations are noted in the trace, whoever calls them.
 void recordOperations(Module &module, TraceRing &trace);
 

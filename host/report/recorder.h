@@ -1,17 +1,19 @@
-// Records what the module does and the answers that it gets, and lets another handler do it.
+// Records what the module does and the answers that it gets, in every mode: the handler in force does it.
 #pragma once
 
 #include <map>
 #include <memory>
 
 #include "host/report/trace_ring.h"
-#include "host/tap/handler.h"
+#include "host/tap/tap.h"
 
 namespace wlhost {
 
 class Recorder : public tap::Handler {
   public:
-    Recorder(tap::Handler &next, TraceRing &trace) : next_(next), trace_(trace) {}
+    explicit Recorder(TraceRing &trace) : trace_(trace) {}
+
+    void heard(const char *function, const std::string &text) override;
 
     int system(const char *command) override;
     FILE *popen(const char *command, const char *type) override;
@@ -27,7 +29,7 @@ class Recorder : public tap::Handler {
     int close(int fd) override;
     ssize_t read(int fd, void *data, size_t size) override;
     off_t lseek(int fd, off_t offset, int whence) override;
-    int fcntl(int fd, int request, long argument) override { return next_.fcntl(fd, request, argument); }
+    int fcntl(int fd, int request, long argument) override { return next().fcntl(fd, request, argument); }
     size_t fread(void *data, size_t size, size_t count, FILE *stream) override;
     int fileno(FILE *stream) override;
     int remove(const char *path) override;
@@ -40,7 +42,7 @@ class Recorder : public tap::Handler {
     int schedSetaffinity(pid_t pid, size_t size, const cpu_set_t *set) override;
     int schedSetscheduler(pid_t pid, int policy, const sched_param *parameters) override;
     int sigaction(int number, const struct sigaction *action, struct sigaction *old) override;
-    uid_t geteuid() override { return next_.geteuid(); }
+    uid_t geteuid() override { return next().geteuid(); }
 
     int socket(int domain, int type, int protocol) override;
     int bind(int fd, const sockaddr *address, socklen_t length) override;
@@ -57,7 +59,7 @@ class Recorder : public tap::Handler {
     int rand() override;
     void srand(unsigned seed) override;
 
-    bool print(FILE *stream, const char *text, size_t length) override { return next_.print(stream, text, length); }
+    bool print(FILE *stream, const char *text, size_t length) override { return next().print(stream, text, length); }
     bool print(int fd, const char *text, size_t length) override;
 
   private:
@@ -65,22 +67,23 @@ class Recorder : public tap::Handler {
     struct Source {
         Entry *entry; // null when nothing was recorded
         std::string path;
-        bool isRead = false;
+        bool isRead;
         std::string bytes;
-        size_t at = 0;
+        size_t at;
     };
 
+    static tap::Handler &next() { return tap::handler(); }
     // Notes a call with its result, and errno when that is negative; errno stays as it was.
     Entry *note(Entry entry, int64_t result);
     void answer(Entry *entry, std::string_view bytes);
     template <typename Read> void readWhole(Source &source, Read read);
     static size_t take(Source &source, void *data, size_t size);
 
-    tap::Handler &next_;
     TraceRing &trace_;
     std::map<int, Source> files_;
     std::map<FILE *, Source> pipes_;
     std::map<DIR *, Entry *> directories_;
+    Entry *write_ = nullptr; // the last one, whose line of the log follows
 };
 
 } // namespace wlhost

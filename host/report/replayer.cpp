@@ -6,15 +6,14 @@
 
 #include "host/base/escape.h"
 #include "host/report/calls.h"
+#include "host/tap/tap.h"
 
 namespace wlhost {
 namespace {
 
-Entry call(const char *name, std::string what = {}, std::string value = {}) {
-    Entry entry;
-    entry.call = name;
-    entry.what = std::move(what);
-    entry.value = std::move(value);
+Entry commandOf(const char *name, const std::string &command) {
+    Entry entry = callOf(name, command);
+    entry.function = tap::functionOf(command);
     return entry;
 }
 
@@ -59,11 +58,11 @@ size_t Replayer::take(Source *source, void *data, size_t size) {
     return count;
 }
 
-int Replayer::system(const char *command) { return waitedStatus(plain(call("system", text(command)))); }
+int Replayer::system(const char *command) { return waitedStatus(plain(commandOf("system", text(command)))); }
 
 FILE *Replayer::popen(const char *command, const char *) {
     // The exit status of a pipe may be any; only one that could not be started has no stream.
-    const Entry *entry = script_.next(call("popen", text(command)));
+    const Entry *entry = script_.next(commandOf("popen", text(command)));
     if (!entry || (entry->result < 0 && !entry->error.empty())) {
         settle(entry, -1);
         return nullptr;
@@ -80,18 +79,18 @@ int Replayer::pclose(FILE *stream) {
     return status;
 }
 
-int Replayer::wlctlCmd(char *line) { return plain(call("wlctl_cmd", text(line))); }
+int Replayer::wlctlCmd(char *line) { return plain(commandOf("wlctl_cmd", text(line))); }
 
 char *Replayer::nvramGet(const char *key) {
-    const Entry *entry = script_.next(call("nvram_get", text(key)));
+    const Entry *entry = script_.next(callOf("nvram_get", text(key)));
     if (!entry || !entry->answer)
         return nullptr;
     stored_ = *entry->answer;
     return stored_.data();
 }
 
-int Replayer::nvramSet(const char *key, const char *value) { return plain(call("nvram_set", text(key), text(value))); }
-int Replayer::nvramUnset(const char *key) { return plain(call("nvram_unset", text(key))); }
+int Replayer::nvramSet(const char *key, const char *value) { return plain(callOf("nvram_set", text(key), text(value))); }
+int Replayer::nvramUnset(const char *key) { return plain(callOf("nvram_unset", text(key))); }
 
 int Replayer::open(const char *path, int flags, mode_t) {
     const int fd = openSource(openCall(path, flags), files_, static_cast<int>(++handles_));
@@ -100,7 +99,7 @@ int Replayer::open(const char *path, int flags, mode_t) {
 
 int Replayer::fstat(int fd, struct stat *status) {
     const Source *file = find(files_, fd);
-    const Entry *entry = script_.next(call("fstat", file ? file->path : ""));
+    const Entry *entry = script_.next(callOf("fstat", file ? file->path : ""));
     putStatus(entry && entry->answer ? *entry->answer : "other", kOwner, *status);
     return settle(entry, -1);
 }
@@ -124,11 +123,11 @@ size_t Replayer::fread(void *data, size_t size, size_t count, FILE *stream) {
     return size == 0 ? 0 : take(find(pipes_, stream), data, size * count) / size;
 }
 
-int Replayer::remove(const char *path) { return plain(call("remove", text(path)), -1); }
-int Replayer::chmod(const char *path, mode_t mode) { return plain(call("chmod", text(path), std::to_string(mode))); }
+int Replayer::remove(const char *path) { return plain(callOf("remove", text(path)), -1); }
+int Replayer::chmod(const char *path, mode_t mode) { return plain(callOf("chmod", text(path), std::to_string(mode))); }
 
 DIR *Replayer::opendir(const char *path) {
-    return openSource(call("opendir", text(path)), directories_, reinterpret_cast<DIR *>(++handles_));
+    return openSource(callOf("opendir", text(path)), directories_, reinterpret_cast<DIR *>(++handles_));
 }
 
 dirent *Replayer::readdir(DIR *directory) {
@@ -167,11 +166,11 @@ int Replayer::sigaction(int number, const struct sigaction *, struct sigaction *
 }
 
 int Replayer::socket(int, int, int) {
-    return plain(call("socket")) < 0 ? -1 : static_cast<int>(++handles_);
+    return plain(callOf("socket")) < 0 ? -1 : static_cast<int>(++handles_);
 }
 
 int Replayer::bind(int, const sockaddr *address, socklen_t length) {
-    return plain(call("bind", addressText(address, length)));
+    return plain(callOf("bind", addressText(address, length)));
 }
 
 int Replayer::setsockopt(int, int level, int option, const void *value, socklen_t length) {
@@ -183,7 +182,7 @@ ssize_t Replayer::sendto(int, const void *data, size_t size, int, const sockaddr
 }
 
 ssize_t Replayer::recv(int, void *data, size_t size, int) {
-    const Entry *entry = script_.next(call("recv"));
+    const Entry *entry = script_.next(callOf("recv"));
     if (settle(entry, -1) < 0)
         return -1;
     Source datagram{{}, entry->answer.value_or(""), 0, 0, {}};
@@ -191,7 +190,7 @@ ssize_t Replayer::recv(int, void *data, size_t size, int) {
 }
 
 ssize_t Replayer::recvfrom(int, void *data, size_t size, int, sockaddr *from, socklen_t *length) {
-    const Entry *entry = script_.next(call("recvfrom"));
+    const Entry *entry = script_.next(callOf("recvfrom"));
     if (settle(entry, -1) < 0)
         return -1;
     const std::string answer = entry->answer.value_or("");
@@ -206,7 +205,7 @@ ssize_t Replayer::recvfrom(int, void *data, size_t size, int, sockaddr *from, so
 }
 
 int Replayer::poll(pollfd *fds, nfds_t count, int) {
-    const int ready = plain(call("poll"));
+    const int ready = plain(callOf("poll"));
     for (nfds_t i = 0; i < count; ++i)
         fds[i].revents = static_cast<short>(ready > 0 ? fds[i].events : 0);
     return ready;
@@ -222,30 +221,30 @@ int Replayer::ioctl(int, unsigned long request, void *block) {
 int Replayer::nanosleep(const timespec *wanted, timespec *left) {
     const Entry *entry = script_.next(pauseCall(*wanted));
     if (entry && entry->answer && left)
-        *left = timeOf(*entry->answer);
+        *left = timespecOf(*entry->answer);
     return settle(entry, 0);
 }
 
 int Replayer::clockGettime(clockid_t, timespec *now) {
-    const Entry *entry = script_.next(call("clock_gettime"));
+    const Entry *entry = script_.next(callOf("clock_gettime"));
     // Without an entry each look at the clock is a second later, so that no wait becomes endless.
-    *now = entry && entry->answer ? timeOf(*entry->answer) : timespec{static_cast<time_t>(++handles_), 0};
+    *now = entry && entry->answer ? timespecOf(*entry->answer) : timespec{static_cast<time_t>(++handles_), 0};
     return settle(entry, 0);
 }
 
 time_t Replayer::time(time_t *now) {
-    const auto seconds = static_cast<time_t>(numberIn(script_.next(call("time"))));
+    const auto seconds = static_cast<time_t>(numberIn(script_.next(callOf("time"))));
     if (now)
         *now = seconds;
     return seconds;
 }
 
-int Replayer::rand() { return static_cast<int>(numberIn(script_.next(call("rand")))); }
-void Replayer::srand(unsigned seed) { script_.next(call("srand", std::to_string(seed))); }
+int Replayer::rand() { return static_cast<int>(numberIn(script_.next(callOf("rand")))); }
+void Replayer::srand(unsigned seed) { script_.next(callOf("srand", std::to_string(seed))); }
 
 bool Replayer::print(int fd, const char *data, size_t length) {
     const Source *file = find(files_, fd);
-    return plain(call("write", file ? file->path : "", {data, length})) >= 0;
+    return plain(callOf("write", file ? file->path : "", {data, length})) >= 0;
 }
 
 } // namespace wlhost

@@ -9,16 +9,15 @@ void Script::begin(const Operation &operation) {
     used_.assign(operation.entries.size(), false);
     told_ = used_;
     at_ = 0;
-    function_.clear();
 }
 
-void Script::note(const Entry *expected, const std::string &got) {
+void Script::note(const Entry *expected, const Entry *got) {
     constexpr size_t kMostKept = 100;
     if (++differenceCount_ > kMostKept)
         return;
     differences_.push_back({operation_->number, operation_->name, operation_->radio, at_ + 1,
-                            expected ? describe(*expected) : "", got, expected ? expected->function : "",
-                            got.empty() ? "" : function_});
+                            expected ? describe(*expected) : "", got ? describe(*got) : "",
+                            expected ? expected->function : "", got ? got->function : ""});
 }
 
 // The nearest equal entry that no call had yet: ahead, else among those that were passed over.
@@ -41,7 +40,7 @@ const Entry *Script::next(const Entry &call) {
     const size_t found = search(call);
     if (found != at_ || found == entries.size()) {
         const bool expects = at_ < entries.size();
-        note(expects ? &entries[at_] : nullptr, describe(call));
+        note(expects ? &entries[at_] : nullptr, &call);
         if (expects)
             told_[at_] = true;
     }
@@ -56,11 +55,12 @@ const Entry *Script::next(const Entry &call) {
 void Script::end(int64_t result) {
     for (at_ = 0; at_ < used_.size(); ++at_)
         if (!used_[at_] && !told_[at_])
-            note(&operation_->entries[at_], "");
+            note(&operation_->entries[at_], nullptr);
     if (result != operation_->result) {
-        Entry returned;
-        returned.call = "returns " + std::to_string(operation_->result);
-        note(&returned, "returns " + std::to_string(result));
+        Entry expected, got;
+        expected.call = "returns " + std::to_string(operation_->result);
+        got.call = "returns " + std::to_string(result);
+        note(&expected, &got);
     }
 }
 

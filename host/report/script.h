@@ -25,22 +25,18 @@ class Script {
     // Calls that are still expected now will not come.
     void end(int64_t result);
 
-    // The module's function that its log named last.
-    void setFunction(const std::string &name) { function_ = name; }
-
     const std::vector<Difference> &differences() const { return differences_; } // the first ones
     size_t differenceCount() const { return differenceCount_; }
     size_t matched() const { return matched_; }
 
   private:
-    void note(const Entry *expected, const std::string &got);
+    void note(const Entry *expected, const Entry *got);
     size_t search(const Entry &call) const;
 
     const Operation *operation_ = nullptr;
     std::vector<bool> used_, told_; // entries that were matched, and those named as missed
     size_t at_ = 0;
     size_t matched_ = 0, differenceCount_ = 0;
-    std::string function_;
     std::vector<Difference> differences_;
 };
 

@@ -129,6 +129,26 @@ std::string showSession(const json &result, const std::vector<Column> &columns) 
     return result["next"].is_string() ? text + "next: " + result["next"].get<std::string>() + "\n" : text;
 }
 
+std::string showReplay(const json &result, const std::vector<Column> &) {
+    auto side = [](const json &call, const json &function) {
+        return (call.is_null() ? "no such call" : cell(call)) +
+               (function.is_null() ? std::string() : " (" + cell(function) + ")") + "\n";
+    };
+    std::string text;
+    for (const json &one : result["differences"])
+        text += "operation " + cell(one["number"]) + " " + cell(one["operation"]) +
+                (one["radio"].is_null() ? "" : " " + cell(one["radio"])) + ", call " + cell(one["call"]) +
+                ":\n  archive: " + side(one["archive"], one["archive_function"]) +
+                "  module:  " + side(one["module"], one["module_function"]);
+    const size_t more = result["difference_count"].get<size_t>() - result["differences"].size();
+    text += more ? std::to_string(more) + " more differences\n" : "";
+    for (const json &gap : result["gaps"])
+        text += "operations " + cell(gap["from"]) + " to " + cell(gap["to"]) +
+                " are not in the archive; what the module remembered of them may make differences behind them\n";
+    return text + (result["same"] == true ? "same: " : "different: ") + cell(result["operations"]) + " operations, " +
+           cell(result["calls"]) + " calls\n";
+}
+
 std::string showEvent(const json &event, const std::vector<Column> &) {
     // Behind what every event has: what one may tell more, with the word before it.
     constexpr const char *kMore[][2] = {{"method", ""},

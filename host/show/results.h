@@ -24,6 +24,8 @@ std::string showBeacon(const json &result, const std::vector<Column> &columns);
 std::string showSession(const json &result, const std::vector<Column> &columns);
 // An object as lines of name and value.
 std::string showMembers(const json &result, const std::vector<Column> &);
+// Each difference with both sides, then a line that counts.
+std::string showReplay(const json &result, const std::vector<Column> &);
 // One line, without its end.
 std::string showEntry(const json &entry);
 std::string showEvent(const json &event, const std::vector<Column> &);

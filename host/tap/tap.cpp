@@ -15,6 +15,7 @@ using Address = ElfW(Addr);
 
 Handler passOn;
 Handler *inForce = &passOn;
+Handler *recorder = nullptr;
 
 Operation *innermost = nullptr;
 uint64_t operations = 0;
@@ -122,10 +123,13 @@ void attach(void *library, const void *symbol) {
 
 Handler &handler() { return *inForce; }
 void setHandler(Handler *handler) { inForce = handler ? handler : &passOn; }
+void setRecorder(Handler *outermost) { recorder = outermost; }
 
 Handler &handlerFor(const void *returnAddress) {
     auto address = reinterpret_cast<Address>(returnAddress);
-    return address >= textBegin && address < textEnd ? *inForce : passOn;
+    if (address < textBegin || address >= textEnd)
+        return passOn;
+    return recorder ? *recorder : *inForce;
 }
 
 Operation::Operation(std::string name, std::string request)
@@ -148,6 +152,8 @@ const Operation &Operation::current() {
 void heard(const char *function, const std::string &text) {
     lastFunction = function;
     lastText = text;
+    if (recorder)
+        recorder->heard(function, text);
     inForce->heard(function, text);
 }
 

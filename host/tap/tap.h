@@ -16,6 +16,8 @@ void attach(void *library, const void *symbol);
 // The handler of the module's calls; the one that passes them on when none was set. It stays the caller's own.
 Handler &handler();
 void setHandler(Handler *handler);
+// Sees each call of the module before the handler in force, whichever that is, and hands it on to it. Null for none.
+void setRecorder(Handler *recorder);
 
 // The handler for a call that returns to this address: the module's calls alone are handled, others are passed on.
 Handler &handlerFor(const void *returnAddress);
