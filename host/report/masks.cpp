@@ -116,7 +116,7 @@ Value valueBehind(const std::string &text, size_t equals) {
 }
 
 // 'a''b' for ab.
-std::string quoted(const std::string &text) {
+std::string singlyQuoted(const std::string &text) {
     std::string out;
     for (char c : text)
         out += std::string("'") + c + "'";
@@ -201,7 +201,7 @@ void Masks::learnSecret(SecretKind kind, const std::string &secret) {
     if (secret.size() < kShortestSearched || moduleText_.find(secret) != std::string::npos)
         return;
     // As it is, as the module quotes texts in commands, and as it is shown.
-    for (const auto &spelling : {std::pair(secret, mask), std::pair(quoted(secret), quoted(mask)),
+    for (const auto &spelling : {std::pair(secret, mask), std::pair(singlyQuoted(secret), singlyQuoted(mask)),
                                  std::pair(escapeBytes(secret), escapeBytes(mask))}) {
         auto longer = [](const auto &a, const auto &b) { return a.first.size() > b.first.size(); };
         searched_.insert(std::upper_bound(searched_.begin(), searched_.end(), spelling, longer), spelling);

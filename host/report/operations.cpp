@@ -228,7 +228,7 @@ template <typename Result, typename... Args, Result (*&(*Place)(Module &))(Args.
     static int64_t again(Module &module, const Row &own, const json &input, std::index_sequence<At...>) {
         if (!Place(module))
             throw Failure(Status::kFailed, own.name, "this module does not offer it");
-        auto given = [&](const char *name) { return name ? input.value(name, json()) : json(); };
+        auto given = [&](const char *name) { return name ? input.value(name, json()) : json(0); };
         std::tuple<Argument<Args>...> arguments(given(own.arguments[At])...);
         return number(Place(module)(std::get<At>(arguments).get()...));
     }
