@@ -80,8 +80,7 @@ json report(Host &host, const json &) {
     archive.verify = verifyRows(host);
     archive.doctor = machineRows(host.module().library);
     archive.configuration = host.config().document.root;
-    for (const Operation &operation : recording().operations())
-        archive.operations.push_back(operationToJson(operation));
+    archive.operations = operationsToJson(recording().operations());
     archive.nvram = storedVariables(host.module(), archive.operations);
     archive.about = versions(host);
     const size_t kept = archive.operations.size();

@@ -204,7 +204,8 @@ void Masks::learnSecret(SecretKind kind, const std::string &secret) {
     for (const auto &spelling : {std::pair(secret, mask), std::pair(singlyQuoted(secret), singlyQuoted(mask)),
                                  std::pair(escapeBytes(secret), escapeBytes(mask))}) {
         auto longer = [](const auto &a, const auto &b) { return a.first.size() > b.first.size(); };
-        searched_.insert(std::upper_bound(searched_.begin(), searched_.end(), spelling, longer), spelling);
+        auto &same = searched_[static_cast<unsigned char>(spelling.first[0])];
+        same.insert(std::upper_bound(same.begin(), same.end(), spelling, longer), spelling);
     }
 }
 
@@ -225,10 +226,15 @@ std::string Masks::ofText(const std::string &text) {
             at = value.at + value.size;
             continue;
         }
-        auto found = std::find_if(searched_.begin(), searched_.end(),
+        const auto &same = searched_[static_cast<unsigned char>(text[at])];
+        auto found = std::find_if(same.begin(), same.end(),
                                   [&](const auto &one) { return standsAt(one.first, text, at); });
-        out += found != searched_.end() ? found->second : std::string(1, text[at]);
-        at += found != searched_.end() ? found->first.size() : 1;
+        if (found == same.end()) {
+            out += text[at++];
+        } else {
+            out += found->second;
+            at += found->first.size();
+        }
     }
     return out;
 }

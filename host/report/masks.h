@@ -2,6 +2,7 @@
 // digits stay such, a PIN keeps its digits' number and whether its checksum is right, a text its length.
 #pragma once
 
+#include <array>
 #include <map>
 #include <string>
 #include <string_view>
@@ -41,8 +42,8 @@ class Masks {
 
     std::string moduleText_;
     std::map<std::string, std::string> masks_; // by secret
-    // To be replaced wherever they stand, by what: spellings of secrets, the longest first.
-    std::vector<std::pair<std::string, std::string>> searched_;
+    // To be replaced wherever they stand, by what: spellings of secrets by their first byte, the longest first.
+    std::array<std::vector<std::pair<std::string, std::string>>, 256> searched_;
 };
 
 } // namespace wlhost

@@ -86,7 +86,7 @@ json replay(const std::string &bytes, const std::string &library) {
         const Operation &operation = archive.operations[i];
         tap::Operation scope(operation.name);
         script.begin(operation);
-        script.end(runAgain(module, operation.name, json::parse(operation.input)));
+        script.end(runAgain(module, operation.name, inputOf(operation)));
     }
     tap::setHandler(nullptr);
     json differences = json::array();

@@ -84,7 +84,7 @@ struct Stream : z_stream {
 
 std::string deflated(std::string_view bytes) {
     Stream stream(deflateEnd);
-    if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, kGzip, 8, Z_DEFAULT_STRATEGY) != Z_OK)
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzip, 8, Z_DEFAULT_STRATEGY) != Z_OK)
         throw std::bad_alloc();
     std::string out(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
     stream.setInput(bytes);

@@ -1,6 +1,8 @@
 #include "host/report/trace.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <map>
 
 #include "host/base/escape.h"
 #include "host/base/failure.h"
@@ -102,30 +104,64 @@ json entryToJson(const Entry &entry) {
     return out;
 }
 
-json operationToJson(const Operation &operation) {
-    json entries = json::array();
-    for (const Entry &entry : operation.entries)
-        entries.push_back(entryToJson(entry));
-    json input = json::parse(operation.input);
-    if (operation.record)
-        input["intf"] = json::parse(*operation.record);
-    return {{"number", operation.number}, {"operation", operation.name}, {"radio", operation.radio},
-            {"time", operation.time},     {"input", std::move(input)},   {"result", operation.result},
-            {"entries", std::move(entries)}};
+std::vector<json> operationsToJson(const std::list<Operation> &operations) {
+    std::map<const std::string *, uint64_t> told; // by record, the operation that holds it
+    std::vector<json> all;
+    for (const Operation &operation : operations) {
+        json input = json::parse(operation.input), entries = json::array();
+        const auto known = told.find(operation.record.get());
+        if (known != told.end())
+            input["intf"] = {{"as_in", known->second}};
+        else if (operation.record)
+            input["intf"] = json::parse(*operation.record);
+        if (operation.record)
+            told.emplace(operation.record.get(), operation.number);
+        for (const Entry &entry : operation.entries)
+            entries.push_back(entryToJson(entry));
+        all.push_back({{"number", operation.number},
+                       {"operation", operation.name},
+                       {"radio", operation.radio},
+                       {"time", operation.time},
+                       {"input", std::move(input)},
+                       {"result", operation.result},
+                       {"entries", std::move(entries)}});
+    }
+    return all;
 }
 
-Operation operationFromJson(const json &from) {
+Operation operationFromJson(json from, const std::deque<Operation> &before) {
     if (!from.is_object() || !from.value("entries", json()).is_array() || !from.value("input", json()).is_object())
         refuse("an operation lacks its input or its entries");
     Operation operation;
     operation.number = static_cast<uint64_t>(numberAt(from, "number"));
+    if (!before.empty() && operation.number <= before.back().number)
+        refuse("operations are out of order");
     operation.name = textAt(from, "operation");
     operation.radio = textAt(from, "radio");
-    operation.input = from["input"].dump();
     operation.result = numberAt(from, "result");
+    json &input = from["input"];
+    if (const json intf = input.value("intf", json()); intf.is_object() && intf.contains("as_in")) {
+        const auto number = static_cast<uint64_t>(numberAt(intf, "as_in"));
+        auto same = std::lower_bound(before.begin(), before.end(), number,
+                                     [](const Operation &one, uint64_t wanted) { return one.number < wanted; });
+        if (same == before.end() || same->number != number || !same->record)
+            refuse("a record stands in an operation that there is not");
+        operation.record = same->record;
+    } else if (!intf.is_null()) {
+        operation.record = std::make_shared<const std::string>(intf.dump());
+    }
+    input.erase("intf");
+    operation.input = input.dump();
     for (const json &entry : from["entries"])
         operation.entries.push_back(entryFromJson(entry));
     return operation;
+}
+
+json inputOf(const Operation &operation) {
+    json input = json::parse(operation.input);
+    if (operation.record)
+        input["intf"] = json::parse(*operation.record);
+    return input;
 }
 
 std::string errorName(int number) {

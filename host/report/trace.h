@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <deque>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/base/json.h"
 
@@ -45,9 +47,12 @@ struct Operation {
 };
 
 json entryToJson(const Entry &entry);
-json operationToJson(const Operation &operation);
-// Throws a Failure when a member is missing or of another kind.
-Operation operationFromJson(const json &from);
+// A record that an earlier operation had stands there alone: {"as_in": its number}.
+std::vector<json> operationsToJson(const std::list<Operation> &operations);
+// Behind those that were read before. Throws a Failure when a member is missing or of another kind.
+Operation operationFromJson(json from, const std::deque<Operation> &before);
+// All arguments.
+json inputOf(const Operation &operation);
 
 // Name of an errno value and back; numbers differ between processors.
 std::string errorName(int number);
