@@ -195,6 +195,9 @@ auto &receive(Module &module) {
     return module.events ? module.events->receive : none;
 }
 auto &phyType(Module &module) { return module.phyType; }
+auto &upstreamRate(Module &module) { return module.setUpstreamRate; }
+auto &downstreamRate(Module &module) { return module.setDownstreamRate; }
+auto &flowCache(Module &module) { return module.setFlowCache; }
 auto &checkPin(Module &module) { return module.checkPin; }
 
 template <auto Place> struct Of;
@@ -267,6 +270,9 @@ const std::vector<Row> &rows() {
         row<slot<&Ops::enableFenraEvt>>("enableFenraEvt", {"enable"}),
         row<receive>("receive", {}),
         row<phyType>("qvWlanGetPhyType", {"interface"}),
+        row<upstreamRate>("qvWlanSetUpstreamRate", {"interface", "kbit"}),
+        row<downstreamRate>("qvWlanSetDownstreamRate", {"interface", "kbit"}),
+        row<flowCache>("qvWlanFlowCacheSetup", {"interface", "use"}),
         row<checkPin>("qvWlanWscPincheck", {"pin"}),
     };
     return kRows;

@@ -53,16 +53,16 @@ LightChange lightChange(size_t index, const WlSsidCfg &now, const WlSsidCfg &nex
             on && differ(now.bridge, next.bridge)};
 }
 
-Operation lightest(const LightChange &part) {
-    return part.bridge                  ? Operation::kLan
-           : part.preset                ? Operation::kPreset
-           : part.filter || part.limits ? Operation::kFilter
-                                        : Operation::kNone;
+ChangeKind lightest(const LightChange &part) {
+    return part.bridge                  ? ChangeKind::kLan
+           : part.preset                ? ChangeKind::kPreset
+           : part.filter || part.limits ? ChangeKind::kFilter
+                                        : ChangeKind::kNone;
 }
 
 } // namespace
 
-const char *operationWord(Operation operation) {
+const char *operationWord(ChangeKind operation) {
     constexpr const char *kWords[] = {"none", "filter", "preset", "lan", "reload", "bring-up", "down"};
     return kWords[static_cast<size_t>(operation)];
 }
@@ -72,7 +72,7 @@ Change changeBetween(const RadioRecords &now, const RadioRecords &next) {
     if (now == next)
         return change;
     if (!isLight(now, next)) {
-        change.operation = Operation::kReload;
+        change.operation = ChangeKind::kReload;
         return change;
     }
     for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i) {

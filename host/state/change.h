@@ -9,9 +9,9 @@
 namespace wlhost {
 
 // From the lightest to the heaviest. The last three take the radio down.
-enum class Operation { kNone, kFilter, kPreset, kLan, kReload, kBringUp, kDown };
-const char *operationWord(Operation operation);
-inline bool takesDown(Operation operation) { return operation >= Operation::kReload; }
+enum class ChangeKind { kNone, kFilter, kPreset, kLan, kReload, kBringUp, kDown };
+const char *operationWord(ChangeKind operation);
+inline bool takesDown(ChangeKind operation) { return operation >= ChangeKind::kReload; }
 
 // Settings of one BSS that change while its stations stay.
 struct LightChange {
@@ -20,7 +20,7 @@ struct LightChange {
 };
 
 struct Change {
-    Operation operation = Operation::kNone;
+    ChangeKind operation = ChangeKind::kNone;
     std::string reason;
     std::vector<LightChange> parts; // of an operation that takes nothing down
 };

@@ -25,19 +25,11 @@ int changeFilter(Host &host, const Host::Bss &bss, const WlSsidCfg &from, json &
 int changeLimits(const Module &module, WlSsidCfg &record, const WlSsidCfg &from) {
     record.upstreamRate = from.upstreamRate;
     record.downstreamRate = from.downstreamRate;
-    int result = 0;
-    auto set = [&](auto *setter, int value, auto... more) {
-        std::string text = std::to_string(value);
-        WlanParamArg arg{};
-        arg.prefix = record.ifName;
-        arg.value = text.data();
-        int rc = setter(&arg, more...);
-        result = result == 0 ? rc : result;
-    };
-    set(module.setUpstreamRate, record.upstreamRate);
-    set(module.setDownstreamRate, record.downstreamRate);
-    set(module.setFlowCache, record.upstreamRate == 0, 1);
-    return result;
+    int results[] = {module.setUpstreamRate(record.ifName, record.upstreamRate),
+                     module.setDownstreamRate(record.ifName, record.downstreamRate),
+                     module.setFlowCache(record.ifName, record.upstreamRate == 0)};
+    const int *failed = std::find_if(std::begin(results), std::end(results), [](int rc) { return rc != 0; });
+    return failed == std::end(results) ? 0 : *failed;
 }
 
 int changePreset(Host &host, const Host::Bss &bss, const WlSsidCfg &from, json &drops) {

@@ -55,6 +55,20 @@ template <typename Function> Function *symbol(void *library, const char *name) {
     return reinterpret_cast<Function *>(dlsym(library, name));
 }
 
+// Setters take a record of texts that they do not change.
+int (*upstreamRate)(WlanParamArg *), (*downstreamRate)(WlanParamArg *), (*flowCache)(WlanParamArg *, int);
+
+template <typename Setter, typename... More> int set(Setter *setter, const char *ifname, int value, More... more) {
+    std::string prefix = ifname, text = std::to_string(value);
+    WlanParamArg arg{};
+    arg.prefix = prefix.data();
+    arg.value = text.data();
+    return setter(&arg, more...);
+}
+int setUpstreamRate(const char *ifname, int kbit) { return set(upstreamRate, ifname, kbit); }
+int setDownstreamRate(const char *ifname, int kbit) { return set(downstreamRate, ifname, kbit); }
+int setFlowCache(const char *ifname, int use) { return set(flowCache, ifname, use, 1); }
+
 } // namespace
 
 WlIntf *Module::find(const std::string &radio) const {
@@ -91,9 +105,12 @@ Module &loadModule(const std::string &library) {
     theModule.nvramGet = symbol<const char *(const char *)>(handle, "nvram_get");
     theModule.phyType = symbol<decltype(qvWlanGetPhyType)>(handle, "qvWlanGetPhyType");
     theModule.checkPin = symbol<decltype(qvWlanWscPincheck)>(handle, "qvWlanWscPincheck");
-    theModule.setUpstreamRate = symbol<decltype(qvWlanSetUpstreamRate)>(handle, "qvWlanSetUpstreamRate");
-    theModule.setDownstreamRate = symbol<decltype(qvWlanSetDownstreamRate)>(handle, "qvWlanSetDownstreamRate");
-    theModule.setFlowCache = symbol<decltype(qvWlanFlowCacheSetup)>(handle, "qvWlanFlowCacheSetup");
+    upstreamRate = symbol<decltype(qvWlanSetUpstreamRate)>(handle, "qvWlanSetUpstreamRate");
+    downstreamRate = symbol<decltype(qvWlanSetDownstreamRate)>(handle, "qvWlanSetDownstreamRate");
+    flowCache = symbol<decltype(qvWlanFlowCacheSetup)>(handle, "qvWlanFlowCacheSetup");
+    theModule.setUpstreamRate = upstreamRate ? setUpstreamRate : nullptr;
+    theModule.setDownstreamRate = downstreamRate ? setDownstreamRate : nullptr;
+    theModule.setFlowCache = flowCache ? setFlowCache : nullptr;
     static WlModuleHostOps hostOps = {registerModule, registerIntf, registerEvents, printLog};
     if (int rc = init(&hostOps, &theModule); rc != 0 || !theModule.ops)
         throw Failure(Status::kFailed, library, "wlModuleInit returned " + std::to_string(rc),

@@ -41,10 +41,10 @@ struct Module {
     WlEvtHandler *events = nullptr;
     const char *(*phyType)(const char *ifname) = nullptr; // null when the library does not export it
     int (*checkPin)(const char *pin) = nullptr;           // null when the library does not export it
-    // Setters of a BSS that act at once; null when the library does not export them.
-    int (*setUpstreamRate)(WlanParamArg *) = nullptr;
-    int (*setDownstreamRate)(WlanParamArg *) = nullptr;
-    int (*setFlowCache)(WlanParamArg *, int enabled) = nullptr;
+    // Setters of a BSS that act at once: limits in kbit/s, 0 for none. Null when the library does not export them.
+    int (*setUpstreamRate)(const char *ifname, int kbit) = nullptr;
+    int (*setDownstreamRate)(const char *ifname, int kbit) = nullptr;
+    int (*setFlowCache)(const char *ifname, int use) = nullptr;
     const char *(*nvramGet)(const char *key) = nullptr; // the platform's own, past anything that stands before it
     void *handle = nullptr;                             // of the library
     std::string library;

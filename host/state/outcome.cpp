@@ -27,13 +27,13 @@ json rowOf(const Transition::Step &step) {
     bool down = takesDown(step.change.operation) && !step.adopt;
     return {{"radio", step.intf->intfName},
             {"action", actionOf(step)},
-            {"operation", operationWord(step.adopt ? Operation::kNone : step.change.operation)},
+            {"operation", operationWord(step.adopt ? ChangeKind::kNone : step.change.operation)},
             {"reason", step.change.reason.empty() ? json() : json(step.change.reason)},
             {"result", step.result},
             {"off", step.off},
             {"undone", step.undone},
             {"drops", step.drops},
-            {"down_ms", down && step.change.operation != Operation::kDown ? json(step.ms)
+            {"down_ms", down && step.change.operation != ChangeKind::kDown ? json(step.ms)
                         : down                                            ? json()
                                                                           : json(0)}};
 }
@@ -51,7 +51,7 @@ json Transition::outcome() {
         radios.push_back(rowOf(step));
         if (subjectsOf(step) != 0)
             add(host_.differences(step.intf, subjectsOf(step)));
-        changes |= step.adopt || step.change.operation != Operation::kNone;
+        changes |= step.adopt || step.change.operation != ChangeKind::kNone;
     }
     if (changes)
         add(host_.differences(nullptr, kOfEverything));

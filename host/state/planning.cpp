@@ -82,7 +82,7 @@ bool ends(const std::string &text, const char *end) {
 json downTime(const Transition::Step &step, const tap::Effects &effects) {
     if (!takesDown(step.change.operation))
         return 0;
-    if (step.change.operation == Operation::kDown || !step.records.radio.radioOn)
+    if (step.change.operation == ChangeKind::kDown || !step.records.radio.radioOn)
         return nullptr;
     const auto &all = effects.commands;
     auto first = std::find_if(all.begin(), all.end(), [](const auto &one) { return ends(one.command, " down"); });

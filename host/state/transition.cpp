@@ -40,11 +40,11 @@ const json &nodeOf(const Config &config, const char *radio) {
 bool repairInPlace(const Finding &finding, const RadioRecords &records, Change &change) {
     struct {
         unsigned subject;
-        Operation operation;
+        ChangeKind operation;
         bool LightChange::*part;
-    } const kRepairs[] = {{kOfFilter, Operation::kFilter, &LightChange::filter},
-                          {kOfLimits, Operation::kFilter, &LightChange::limits},
-                          {kOfBridge, Operation::kLan, &LightChange::bridge}};
+    } const kRepairs[] = {{kOfFilter, ChangeKind::kFilter, &LightChange::filter},
+                          {kOfLimits, ChangeKind::kFilter, &LightChange::limits},
+                          {kOfBridge, ChangeKind::kLan, &LightChange::bridge}};
     for (const auto &row : kRepairs)
         for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i)
             if (finding.subject == row.subject && finding.interface == records.bss[i].ifName) {
@@ -61,7 +61,7 @@ bool repairInPlace(const Finding &finding, const RadioRecords &records, Change &
 void repair(const std::vector<Finding> &differences, const RadioRecords &records, Change &change) {
     for (const Finding &finding : differences) {
         if (!repairInPlace(finding, records, change))
-            change.operation = Operation::kReload;
+            change.operation = ChangeKind::kReload;
         if (change.reason.empty())
             change.reason = "is not as wanted: " + finding.check + (finding.interface.empty() ? "" : " of ") +
                             finding.interface + " is " + finding.found + ", not " + finding.wanted;
@@ -117,7 +117,7 @@ void Transition::weigh(Step &step, const Scope &scope) {
     auto known = host_.applied_.find(step.intf);
     bool named = scope.radio == step.intf->intfName;
     if (known == host_.applied_.end()) {
-        step.change.operation = Operation::kBringUp;
+        step.change.operation = ChangeKind::kBringUp;
         step.change.reason = "has not been configured yet";
         return;
     }
@@ -127,13 +127,13 @@ void Transition::weigh(Step &step, const Scope &scope) {
         return;
     }
     step.change = changeBetween(known->second.now, step.records);
-    if (step.change.operation != Operation::kNone || !(known->second.now == step.records)) {
+    if (step.change.operation != ChangeKind::kNone || !(known->second.now == step.records)) {
         std::string settings =
             changedSettings(nodeOf(host_.config_, step.intf->intfName), nodeOf(config_, step.intf->intfName));
         step.change.reason = settings.empty() ? "was changed at run time" : settings + " changed";
     }
     if (named || scope.all) {
-        step.change.operation = Operation::kReload;
+        step.change.operation = ChangeKind::kReload;
         step.change.reason = "was asked for";
     } else if (!takesDown(step.change.operation)) {
         repair(host_.differences(step.intf, kOfEverything, {}, false), known->second.now, step.change);
@@ -141,14 +141,14 @@ void Transition::weigh(Step &step, const Scope &scope) {
     const Module &module = host_.module();
     for (const LightChange &part : step.change.parts)
         if (part.limits && !(module.setUpstreamRate && module.setDownstreamRate && module.setFlowCache))
-            step.change.operation = Operation::kReload;
+            step.change.operation = ChangeKind::kReload;
 }
 
 void Transition::bindAbandoned() {
     for (auto &[intf, applied] : host_.applied_) {
         if (applied.off || &nodeOf(config_, intf->intfName) != &nodeOf(config_, ""))
             continue;
-        Step step{intf, {Operation::kDown, "is no longer in the configuration", {}}, applied.now};
+        Step step{intf, {ChangeKind::kDown, "is no longer in the configuration", {}}, applied.now};
         step.records.radio.radioOn = 0;
         steps_.push_back(std::move(step));
     }
@@ -207,7 +207,7 @@ int Transition::bringUp(Step &step) {
     std::memcpy(&intf.radio, &step.records.radio, sizeof intf.radio);
     std::memcpy(intf.bss, step.records.bss, sizeof intf.bss);
     intf.radio.gpioOverlays = boardWord;
-    int rc = step.adopt || step.change.operation == Operation::kBringUp
+    int rc = step.adopt || step.change.operation == ChangeKind::kBringUp
                  ? host_.operation(ops.initWlan, "initWlan")(&intf, host_.lan().get())
                  : host_.operation(ops.reloadWlan, "reloadWlan")(&intf);
     for (const WlSsidCfg &bss : step.records.bss)
@@ -219,7 +219,7 @@ int Transition::bringUp(Step &step) {
 void Transition::settle(const Step &step) {
     Host::Applied &applied = host_.applied_[step.intf];
     applied.given = applied.now = step.records;
-    applied.off = step.change.operation == Operation::kDown;
+    applied.off = step.change.operation == ChangeKind::kDown;
     for (const WlSsidCfg &bss : step.records.bss)
         if (bss.presetRole != WLBRCM_PRESET_ON_DEMAND)
             host_.presets.erase(bss.ifName);

@@ -22,29 +22,29 @@ TEST(HostChange, TheLightestOperationThatDoesIt) {
     struct {
         const char *what;
         void (*change)(RadioRecords &records);
-        Operation operation;
+        ChangeKind operation;
     } const cases[] = {
-        {"nothing", [](RadioRecords &) {}, Operation::kNone},
-        {"filter", [](RadioRecords &r) { copyText(r.bss[1].macFilterMode, "DENY"); }, Operation::kFilter},
-        {"limits", [](RadioRecords &r) { r.bss[0].upstreamRate = 500; }, Operation::kFilter},
-        {"preset", [](RadioRecords &r) { r.bss[1].presetRole = WLBRCM_PRESET_ON_DEMAND; }, Operation::kPreset},
-        {"announcer", [](RadioRecords &r) { r.bss[1].presetRole = WLBRCM_PRESET_ANNOUNCER; }, Operation::kNone},
-        {"bridge", [](RadioRecords &r) { copyText(r.bss[0].bridge, ""); }, Operation::kLan},
-        {"bridge of an SSID that is off", [](RadioRecords &r) { copyText(r.bss[2].bridge, "br1"); }, Operation::kNone},
+        {"nothing", [](RadioRecords &) {}, ChangeKind::kNone},
+        {"filter", [](RadioRecords &r) { copyText(r.bss[1].macFilterMode, "DENY"); }, ChangeKind::kFilter},
+        {"limits", [](RadioRecords &r) { r.bss[0].upstreamRate = 500; }, ChangeKind::kFilter},
+        {"preset", [](RadioRecords &r) { r.bss[1].presetRole = WLBRCM_PRESET_ON_DEMAND; }, ChangeKind::kPreset},
+        {"announcer", [](RadioRecords &r) { r.bss[1].presetRole = WLBRCM_PRESET_ANNOUNCER; }, ChangeKind::kNone},
+        {"bridge", [](RadioRecords &r) { copyText(r.bss[0].bridge, ""); }, ChangeKind::kLan},
+        {"bridge of an SSID that is off", [](RadioRecords &r) { copyText(r.bss[2].bridge, "br1"); }, ChangeKind::kNone},
         {"bridge and filter",
          [](RadioRecords &r) { copyText(r.bss[0].bridge, "br1"), copyText(r.bss[1].macFilterMode, "DENY"); },
-         Operation::kLan},
+         ChangeKind::kLan},
         {"filter and channel", [](RadioRecords &r) { copyText(r.bss[1].macFilterMode, "DENY"), r.radio.channel = 44; },
-         Operation::kReload},
-        {"SSID switched on", [](RadioRecords &r) { r.bss[2].enable = 1; }, Operation::kReload},
-        {"radio switched off", [](RadioRecords &r) { r.radio.radioOn = 0; }, Operation::kReload},
+         ChangeKind::kReload},
+        {"SSID switched on", [](RadioRecords &r) { r.bss[2].enable = 1; }, ChangeKind::kReload},
+        {"radio switched off", [](RadioRecords &r) { r.radio.radioOn = 0; }, ChangeKind::kReload},
     };
     for (const auto &row : cases) {
         RadioRecords next = sample();
         row.change(next);
         Change change = changeBetween(sample(), next);
         EXPECT_EQ(change.operation, row.operation) << row.what;
-        EXPECT_EQ(takesDown(change.operation), row.operation == Operation::kReload);
+        EXPECT_EQ(takesDown(change.operation), row.operation == ChangeKind::kReload);
     }
 }
 
