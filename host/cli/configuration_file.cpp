@@ -1,4 +1,6 @@
 // Commands that look at a configuration file.
+#include <optional>
+
 #include "host/cli/calls.h"
 #include "host/cli/starting.h"
 #include "host/config/configuration.h"
@@ -8,18 +10,32 @@
 namespace wlhost {
 namespace {
 
-// What the radios say about it: those of a running host, else those of this machine.
-json warningsOnGateway(const Call &call, const Config &config) {
+// What the radios of a running host say about it; null without one.
+json warningsOfHost(const Call &call) {
     try {
         return resultFrom(call.socket, requestOf(call), call.timeout)["warnings"];
     } catch (const Failure &failure) {
         if (!isWithoutHost(call, failure))
             throw;
+        return nullptr;
     }
-    if (!hasRadioInterface())
-        return json::array();
-    GatewayLock lock;
+}
+
+// What those of this machine say.
+json warningsOfMachine(const Call &call, const Config &config) {
+    std::optional<GatewayLock> lock;
+    try {
+        lock.emplace();
+    } catch (const Failure &failure) {
+        const std::string text = std::string("warning: the radios were not asked: ") + failure.what();
+        return {{{"path", ""}, {"line", nullptr}, {"value", nullptr}, {"allowed", ""}, {"text", text}}};
+    }
     return warningsBeforeStart(libraryName(call.args.value("library", "")), config);
+}
+
+json warningsOnGateway(const Call &call, const Config &config) {
+    json warnings = warningsOfHost(call);
+    return !warnings.is_null() ? warnings : hasRadioInterface() ? warningsOfMachine(call, config) : json::array();
 }
 
 json warningsOf(const Call &call, const Config &config) {

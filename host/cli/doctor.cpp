@@ -89,7 +89,8 @@ json machineRows(const std::string &library) {
     json rows = json::array({libraryRow(library)});
     for (const Tool &tool : kTools)
         rows.push_back(row(tool.name, runnable(tool.name), tool.required, tool.hint));
-    rows.push_back(row("radio interfaces", hasRadioInterface(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
+    rows.push_back(
+        row("radio interfaces", hasRadioInterface(), true, "no wlN in /proc/net/dev; is the driver loaded?"));
     return rows;
 }
 

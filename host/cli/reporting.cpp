@@ -74,8 +74,8 @@ Status askForReport(const Call &call) {
 }
 
 Status replayArchive(const Call &call) {
-    const json result = replay(readRegularFile(call.args["file"], kLargestArchive),
-                               libraryName(call.args.value("library", "")));
+    const json result =
+        replay(readRegularFile(call.args["file"], kLargestArchive), libraryName(call.args.value("library", "")));
     showResult(call, result);
     return result["same"] == true ? Status::kDone : Status::kFailed;
 }

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "host/cli/calls.h"
-#include "host/control/runtime_folder.h"
 #include "host/control/control_socket.h"
+#include "host/control/runtime_folder.h"
 
 namespace wlhost {
 namespace {

@@ -11,8 +11,8 @@
 #include "host/commands/host_commands.h"
 #include "host/report/archive.h"
 #include "host/report/operations.h"
-#include "host/report/records.h"
 #include "host/report/recording.h"
+#include "host/report/records.h"
 #include "host/state/host.h"
 #include "host/verify/verification.h"
 

@@ -43,9 +43,9 @@ class ControlServer {
     void serve();
     bool hasSubscribers(const std::string &topic = "events") const;
     using Wanted = std::function<bool(const json &subscription)>;
-    // Sends a line to every subscriber of the topic whose subscription wants it, as far as it takes it; serve() sends the
-    // rest. One that reads too slowly misses lines, and is told how many as soon as it has read what was queued. May be
-    // called from within the handler.
+    // Sends a line to every subscriber of the topic whose subscription wants it, as far as it takes it; serve() sends
+    // the rest. One that reads too slowly misses lines, and is told how many as soon as it has read what was queued.
+    // May be called from within the handler.
     void publish(const std::string &line, const std::string &topic = "events", const Wanted &wanted = {});
     // Who sent the request that is being handled, as the kernel says.
     uid_t askingUser() const { return askingUser_; }

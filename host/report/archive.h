@@ -11,7 +11,7 @@ namespace wlhost {
 constexpr int kArchiveFormat = 1; // of the whole; a reader refuses a later one
 constexpr int kTapVersion = 1;    // of how calls are told; likewise
 
-constexpr size_t kLargestArchive = 16 << 20;  // bytes of the tar.gz
+constexpr size_t kLargestArchive = 16 << 20; // bytes of the tar.gz
 constexpr size_t kLargestContent = 64 << 20; // bytes of what it holds
 
 // What the module did and what stands beside it.

@@ -74,7 +74,7 @@ Entry openCall(const char *path, int flags) {
 
 Entry priorityCall(pid_t pid, int policy, const sched_param &parameters) {
     return callOf("sched_setscheduler", std::to_string(pid),
-                nameOf(kPolicies, policy) + " " + std::to_string(parameters.sched_priority));
+                  nameOf(kPolicies, policy) + " " + std::to_string(parameters.sched_priority));
 }
 
 Entry affinityCall(pid_t pid, size_t size, const cpu_set_t &set) {
@@ -92,7 +92,7 @@ Entry optionCall(int level, int option, const void *value, socklen_t length) {
     if (value && length == sizeof number)
         std::memcpy(&number, value, sizeof number);
     return callOf("setsockopt", level == SOL_SOCKET ? nameOf(kOptions, option) : std::to_string(option),
-                std::to_string(number));
+                  std::to_string(number));
 }
 
 Entry sendCall(const void *data, size_t size, const sockaddr *to, socklen_t length) {

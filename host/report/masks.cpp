@@ -23,8 +23,8 @@ struct SecretName {
 // Members of the module's records, inputs of operations and settings of the configuration; what variables hold secrets
 // tells isSecretKey().
 constexpr SecretName kNames[] = {
-    {"wpaPsk", SecretKind::kKey},    {"wpaPskFallback", SecretKind::kKey}, {"wepKeys", SecretKind::kKey},
-    {"radiusKey", SecretKind::kKey}, {"wpsDevicePin", SecretKind::kPin},   {"key", SecretKind::kKey},
+    {"wpaPsk", SecretKind::kKey},       {"wpaPskFallback", SecretKind::kKey}, {"wepKeys", SecretKind::kKey},
+    {"radiusKey", SecretKind::kKey},    {"wpsDevicePin", SecretKind::kPin},   {"key", SecretKind::kKey},
     {"key_fallback", SecretKind::kKey}, {"secret", SecretKind::kKey},
 };
 
@@ -227,8 +227,8 @@ std::string Masks::ofText(const std::string &text) {
             continue;
         }
         const auto &same = searched_[static_cast<unsigned char>(text[at])];
-        auto found = std::find_if(same.begin(), same.end(),
-                                  [&](const auto &one) { return standsAt(one.first, text, at); });
+        auto found =
+            std::find_if(same.begin(), same.end(), [&](const auto &one) { return standsAt(one.first, text, at); });
         if (found == same.end()) {
             out += text[at++];
         } else {

@@ -1,5 +1,5 @@
-// Secrets of an archive, replaced by others of the same kind, so that the module takes the same way with them: hexadecimal
-// digits stay such, a PIN keeps its digits' number and whether its checksum is right, a text its length.
+// Secrets of an archive, replaced by others of the same kind, so that the module takes the same way with them:
+// hexadecimal digits stay such, a PIN keeps its digits' number and whether its checksum is right, a text its length.
 #pragma once
 
 #include <array>

@@ -127,9 +127,7 @@ template <> struct Argument<const uint8_t *> {
     }
     const uint8_t *get() const { return present ? reinterpret_cast<const uint8_t *>(bytes.data()) : nullptr; }
 };
-template <> struct Argument<const WlLanCfg *> : LanFromJson {
-    using LanFromJson::LanFromJson;
-};
+template <> struct Argument<const WlLanCfg *> : LanFromJson { using LanFromJson::LanFromJson; };
 template <> struct Argument<WlIntf *> {
     std::unique_ptr<WlIntf> record;
     explicit Argument(const json &from) {

@@ -163,9 +163,8 @@ size_t Recorder::fread(void *data, size_t size, size_t count, FILE *stream) {
     auto pipe = pipes_.find(stream);
     if (pipe == pipes_.end() || size != 1)
         return next().fread(data, size, count, stream);
-    readWhole(pipe->second, [&](char *piece, size_t most) {
-        return static_cast<ssize_t>(next().fread(piece, 1, most, stream));
-    });
+    readWhole(pipe->second,
+              [&](char *piece, size_t most) { return static_cast<ssize_t>(next().fread(piece, 1, most, stream)); });
     return take(pipe->second, data, count);
 }
 

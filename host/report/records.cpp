@@ -37,35 +37,72 @@ template <typename Type> constexpr Member memberOf(const char *name, size_t offs
 
 #define R(name) MEMBER(WlRadioCfg, name)
 constexpr Member kRadio[] = {
-    R(radioIndex),       R(radioOn),       R(autoChannel),          R(frameBurst),          R(atfEnable),
-    R(txbfMu),           R(apCoex),        R(bgProtection),         R(htProtect),           R(txPreamble),
-    R(sideband),         R(rifsAdv),       R(wirelessMode),         R(bandwidth),           R(txPower),
-    R(txbfBfr),          R(txbfBfe),       R(channel),              R(acsScanTimer),        R(acsPolicyIndex),
-    R(beaconPeriod),     R(dtimPeriod),    R(rtsThreshold),         R(fragThreshold),       R(bssCount),
-    R(band),             R(rate),          R(rxChainPwrsaveParams), R(radioPwrsaveParams),  R(mcs),
-    R(multicastRate),    R(regMode),       R(dfsPreIsm),            R(dfsPostIsm),          R(tpcDb),
-    R(lazyWds),          R(interferenceMode), R(acsSkipList),       R(wdsMode),             R(wdsMacList),
-    R(phyType),          R(countryCode),   R(ifName),               R(baseMac),             R(gpioOverlays),
+    R(radioIndex),
+    R(radioOn),
+    R(autoChannel),
+    R(frameBurst),
+    R(atfEnable),
+    R(txbfMu),
+    R(apCoex),
+    R(bgProtection),
+    R(htProtect),
+    R(txPreamble),
+    R(sideband),
+    R(rifsAdv),
+    R(wirelessMode),
+    R(bandwidth),
+    R(txPower),
+    R(txbfBfr),
+    R(txbfBfe),
+    R(channel),
+    R(acsScanTimer),
+    R(acsPolicyIndex),
+    R(beaconPeriod),
+    R(dtimPeriod),
+    R(rtsThreshold),
+    R(fragThreshold),
+    R(bssCount),
+    R(band),
+    R(rate),
+    R(rxChainPwrsaveParams),
+    R(radioPwrsaveParams),
+    R(mcs),
+    R(multicastRate),
+    R(regMode),
+    R(dfsPreIsm),
+    R(dfsPostIsm),
+    R(tpcDb),
+    R(lazyWds),
+    R(interferenceMode),
+    R(acsSkipList),
+    R(wdsMode),
+    R(wdsMacList),
+    R(phyType),
+    R(countryCode),
+    R(ifName),
+    R(baseMac),
+    R(gpioOverlays),
 };
 #undef R
 
 #define S(name) MEMBER(WlSsidCfg, name)
 constexpr Member kSsid[] = {
-    S(valid),         S(main),           S(objPath),        S(enable),         S(ifName),         S(ssidName),
-    S(hideSsid),      S(bssIsolation),   S(multicastFwd),   S(wmm),            S(wmmApsd),        S(maxSta),
-    S(macText),       S(bridge),         S(preauth),        S(authMode),       S(encryption),     S(defaultKeyId),
-    S(wepKeys),       S(wpaPskFallback), S(wpaPsk),         S(rekeyInterval),  S(netReauth),      S(radiusIpaddr),
-    S(radiusPort),    S(radiusKey),      S(macFilterMode),  S(macFilterList),  S(wpsEnable),      S(wpsConfigured),
-    S(wpsVersion2),   S(wpsPbcEnable),   S(wpsStaPinEnable), S(wpsApPinEnable), S(wpsConfigMethod), S(wpsDevicePin),
-    S(wpsUuid),       S(upstreamRate),   S(downstreamRate), S(protectMF),      S(presetRole),
+    S(valid),        S(main),          S(objPath),         S(enable),         S(ifName),
+    S(ssidName),     S(hideSsid),      S(bssIsolation),    S(multicastFwd),   S(wmm),
+    S(wmmApsd),      S(maxSta),        S(macText),         S(bridge),         S(preauth),
+    S(authMode),     S(encryption),    S(defaultKeyId),    S(wepKeys),        S(wpaPskFallback),
+    S(wpaPsk),       S(rekeyInterval), S(netReauth),       S(radiusIpaddr),   S(radiusPort),
+    S(radiusKey),    S(macFilterMode), S(macFilterList),   S(wpsEnable),      S(wpsConfigured),
+    S(wpsVersion2),  S(wpsPbcEnable),  S(wpsStaPinEnable), S(wpsApPinEnable), S(wpsConfigMethod),
+    S(wpsDevicePin), S(wpsUuid),       S(upstreamRate),    S(downstreamRate), S(protectMF),
+    S(presetRole),
 };
 #undef S
 
 #define C(name) MEMBER(WlCaps, name)
 constexpr Member kCaps[] = {
-    C(wme),          C(wmeApsd),        C(mbss), C(ampdu),      C(amsduTx), C(wmf),    C(radioPwrsave),
-    C(rxchainPwrsave), C(wds),          C(wpsCapable), C(txbf), C(atf),     C(muMimo), C(dhd),
-    C(maxBss),       C(vifNames),
+    C(wme), C(wmeApsd),    C(mbss), C(ampdu), C(amsduTx), C(wmf), C(radioPwrsave), C(rxchainPwrsave),
+    C(wds), C(wpsCapable), C(txbf), C(atf),   C(muMimo),  C(dhd), C(maxBss),       C(vifNames),
 };
 #undef C
 
@@ -75,7 +112,6 @@ constexpr Member kIntf[] = {
     MEMBER(WlIntf, bandCode),
     MEMBER(WlIntf, macAddr),
 };
-
 
 [[noreturn]] void refuse(const std::string &place, const std::string &what) {
     throw Failure(Status::kUsage, place, what, "the archive is damaged or made by hand");

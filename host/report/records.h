@@ -35,5 +35,4 @@ struct LanFromJson {
     const WlLanCfg *get() const { return present ? &lan : nullptr; }
 };
 
-
 } // namespace wlhost

@@ -44,14 +44,10 @@ void loadStandIns() {
 json known(const std::string &text) { return text.empty() ? json() : json(text); }
 
 json differenceRow(const Difference &one) {
-    return {{"number", one.number},
-            {"operation", one.operation},
-            {"radio", known(one.radio)},
-            {"call", one.position},
-            {"archive", known(one.expected)},
-            {"archive_function", known(one.expectedFunction)},
-            {"module", known(one.got)},
-            {"module_function", known(one.gotFunction)}};
+    return {{"number", one.number},           {"operation", one.operation},
+            {"radio", known(one.radio)},      {"call", one.position},
+            {"archive", known(one.expected)}, {"archive_function", known(one.expectedFunction)},
+            {"module", known(one.got)},       {"module_function", known(one.gotFunction)}};
 }
 
 // Operations that the host's memory had lost.

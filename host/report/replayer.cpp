@@ -19,7 +19,9 @@ Entry commandOf(const char *name, const std::string &command) {
 
 std::string text(const char *given) { return given ? given : ""; }
 
-long numberIn(const Entry *entry) { return entry && entry->answer ? std::strtol(entry->answer->c_str(), nullptr, 10) : 0; }
+long numberIn(const Entry *entry) {
+    return entry && entry->answer ? std::strtol(entry->answer->c_str(), nullptr, 10) : 0;
+}
 
 } // namespace
 
@@ -89,7 +91,9 @@ char *Replayer::nvramGet(const char *key) {
     return stored_.data();
 }
 
-int Replayer::nvramSet(const char *key, const char *value) { return plain(callOf("nvram_set", text(key), text(value))); }
+int Replayer::nvramSet(const char *key, const char *value) {
+    return plain(callOf("nvram_set", text(key), text(value)));
+}
 int Replayer::nvramUnset(const char *key) { return plain(callOf("nvram_unset", text(key))); }
 
 int Replayer::open(const char *path, int flags, mode_t) {
@@ -165,9 +169,7 @@ int Replayer::sigaction(int number, const struct sigaction *, struct sigaction *
     return settle(entry, 0);
 }
 
-int Replayer::socket(int, int, int) {
-    return plain(callOf("socket")) < 0 ? -1 : static_cast<int>(++handles_);
-}
+int Replayer::socket(int, int, int) { return plain(callOf("socket")) < 0 ? -1 : static_cast<int>(++handles_); }
 
 int Replayer::bind(int, const sockaddr *address, socklen_t length) {
     return plain(callOf("bind", addressText(address, length)));

@@ -11,8 +11,8 @@ namespace wlhost {
 struct Difference {
     uint64_t number; // of the operation
     std::string operation, radio;
-    size_t position;               // of the call within the operation, from 1
-    std::string expected, got;     // what the archive has, and what this module does
+    size_t position;                           // of the call within the operation, from 1
+    std::string expected, got;                 // what the archive has, and what this module does
     std::string expectedFunction, gotFunction; // of the module, as far as its log tells
 };
 

@@ -137,7 +137,7 @@ std::string packTarGz(const Files &files, long time) {
 Files unpackTarGz(std::string_view archive, const std::vector<std::string> &known, size_t most) {
     const std::string tar = inflated(archive, most);
     Files files;
-    for (size_t at = 0;; ) {
+    for (size_t at = 0;;) {
         if (tar.size() - at < kBlock)
             refuse("is cut");
         Header header;

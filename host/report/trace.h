@@ -1,5 +1,5 @@
-// What the module was asked to do, and each of its calls into the world meanwhile with the answer it got: the part of an
-// archive that replay follows. Nothing in it depends on a processor's word size or byte order.
+// What the module was asked to do, and each of its calls into the world meanwhile with the answer it got: the part of
+// an archive that replay follows. Nothing in it depends on a processor's word size or byte order.
 #pragma once
 
 #include <cstdint>
@@ -36,8 +36,8 @@ struct Entry {
 struct Operation {
     uint64_t number = 0; // counted from the module's start, which is 0
     std::string name;
-    std::string radio; // empty when it concerns none
-    double time = 0;   // seconds since 1970
+    std::string radio;        // empty when it concerns none
+    double time = 0;          // seconds since 1970
     std::string input = "{}"; // arguments as JSON; a text, since it is kept much longer than it is used
     // The radio's record as JSON, when it is an argument; shared by the operations between two changes of it.
     std::shared_ptr<const std::string> record;

@@ -1,5 +1,5 @@
-// What is kept of a host's life for a report: the module's start, each radio's last bring-up, and as much of the rest as
-// fits, the latest first.
+// What is kept of a host's life for a report: the module's start, each radio's last bring-up, and as much of the rest
+// as fits, the latest first.
 #pragma once
 
 #include <list>

@@ -36,15 +36,15 @@ std::string nvramLines(const json &part) {
     return text;
 }
 
-// What happens besides: who loses the network, what leaves the air, what is undone.
-std::string consequences(const json &radio) {
+// What happens besides: who loses the network, what leaves the air, what is undone. A line each, behind `start`.
+std::string consequences(const json &radio, const std::string &start) {
     std::string text;
     if (radio["down_ms"] != 0 || !radio["drops"].empty())
-        text += "  drops  " + stationList(radio["drops"]) + "; " + duration(radio["down_ms"]) + "\n";
+        text += start + "drops  " + stationList(radio["drops"]) + "; " + duration(radio["down_ms"]) + "\n";
     if (!radio["off"].empty())
-        text += "  off    " + cell(radio["off"]) + "\n";
+        text += start + "off    " + cell(radio["off"]) + "\n";
     for (const json &row : radio["undone"])
-        text += "  undone " + cell(row["what"]) + " of " + cell(row["interface"]) + ", as set at run time\n";
+        text += start + "undone " + cell(row["what"]) + " of " + cell(row["interface"]) + ", as set at run time\n";
     return text;
 }
 
@@ -59,7 +59,7 @@ std::string showPlan(const json &plan, const std::vector<Column> &) {
     std::string text;
     for (const json &radio : plan["radios"]) {
         text += cell(radio["radio"]) + "  " + cell(radio["operation"]) + reasonOf(radio) + "\n";
-        text += consequences(radio) + nvramLines(radio);
+        text += consequences(radio, "  ") + nvramLines(radio);
     }
     for (const json &name : plan["missing"])
         text += cell(name) + "  missing\n";
@@ -72,8 +72,7 @@ std::string showRadios(const json &result, const std::vector<Column> &columns) {
     std::string text = table(columns, result["radios"]);
     for (const json &radio : result["radios"])
         if (radio.contains("drops"))
-            if (std::string more = consequences(radio); !more.empty())
-                text += cell(radio["radio"]) + ":\n" + more;
+            text += consequences(radio, "  " + cell(radio["radio"]) + ": ");
     return text;
 }
 

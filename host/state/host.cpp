@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "host/base/addresses.h"
-#include "host/base/times.h"
 #include "host/base/escape.h"
+#include "host/base/times.h"
 #include "host/base/word_lists.h"
 #include "host/verify/readers.h"
 #include "host/verify/verification.h"

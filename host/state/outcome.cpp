@@ -34,8 +34,8 @@ json rowOf(const Transition::Step &step) {
             {"undone", step.undone},
             {"drops", step.drops},
             {"down_ms", down && step.change.operation != ChangeKind::kDown ? json(step.ms)
-                        : down                                            ? json()
-                                                                          : json(0)}};
+                        : down                                             ? json()
+                                                                           : json(0)}};
 }
 
 } // namespace

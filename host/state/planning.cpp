@@ -7,6 +7,7 @@
 
 #include "host/base/escape.h"
 #include "host/base/masking.h"
+#include "host/base/word_lists.h"
 #include "host/state/host.h"
 #include "host/tap/dry_run.h"
 #include "host/verify/verification.h"
@@ -145,6 +146,25 @@ bool asksForLan(const json &plan, const Config &config) {
                        [&](const json &row) { return fixed || !ends(row["key"].get<std::string>(), "_hwaddr"); });
 }
 
+// Lists of names come in the order in which the radios were brought up.
+bool sameWords(const json &one, const json &other) {
+    auto wordsOf = [](const json &value) {
+        std::vector<std::string> words = splitWords(value.is_string() ? value.get<std::string>() : "");
+        std::sort(words.begin(), words.end());
+        return words;
+    };
+    return one.is_string() && other.is_string() && wordsOf(one) == wordsOf(other);
+}
+
+// Why a radio cannot be left as it is; empty when it can.
+std::string obstacleOf(Host &host, const Transition::Step &step, const json &row) {
+    for (const json &change : row["nvram"])
+        if (!sameWords(change["old"], change["new"]))
+            return change["key"].get<std::string>() + " differs";
+    std::vector<Finding> differences = host.differences(step.intf, kOfEverything, {}, false);
+    return differences.empty() ? "" : differenceLine(differences[0]);
+}
+
 // A radio whose bring-up would change nothing, and which is as it should be, is left on the air.
 json Host::planBringUp(bool fresh) {
     Transition transition(*this, config_, {});
@@ -155,16 +175,20 @@ json Host::planBringUp(bool fresh) {
         step.drops = stationRows(found);
     }
     json plan = planOf(transition);
-    fresh = fresh || asksForLan(plan, config_);
+    bool lan = asksForLan(plan, config_);
     for (size_t i = 0; !fresh && i < plan["radios"].size(); ++i) {
         json &radio = plan["radios"][i];
-        WlIntf &intf = *transition.steps()[i].intf;
-        if (radio["nvram"].empty() && differences(&intf, kOfEverything, {}, false).empty())
+        std::string obstacle =
+            lan ? "other LAN groups than those in force" : obstacleOf(*this, transition.steps()[i], radio);
+        if (obstacle.empty())
             radio.update({{"operation", "none"},
                           {"reason", "is as wanted already"},
                           {"drops", json::array()},
                           {"down_ms", 0},
+                          {"nvram", json::array()},
                           {"commands", json::array()}});
+        else
+            radio["reason"] = "not as wanted yet: " + obstacle;
     }
     if (std::none_of(plan["radios"].begin(), plan["radios"].end(),
                      [](const json &radio) { return radio["operation"] != "none"; }))

@@ -185,8 +185,10 @@ const std::vector<Check> &checks() {
         {"security", kOfBss, Scope::kBss, isConfigured, lookAtSecurity, kReload,
          "a station that knows another key, or another kind of security, is refused"},
         {"LAN group", kOfLan, Scope::kBss,
-         [](const Place &place) { return isConfigured(place) && needsAuthenticator(*place.bss); }, lookAtLanMembership,
-         "wlhost lan {config}", "nas serves only interfaces that a LAN group lists"},
+         [](const Place &place) {
+             return isConfigured(place) && needsAuthenticator(*place.bss) && (place.forStation || place.bss->bridge[0]);
+         },
+         lookAtLanMembership, "wlhost lan {config}", "nas serves only interfaces that a LAN group lists"},
         {"station limit", kOfBss, Scope::kBss, isConfigured,
          [](const Place &place, Finding &finding) {
              lookAtNumber(place, finding, place.interface(), "bss_maxassoc", place.bss->maxSta);

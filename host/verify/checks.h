@@ -13,6 +13,7 @@ struct Place {
     World &world;
     WlIntf *intf = nullptr;
     const WlSsidCfg *bss = nullptr;
+    bool forStation = false; // what a station needs counts, not only what was asked for
 
     std::string radio() const { return intf ? intf->intfName : ""; }
     std::string interface() const { return bss ? bss->ifName : ""; }

@@ -217,7 +217,7 @@ json why(Host &host, const json &args) {
                    {"wanted", nullptr},
                    {"why", nullptr},
                    {"cure", nullptr}};
-    for (const Link &link : wayTo({host, world, bss.intf, &bss.record()}, station)) {
+    for (const Link &link : wayTo({host, world, bss.intf, &bss.record(), true}, station)) {
         json row = findingRow(link.finding);
         rows.push_back(row);
         if (link.finding.holds || !result["link"].is_null())

@@ -9,13 +9,13 @@ root=$(readlink -f "${GATEWAY%/*}/../../..")
 inside() { "$GATEWAY" --scenario "$1" --bind "$root:/src:ro" -- bash -c ". /src/tests/system/lib.sh; . /src/tests/system/host.sh; $2"; }
 
 test_no_radio() {
-    assert_status 2 inside no-radio 'wlhost run /src/examples/minimal.json'
-    assert_contains "$output" 'no radio was found'
+    assert_status 7 inside no-radio 'wlhost run /src/examples/minimal.json'
+    assert_contains "$output" 'radios found: none'
 }
 
 test_a_single_radio() {
-    assert_status 2 inside single-radio 'wlhost run /src/examples/home.json'
-    assert_contains "$output" ': radios[1].name: "wl1" does not exist; wl0'
+    assert_status 1 inside single-radio 'wlhost run --once /src/examples/home.json; status=$?; wlsim join wl0 --passphrase "correct horse battery" && exit $status'
+    assert_contains "$output" 'wl1: does not exist'
     assert_status 0 inside single-radio 'start_host /src/examples/minimal.json && wlsim join wl0 --passphrase "correct horse"'
     assert_contains "$output" 'ssid "minimal" bridge br0'
 }
