@@ -1,5 +1,6 @@
 #include "host/base/times.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -44,8 +45,7 @@ std::optional<WallTime> dateOf(const std::string &text) {
     if (zone != "" && zone != "Z")
         return std::nullopt;
     const time_t seconds = zone == "Z" ? timegm(&parts) : mktime(&parts);
-    return std::chrono::system_clock::from_time_t(seconds) +
-           std::chrono::microseconds(static_cast<int64_t>(fraction * 1e6 + 0.5));
+    return std::chrono::system_clock::from_time_t(seconds) + std::chrono::microseconds(std::llround(fraction * 1e6));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include <wlbrcm/radio.h>
 
+#include "host/base/masking.h"
 #include "host/config/problems.h"
 #include "host/config/text_rules.h"
 

@@ -92,7 +92,7 @@ bool startsDaemon(const std::string &command) {
     return std::count(std::begin(kDaemons), std::end(kDaemons), word.substr(word.rfind('/') + 1)) != 0;
 }
 
-void LiveHandler::note(Entry entry) {
+void LiveHandler::note(const Entry &entry) {
     settle();
     tell(entry);
     sink_(entry);
@@ -121,7 +121,7 @@ int LiveHandler::runForHost(const std::string &function, const Words &argv, std:
     end(entry, Handler::runForHost(function, argv, output, &said));
     entry.said = said.substr(0, kLongestSaid);
     const int status = entry.status;
-    note(std::move(entry));
+    note(entry);
     if (error)
         *error = said;
     return status;
@@ -133,7 +133,7 @@ int LiveHandler::system(const char *command) {
     const int rc = Handler::system(command);
     end(entry, rc < 0 ? rc : exitStatus(rc));
     entry.said = errors.take();
-    note(std::move(entry));
+    note(entry);
     return rc;
 }
 
@@ -151,7 +151,7 @@ FILE *LiveHandler::popen(const char *command, const char *type) {
     const int rc = pipe ? Handler::pclose(pipe) : -1;
     end(entry, rc < 0 ? rc : exitStatus(rc));
     entry.said = errors.take();
-    note(std::move(entry));
+    note(entry);
     errno = reason;
     FILE *stream = pipe ? fdopen(output.release(), "r") : nullptr;
     if (stream)
@@ -176,7 +176,7 @@ int LiveHandler::wlctlCmd(char *line) {
     end(entry, rc);
     std::fflush(stderr);
     entry.said = errors.take();
-    note(std::move(entry));
+    note(entry);
     return rc;
 }
 
@@ -213,7 +213,7 @@ ssize_t LiveHandler::sendto(int fd, const void *data, size_t size, int flags, co
     const ssize_t rc = Handler::sendto(fd, data, size, flags, to, length);
     const int reason = errno;
     end(entry, rc < 0 ? reason : 0);
-    note(std::move(entry));
+    note(entry);
     errno = reason;
     return rc;
 }
@@ -226,7 +226,7 @@ int LiveHandler::nanosleep(const timespec *wanted, timespec *left) {
     const int rc = Handler::nanosleep(wanted, left);
     const int reason = errno;
     end(entry, rc == 0 ? 0 : reason);
-    note(std::move(entry));
+    note(entry);
     errno = reason;
     return rc;
 }

@@ -33,7 +33,7 @@ class LiveHandler : public Handler {
 
   private:
     int write(const char *key, const char *value, const std::function<int()> &act);
-    void note(Entry entry);
+    void note(const Entry &entry);
 
     Sink sink_;
     std::optional<Entry> write_;  // waits for its line of the log

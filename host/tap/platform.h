@@ -33,10 +33,11 @@
 namespace wlhost::tap {
 
 struct Platform {
+// NOLINTBEGIN(bugprone-macro-parentheses,readability-identifier-naming): declarations, as the platform names them
 #define WLHOST_MEMBER(name) decltype(&::name) name;
-    // NOLINTNEXTLINE(readability-identifier-naming): as the platform calls them
     WLHOST_TAPPED(WLHOST_MEMBER)
 #undef WLHOST_MEMBER
+    // NOLINTEND(bugprone-macro-parentheses,readability-identifier-naming)
 };
 
 // Those behind this program, until a module is loaded; then those that the module would have without the tap. A

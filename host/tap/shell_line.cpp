@@ -74,23 +74,16 @@ class Reader {
     bool readWord(std::string *word) {
         for (char quote = '\0'; at_ < line_.size(); ++at_) {
             const char c = line_[at_];
-            if (quote == '\'' ? c == quote : quote == '"' ? c == quote : c == '\'' || c == '"') {
-                quote = quote ? '\0' : c;
-            } else if (quote == '\'') {
-                *word += c;
-            } else if (c == '`' || c == '$' || c == '\n') {
-                return false;
-            } else if (c == '\\') {
-                if (++at_ == line_.size())
-                    return false;
-                *word += line_[at_];
-            } else if (!quote && std::strchr(";(){}", c)) {
-                return false;
-            } else if (!quote && std::strchr(" \t|&<>", c)) {
-                break;
-            } else {
-                *word += c;
+            const bool closes = quote && c == quote, opens = !quote && (c == '\'' || c == '"');
+            if (closes || opens) {
+                quote = opens ? c : '\0';
+                continue;
             }
+            if (!quote && std::strchr(" \t|&<>", c))
+                break;
+            if (quote != '\'' && std::strchr(quote ? "`$\n\\" : "`$\n\\;(){}", c))
+                return false;
+            *word += c;
         }
         return true;
     }

@@ -11,8 +11,6 @@
 
 #include "host/base/fd.h"
 
-extern char **environ;
-
 namespace wlhost::tap {
 namespace {
 

@@ -1,17 +1,13 @@
 #include "host/tap/tap.h"
 
-#include <dlfcn.h>
-#include <link.h>
-
 #include <cstring>
 #include <string>
 
 #include "host/base/failure.h"
+#include "host/tap/library.h"
 
 namespace wlhost::tap {
 namespace {
-
-using Address = ElfW(Addr);
 
 Handler passOn;
 Handler *inForce = &passOn;
@@ -23,75 +19,9 @@ uint64_t operations = 0;
 // The last line of the module's log.
 std::string lastFunction, lastText;
 
-// Where the module's code lies.
-Address textBegin = 0, textEnd = 0;
+CodeRange moduleCode;
 
-template <typename Record> size_t symbolOf(const Record &entry) {
-    return entry.r_info >> (sizeof entry.r_info == 8 ? 32 : 8);
-}
-
-// A loaded library as the loader's tables describe it.
-struct Library {
-    Address base = 0;
-    const ElfW(Dyn) *dynamic = nullptr;
-    Address wanted = 0; // an address within
-
-    bool contains(const dl_phdr_info &info) {
-        bool found = false;
-        for (int i = 0; i < info.dlpi_phnum; ++i) {
-            const ElfW(Phdr) &part = info.dlpi_phdr[i];
-            Address start = info.dlpi_addr + part.p_vaddr;
-            if (part.p_type == PT_DYNAMIC)
-                dynamic = reinterpret_cast<const ElfW(Dyn) *>(start);
-            if (part.p_type != PT_LOAD || wanted < start || wanted >= start + part.p_memsz)
-                continue;
-            found = true;
-            base = info.dlpi_addr;
-            textBegin = start;
-            textEnd = start + part.p_memsz;
-        }
-        return found;
-    }
-
-    // The entry of the dynamic section, as an address; the loader has added the base on some systems only.
-    Address entry(ElfW(Sxword) tag) const {
-        for (const ElfW(Dyn) *at = dynamic; at->d_tag != DT_NULL; ++at)
-            if (at->d_tag == tag)
-                return at->d_un.d_ptr;
-        return 0;
-    }
-    template <typename Record> const Record *table(ElfW(Sxword) tag) const {
-        Address at = entry(tag);
-        return reinterpret_cast<const Record *>(at != 0 && at < base ? at + base : at);
-    }
-
-    // Calls back with the name and the bound address of every import in one table of relocations.
-    template <typename Record, typename Each> void eachImport(ElfW(Sxword) tag, size_t bytes, Each each) const {
-        const auto *symbols = table<ElfW(Sym)>(DT_SYMTAB);
-        const char *names = table<char>(DT_STRTAB);
-        const auto *records = table<Record>(tag);
-        for (size_t i = 0; records && i < bytes / sizeof(Record); ++i) {
-            const ElfW(Sym) &symbol = symbols[symbolOf(records[i])];
-            if (symbolOf(records[i]) != 0 && symbol.st_shndx == SHN_UNDEF)
-                each(names + symbol.st_name, *reinterpret_cast<const Address *>(base + records[i].r_offset));
-        }
-    }
-    template <typename Each> void eachImport(Each each) const {
-        if (entry(DT_PLTREL) == DT_RELA)
-            eachImport<ElfW(Rela)>(DT_JMPREL, entry(DT_PLTRELSZ), each);
-        else
-            eachImport<ElfW(Rel)>(DT_JMPREL, entry(DT_PLTRELSZ), each);
-        eachImport<ElfW(Rela)>(DT_RELA, entry(DT_RELASZ), each);
-        eachImport<ElfW(Rel)>(DT_REL, entry(DT_RELSZ), each);
-    }
-};
-
-// Whether something stands in this program itself, not in a library.
-bool isOwn(Address address) {
-    Dl_info found, own;
-    return dladdr(reinterpret_cast<const void *>(address), &found) != 0 &&
-           dladdr(reinterpret_cast<const void *>(&isOwn), &own) != 0 && found.dli_fbase == own.dli_fbase;
-}
+} // namespace
 
 bool isTapped(const char *name) {
 #define WLHOST_NAME(function) #function,
@@ -103,21 +33,14 @@ bool isTapped(const char *name) {
     return false;
 }
 
-} // namespace
-
 void attach(void *library, const void *symbol) {
-    Library module;
-    module.wanted = reinterpret_cast<Address>(symbol);
-    auto visit = [](dl_phdr_info *info, size_t, void *data) {
-        return static_cast<Library *>(data)->contains(*info) ? 1 : 0;
-    };
-    if (dl_iterate_phdr(visit, &module) == 0)
-        throw Failure(Status::kEnvironment, "tap", "the module is not among the loaded libraries");
-    module.eachImport([&](const char *name, Address bound) {
+    const LoadedLibrary module(symbol);
+    module.eachImport([](const char *name, const void *bound) {
         if (isTapped(name) && !isOwn(bound))
             throw Failure(Status::kEnvironment, name, "the module's calls of this function go past the host",
                           "wlhost was built without exporting it, or another library stands before it");
     });
+    moduleCode = module.code();
     takePlatform(library);
 }
 
@@ -126,8 +49,7 @@ void setHandler(Handler *handler) { inForce = handler ? handler : &passOn; }
 void setRecorder(Handler *outermost) { recorder = outermost; }
 
 Handler &handlerFor(const void *returnAddress) {
-    auto address = reinterpret_cast<Address>(returnAddress);
-    if (address < textBegin || address >= textEnd)
+    if (!moduleCode.contains(returnAddress))
         return passOn;
     return recorder ? *recorder : *inForce;
 }

@@ -12,6 +12,8 @@ namespace wlhost::tap {
 // Puts the tap in front of a module, after dlopen() and before its first call. `symbol` is any function of it. Throws a
 // Failure with status 7 when an import of the module would go past the tap.
 void attach(void *library, const void *symbol);
+// Whether the tap stands before the function of this name.
+bool isTapped(const char *name);
 
 // The handler of the module's calls; the one that passes them on when none was set. It stays the caller's own.
 Handler &handler();

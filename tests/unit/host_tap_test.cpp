@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 
 #include "host/base/failure.h"
@@ -145,6 +146,19 @@ TEST(DryMode, AChildAnswersFailsOrIsEnded) {
               Status::kNotFound);
     EXPECT_EQ(statusOf([]() -> json { _exit(0); }, seconds(10)), Status::kFailed);
     EXPECT_EQ(statusOf([]() -> json { return pause(); }, std::chrono::milliseconds(20)), Status::kTimeout);
+}
+
+TEST(Attaching, IsRefusedWhereCallsGoPastTheTap) {
+    // This program exports nothing, so the C++ library's calls are the C library's.
+    const auto *place = reinterpret_cast<const void *>(&std::set_terminate);
+    try {
+        tap::attach(nullptr, place);
+        FAIL() << "attached";
+    } catch (const Failure &failure) {
+        EXPECT_EQ(failure.status, Status::kEnvironment);
+        EXPECT_TRUE(tap::isTapped(failure.where.c_str())) << failure.where;
+    }
+    EXPECT_EQ(&tap::handlerFor(place), &tap::handler());
 }
 
 TEST(Masking, CoversKnownSecretsAndTheValuesOfTheirKeys) {
