@@ -222,7 +222,12 @@ Status serveRadios(const Call &call) {
 
 Status beTheHost(const Call &call) {
     setLogLevel(logLevelOf(call.args.value("log_level", "error")));
-    if (call.args.value("sim", false))
+    const bool sim = call.args.value("sim", false);
+    for (const char *outside : {"journal", "syslog"})
+        if (sim && call.args.contains(outside))
+            throw Failure(Status::kUsage, std::string("--") + outside, "is not there in a simulated gateway",
+                          "ask for it with wlhost journal");
+    if (sim)
         return runInGateway(call);
     if (call.args.value("dry_run", false))
         return planTheRun(call);

@@ -18,6 +18,15 @@ std::string itemRows(const json &result) {
     return table({{"RADIO", "radio"}, {"ITEM", "item"}, {"VALUE", "value", false, nullptr, true}}, rows);
 }
 
+// What was done, as one would type it.
+std::string deed(const json &entry) {
+    const std::string kind = entry["kind"], what = entry["what"];
+    return kind == "nvram"      ? "nvram " + what
+           : kind == "pause"    ? "sleep " + what
+           : kind == "datagram" ? "send " + what
+                                : what;
+}
+
 } // namespace
 
 std::string showRows(const json &result, const std::vector<Column> &columns) { return table(columns, result); }
@@ -176,8 +185,15 @@ std::string showEvent(const json &event, const std::vector<Column> &) {
 
 std::string showEntry(const json &entry) {
     const std::string status = entry["status"] == 0 ? "" : " (status " + cell(entry["status"]) + ")";
-    return timeOfDay(entry["time"]) + " " + cell(entry["operation"]) + " " + cell(entry["function"]) + " " +
-           cell(entry["kind"]) + ": " + cell(entry["what"]) + status;
+    return timeOfDay(entry["time"]) + " " + cell(entry["operation"]) + " " + cell(entry["function"]) + ": " +
+           deed(entry) + status;
+}
+
+std::string showJournal(const json &result, const std::vector<Column> &columns) {
+    json rows = result;
+    for (json &row : rows)
+        row["what"] = deed(row);
+    return showRows(rows, columns);
 }
 
 } // namespace wlhost

@@ -26,6 +26,7 @@ std::string showSession(const json &result, const std::vector<Column> &columns);
 std::string showMembers(const json &result, const std::vector<Column> &);
 // Each difference with both sides, then a line that counts.
 std::string showReplay(const json &result, const std::vector<Column> &);
+std::string showJournal(const json &result, const std::vector<Column> &columns);
 // One line, without its end.
 std::string showEntry(const json &entry);
 std::string showEvent(const json &event, const std::vector<Column> &);

@@ -25,6 +25,8 @@ std::string dbm(const json &value) { return withUnit(value, "dBm"); }
 std::string db(const json &value) { return withUnit(value, "dB"); }
 std::string mbps(const json &value) { return withUnit(value, "Mbit/s"); }
 std::string percent(const json &value) { return withUnit(value, "%"); }
+std::string exitText(const json &value) { return value == 0 ? "ok" : cell(value); }
+
 std::string timeOfDay(const json &value) {
     const std::string text = cell(value);
     const size_t begin = text.find('T') + 1;

@@ -15,6 +15,8 @@ std::string percent(const json &value);
 std::string seconds(const json &value);
 // "2026-01-31T10:00:00.123Z" as "10:00:00.123".
 std::string timeOfDay(const json &value);
+// An exit status: "ok" for 0.
+std::string exitText(const json &value);
 // 866000 as "866 Mbit/s".
 std::string kbps(const json &value);
 // 1500 as "1.5 kB".

@@ -10,6 +10,7 @@
 
 #include "host/base/failure.h"
 #include "host/base/log.h"
+#include "host/tap/dry_run.h"
 #include "host/tap/tap.h"
 
 namespace wlhost {
@@ -47,7 +48,7 @@ __attribute__((format(printf, 5, 6))) void printLog(int level, const char *modul
     const LogLevel ours = level <= WLBRCM_LOG_ERR    ? LogLevel::kError
                           : level <= WLBRCM_LOG_INFO ? LogLevel::kInfo
                                                      : LogLevel::kDebug;
-    logText(ours, "module",
+    logText(tap::isDry() ? LogLevel::kDebug : ours, tap::isDry() ? "module, dry run" : "module",
             std::string(module) + " " + function + ":" + std::to_string(line) + ": " + std::string(text));
 }
 

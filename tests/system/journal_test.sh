@@ -65,6 +65,21 @@ test_failures_are_told_of_the_command() {
     assert_lacks "$(grep ' error ' "$work"/host.log)" "rule does not exist"
     assert_eq "$(entry 'length' --since 1d)" "$(entry length)"
     assert_status 2 wlhost journal --since yesterday
+    stop_host
+}
+
+test_the_log_goes_where_and_as_far_as_asked() {
+    : >"$work"/host.log
+    JOURNAL_STREAM=$(stat -c %d:%i "$work"/host.log) start_host "$variant" --log-level info
+    (exec wlhost journal --follow --json --failed >"$work"/followed 2>&1 &)
+    assert_status 0 wlhost log-level debug
+    assert_status 0 wlhost reload wl1
+    assert_contains "$(grep -v '^<' "$work"/host.log)" "started" # a result, not the log
+    assert_contains "$(cat "$work"/host.log)" "<7>debug module: BRCM qvWlConfUp"
     assert_status 0 wlhost log-level error
+    : >"$work"/host.log
+    assert_status 0 wlhost reload wl1
+    assert_lacks "$(cat "$work"/host.log)" debug
+    assert_eq "$(jq -r .what "$work"/followed)" "$(entry '.[] | select(.request == "reload wl1") | .what' --failed)"
     stop_host
 }

@@ -42,6 +42,14 @@ TEST_F(HostCommands, ReloadsWhatChanged) {
     EXPECT_EQ(calls, (Calls{"lan br0", "reload wl0 36"}));
 }
 
+TEST_F(HostCommands, ShowsSecretsToRootAlone) {
+    const std::string request = R"({"command": "journal", "args": {"secrets": true}})";
+    EXPECT_EQ(answer(*host_, request, 0)["status"], Status::kDone);
+    const json refused = answer(*host_, request, 1000);
+    EXPECT_EQ(refused["status"], Status::kFailed);
+    EXPECT_NE(refused["error"]["text"].get<std::string>().find("permission"), std::string::npos);
+}
+
 TEST_F(HostCommands, FilterOfTheUser) {
     calls.clear();
     json filter = result(
