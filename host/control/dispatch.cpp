@@ -70,7 +70,14 @@ const Command &commandOf(const std::string &name) {
 
 uid_t currentUser = geteuid();
 
-// What a client asked for, as it was typed; a PIN is not kept.
+// One word of a command line; a PIN is not kept.
+std::string wordOf(const Option &option, const json &value) {
+    if (isSecretKey(option.key))
+        return kMask;
+    return tap::quoted(value.is_string() ? value.get<std::string>() : value.dump());
+}
+
+// What a client asked for, as it was typed.
 std::string textOf(const Request &request) {
     std::string text = request.command->name;
     for (const Option &option : request.command->options) {
@@ -79,11 +86,10 @@ std::string textOf(const Request &request) {
             continue;
         if (!option.isPlaced())
             text += std::string(" ") + option.name;
+        if (value == true)
+            continue;
         for (const json &one : value.is_array() ? value : json::array({value}))
-            if (!one.is_boolean())
-                text += " " + (isSecretKey(option.key)
-                                   ? kMask
-                                   : tap::quoted(one.is_string() ? one.get<std::string>() : one.dump()));
+            text += " " + wordOf(option, one);
     }
     return text.substr(0, 512);
 }
