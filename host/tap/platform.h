@@ -17,18 +17,11 @@
 #include <bcmnvram.h>
 #include <wlctl_lib.h>
 
+#include "tapped_functions.h" // WLHOST_TAPPED, made of tests/checks/tapped.txt
+
 #ifdef _FILE_OFFSET_BITS
 #error "the module's open() and lseek() are those of the default offsets"
 #endif
-
-// Every function through which the module reaches the world; the same names as in tests/checks/tapped.txt.
-#define WLHOST_TAPPED(row)                                                                                             \
-    row(bind) row(chmod) row(clock_gettime) row(close) row(closedir) row(dprintf) row(fcntl) row(fileno) row(fprintf)  \
-        row(fputs) row(fread) row(fstat) row(geteuid) row(ioctl) row(lseek) row(nanosleep) row(nvram_get)              \
-            row(nvram_set) row(nvram_unset) row(open) row(opendir) row(pclose) row(poll) row(popen) row(printf)        \
-                row(puts) row(rand) row(read) row(readdir) row(recv) row(recvfrom) row(remove) row(sched_setaffinity)  \
-                    row(sched_setscheduler) row(sendto) row(setsockopt) row(sigaction) row(socket) row(srand)          \
-                        row(system) row(time) row(wlctl_cmd)
 
 namespace wlhost::tap {
 
