@@ -24,7 +24,7 @@ constexpr LevelWord kLevels[] = {
     {LogLevel::kError, "error", LOG_ERR}, {LogLevel::kInfo, "info", LOG_INFO}, {LogLevel::kDebug, "debug", LOG_DEBUG}};
 
 LogLevel shown = LogLevel::kError;
-bool toSystem = false;
+bool toSystem = false, muted = false;
 
 const LevelWord &rowOf(LogLevel level) { return kLevels[static_cast<size_t>(level)]; }
 
@@ -66,8 +66,10 @@ void logToSystem() {
     toSystem = true;
 }
 
+void muteLog() { muted = true; }
+
 void logText(LogLevel level, const char *who, const std::string &text) {
-    if (level > shown)
+    if (muted || level > shown)
         return;
     for (const std::string &line : splitWords(text, '\n'))
         logLine(level, who, line);

@@ -6,6 +6,7 @@
 #include <climits>
 
 #include "host/base/failure.h"
+#include "host/base/log.h"
 #include "host/base/word_lists.h"
 #include "host/report/archive.h"
 #include "host/report/operations.h"
@@ -75,6 +76,7 @@ json replay(const std::string &bytes, const std::string &library) {
     Script script;
     Replayer replayer(script);
     tap::setHandler(&replayer);
+    muteLog();
     script.begin(archive.operations.front());
     Module &module = loadModule(library);
     script.end(0);

@@ -38,13 +38,18 @@ const Entry *Script::next(const Entry &call) {
     while (at_ < entries.size() && used_[at_])
         ++at_;
     const size_t found = search(call);
-    if (found != at_ || found == entries.size()) {
-        const bool expects = at_ < entries.size();
-        note(expects ? &entries[at_] : nullptr, &call);
+    const bool none = found == entries.size();
+    // The entry that this call stands in the place of. One that a difference has named is not missed again.
+    size_t missed = at_;
+    while (!none && missed < found && (used_[missed] || told_[missed]))
+        ++missed;
+    if (none || missed != found) {
+        const bool expects = missed < entries.size() && !told_[missed];
+        note(expects ? &entries[missed] : nullptr, &call);
         if (expects)
-            told_[at_] = true;
+            told_[missed] = true;
     }
-    if (found == entries.size())
+    if (none)
         return nullptr;
     used_[found] = true;
     at_ = found + 1;
