@@ -9,6 +9,7 @@
 #include "host/base/escape.h"
 #include "host/cli/calls.h"
 #include "host/commands/host_commands.h"
+#include "host/journal/journal.h"
 #include "host/report/archive.h"
 #include "host/report/operations.h"
 #include "host/report/recording.h"
@@ -73,6 +74,20 @@ json verifyRows(Host &host) {
     return rows;
 }
 
+// A variable stands apart from its value, which may be a secret with blanks in it.
+std::vector<json> journalRows() {
+    std::vector<json> rows;
+    for (const tap::Entry &entry : journal().entries()) {
+        json row = journalRow(entry, true);
+        if (const size_t sign = entry.what.find('='); entry.kind == tap::Kind::kNvram && sign != std::string::npos) {
+            row["what"] = escapeBytes(entry.what.substr(0, sign));
+            row["value"] = escapeBytes(entry.what.substr(sign + 1));
+        }
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
 } // namespace
 
 json report(Host &host, const json &) {
@@ -82,6 +97,7 @@ json report(Host &host, const json &) {
     archive.configuration = host.config().document.root;
     archive.operations = operationsToJson(recording().operations());
     archive.nvram = storedVariables(host.module(), archive.operations);
+    archive.journal = journalRows();
     archive.about = versions(host);
     const size_t kept = archive.operations.size();
     const std::string bytes = packArchive(std::move(archive), moduleText(host.module()), std::time(nullptr));

@@ -42,13 +42,21 @@ void checkVersions(const json &about) {
         refuse("was made by a later version of wlhost", "replay it with that version");
 }
 
+std::string lines(const std::vector<json> &rows) {
+    std::string text;
+    for (const json &row : rows)
+        text += dumped(row) + "\n";
+    return text;
+}
+
 } // namespace
 
 std::string packArchive(Archive archive, const std::string &moduleText, long time) {
     Masks masks(moduleText);
     std::vector<json *> documents = {&archive.configuration, &archive.nvram, &archive.verify, &archive.doctor};
-    for (json &operation : archive.operations)
-        documents.push_back(&operation);
+    for (std::vector<json> *rows : {&archive.operations, &archive.journal})
+        for (json &row : *rows)
+            documents.push_back(&row);
     for (const json *document : documents)
         masks.learn(*document);
     for (json *document : documents)
@@ -56,15 +64,13 @@ std::string packArchive(Archive archive, const std::string &moduleText, long tim
     archive.about["format"] = kArchiveFormat;
     archive.about["tap"] = kTapVersion;
     archive.about["operation_count"] = archive.operations.size();
-    std::string lines;
-    for (const json &operation : archive.operations)
-        lines += dumped(operation) + "\n";
     return packTarGz({{kAbout, dumped(archive.about, 2)},
                       {"configuration.json", dumped(archive.configuration, 2)},
                       {"nvram.json", dumped(archive.nvram, 2)},
                       {"verify.json", dumped(archive.verify, 2)},
                       {"doctor.json", dumped(archive.doctor, 2)},
-                      {kOperations, lines}},
+                      {"journal.jsonl", lines(archive.journal)},
+                      {kOperations, lines(archive.operations)}},
                      time);
 }
 

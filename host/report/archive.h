@@ -19,6 +19,7 @@ struct Archive {
     json about; // versions, the time, what was lost
     json configuration, nvram, verify, doctor;
     std::vector<json> operations; // of operationsToJson()
+    std::vector<json> journal;    // rows
 };
 
 // `moduleText`: the bytes of the module's library, whose own words are no secrets.

@@ -216,24 +216,32 @@ std::string Masks::ofSecret(SecretKind kind, const std::string &secret) {
     return masks_.at(secret);
 }
 
+const Masks::Spelling *Masks::spellingAt(const std::string &text, size_t at) const {
+    const auto &same = searched_[static_cast<unsigned char>(text[at])];
+    auto found =
+        std::find_if(same.begin(), same.end(), [&](const Spelling &one) { return standsAt(one.first, text, at); });
+    return found == same.end() ? nullptr : &*found;
+}
+
 std::string Masks::ofText(const std::string &text) {
     std::string out;
     for (size_t at = 0; at < text.size();) {
         const Value value = text[at] == '=' ? valueBehind(text, at) : Value{};
         if (value.kind != SecretKind::kNone) {
             out.append(text, at, value.at - at);
+            at = value.at;
+            // A value with blanks in it is known from elsewhere; else it ends at the first.
+            if (at < text.size() && spellingAt(text, at))
+                continue;
             out += ofSecret(value.kind, text.substr(value.at, value.size));
             at = value.at + value.size;
             continue;
         }
-        const auto &same = searched_[static_cast<unsigned char>(text[at])];
-        auto found =
-            std::find_if(same.begin(), same.end(), [&](const auto &one) { return standsAt(one.first, text, at); });
-        if (found == same.end()) {
-            out += text[at++];
+        if (const auto *spelling = spellingAt(text, at)) {
+            out += spelling->second;
+            at += spelling->first.size();
         } else {
-            out += found->second;
-            at += found->first.size();
+            out += text[at++];
         }
     }
     return out;

@@ -36,14 +36,16 @@ class Masks {
     std::string ofText(const std::string &text);
 
   private:
+    using Spelling = std::pair<std::string, std::string>; // and its mask
+    const Spelling *spellingAt(const std::string &text, size_t at) const;
     template <typename Leaf> void walk(json &document, SecretKind kind, const Leaf &leaf);
     void learnSecret(SecretKind kind, const std::string &secret);
     void learnWords(const std::string &text);
 
     std::string moduleText_;
     std::map<std::string, std::string> masks_; // by secret
-    // To be replaced wherever they stand, by what: spellings of secrets by their first byte, the longest first.
-    std::array<std::vector<std::pair<std::string, std::string>>, 256> searched_;
+    // To be replaced wherever they stand: secrets by the first byte of their spelling, the longest first.
+    std::array<std::vector<Spelling>, 256> searched_;
 };
 
 } // namespace wlhost

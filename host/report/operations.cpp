@@ -11,6 +11,8 @@
 #include "host/base/escape.h"
 #include "host/base/failure.h"
 #include "host/report/records.h"
+#include "host/tap/dry_run.h"
+#include "host/tap/tap.h"
 
 namespace wlhost {
 namespace {
@@ -179,6 +181,15 @@ double now() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
+Operation beginning(const char *name) {
+    Operation operation;
+    operation.name = name;
+    operation.request = tap::Operation::current().request();
+    operation.time = now();
+    operation.dry = tap::isDry();
+    return operation;
+}
+
 struct Row {
     const char *name;
     void (*record)(Module &module, TraceRing &trace, const Row &row);
@@ -206,8 +217,7 @@ template <typename Result, typename... Args, Result (*&(*Place)(Module &))(Args.
 
     static Result recorded(Args... args) {
         Noted noted;
-        noted.operation.name = row->name;
-        noted.operation.time = now();
+        noted.operation = beginning(row->name);
         noted.putAll(row->arguments.data(), args...);
         noted.operation.input = noted.input.dump();
         trace->begin(std::move(noted.operation));
@@ -278,12 +288,7 @@ const std::vector<Row> &rows() {
 
 } // namespace
 
-void beginModuleStart(TraceRing &trace) {
-    Operation start;
-    start.name = kModuleStart;
-    start.time = now();
-    trace.begin(std::move(start));
-}
+void beginModuleStart(TraceRing &trace) { trace.begin(beginning(kModuleStart)); }
 
 void recordOperations(Module &module, TraceRing &trace) {
     for (const Row &one : rows())

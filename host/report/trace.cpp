@@ -118,13 +118,12 @@ std::vector<json> operationsToJson(const std::list<Operation> &operations) {
             told.emplace(operation.record.get(), operation.number);
         for (const Entry &entry : operation.entries)
             entries.push_back(entryToJson(entry));
-        all.push_back({{"number", operation.number},
-                       {"operation", operation.name},
-                       {"radio", operation.radio},
-                       {"time", operation.time},
-                       {"input", std::move(input)},
-                       {"result", operation.result},
-                       {"entries", std::move(entries)}});
+        json row = {{"number", operation.number},   {"operation", operation.name},  {"radio", operation.radio},
+                    {"request", operation.request}, {"time", operation.time},       {"input", std::move(input)},
+                    {"result", operation.result},   {"entries", std::move(entries)}};
+        if (operation.dry)
+            row["dry"] = true;
+        all.push_back(std::move(row));
     }
     return all;
 }

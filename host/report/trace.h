@@ -37,7 +37,9 @@ struct Operation {
     uint64_t number = 0; // counted from the module's start, which is 0
     std::string name;
     std::string radio;        // empty when it concerns none
+    std::string request;      // of the client that caused it, without secrets
     double time = 0;          // seconds since 1970
+    bool dry = false;         // its commands and writes were held back
     std::string input = "{}"; // arguments as JSON; a text, since it is kept much longer than it is used
     // The radio's record as JSON, when it is an argument; shared by the operations between two changes of it.
     std::shared_ptr<const std::string> record;

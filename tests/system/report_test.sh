@@ -33,7 +33,7 @@ test_a_report_replays_and_holds_no_secret() {
     assert_eq true "$(jq '.same and .calls > 1500' <<<"$output")"
     mkdir "$work/files"
     tar -xzf "$archive" -C "$work/files"
-    assert_eq "archive.json configuration.json doctor.json nvram.json operations.jsonl verify.json" \
+    assert_eq "archive.json configuration.json doctor.json journal.jsonl nvram.json operations.jsonl verify.json" \
         "$(ls "$work/files" | paste -sd" ")"
     local secret
     for secret in "${secrets[@]}"; do

@@ -98,16 +98,11 @@ TEST(ReportMasks, KeepLengthKindAndChecksum) {
     const char *kHex = "0123456789abcdef", *kDigits = "0123456789";
     const char *kText = "ghijkmnopqrstuvwxyzGHJKLMNPQRSTUVWXYZ"; // never all hexadecimal
     const Case kCases[] = {
-        {SecretKind::kKey, std::string(64, 'A'), kHex},
-        {SecretKind::kKey, "0123456789", kHex},
-        {SecretKind::kKey, std::string(26, '7'), kHex},
-        {SecretKind::kKey, "radio", kText},
-        {SecretKind::kKey, "thirteen char", kText},
-        {SecretKind::kKey, "correct horse battery", kText},
-        {SecretKind::kKey, std::string(63, 'f'), kText},
-        {SecretKind::kPin, "12345670", kDigits},
-        {SecretKind::kPin, "12345678", kDigits},
-        {SecretKind::kPin, "1234", kDigits},
+        {SecretKind::kKey, std::string(64, 'A'), kHex},  {SecretKind::kKey, "0123456789", kHex},
+        {SecretKind::kKey, std::string(26, '7'), kHex},  {SecretKind::kKey, "radio", kText},
+        {SecretKind::kKey, "thirteen char", kText},      {SecretKind::kKey, "correct horse battery", kText},
+        {SecretKind::kKey, std::string(63, 'f'), kText}, {SecretKind::kPin, "12345670", kDigits},
+        {SecretKind::kPin, "12345678", kDigits},         {SecretKind::kPin, "1234", kDigits},
     };
     Masks masks("");
     for (const Case &one : kCases) {
@@ -133,6 +128,7 @@ TEST(ReportMasks, StandWhereverTheSecretStood) {
         {"call": "nvram_set", "what": "wl0.1_wpa_psk", "value": "correct horse"},
         {"call": "nvram_get", "what": "wl0_key1", "answer": "radio"},
         {"call": "nvram_get", "what": "wl0_radio", "answer": "radio"},
+        {"call": "system", "what": "nvram set wl0_wpa_psk=correct horse"},
         {"call": "sendto", "what": "127.0.0.1:40500", "value": "SET wps_sta_pin=12345670 wps_action=3"},
         {"call": "system", "what": "radio 'c''o''r''r''e''c''t'' ''h''o''r''s''e'", "answer": "-correct horse-"},
         {"call": "popen", "what": "counters", "answer": "tx 12345670 rx 3123456701"},
@@ -150,14 +146,15 @@ TEST(ReportMasks, StandWhereverTheSecretStood) {
     EXPECT_EQ(bss["wepKeys"], json({wep, ""}));
     EXPECT_EQ(document[2]["value"], psk);
     EXPECT_EQ(document[3]["answer"], wep);
-    EXPECT_EQ(document[5]["value"], "SET wps_sta_pin=" + pin + " wps_action=3");
-    EXPECT_EQ(document[6]["answer"], "-" + psk + "-");
-    EXPECT_EQ(document[6]["what"].get<std::string>().find("'o''r''r'"), std::string::npos);
-    EXPECT_EQ(document[7]["answer"], "tx " + pin + " rx 3123456701");
-    for (size_t untouched : {4, 9}) // a short secret elsewhere; what the module spells itself
+    EXPECT_EQ(document[6]["value"], "SET wps_sta_pin=" + pin + " wps_action=3");
+    EXPECT_EQ(document[5]["what"], "nvram set wl0_wpa_psk=" + psk);
+    EXPECT_EQ(document[7]["answer"], "-" + psk + "-");
+    EXPECT_EQ(document[7]["what"].get<std::string>().find("'o''r''r'"), std::string::npos);
+    EXPECT_EQ(document[8]["answer"], "tx " + pin + " rx 3123456701");
+    for (size_t untouched : {4, 10}) // a short secret elsewhere; what the module spells itself
         EXPECT_EQ(document[untouched], before[untouched]);
     EXPECT_EQ(document[0]["ssid"], "radio");
-    EXPECT_NE(document[8]["wl1_wpa_psk"], "wlctl -i");
+    EXPECT_NE(document[9]["wl1_wpa_psk"], "wlctl -i");
 }
 
 Entry entry(const std::string &what) {
@@ -201,13 +198,13 @@ TEST(ReportTrace, GoesOnAtTheNextEqualEntry) {
     };
     const Case kCases[] = {
         {"abc", "abc", "", 0},
-        {"abc", "axc", "b/x ", 0},         // another one
+        {"abc", "axc", "b/x ", 0},           // another one
         {"abcd", "axyd", "b/x -/y c/d ", 0}, // two others
-        {"abc", "ac", "b/c ", 0},          // one less
-        {"abc", "abxc", "c/x ", 0},        // one more
-        {"abc", "acb", "b/c -/b ", 0},      // another order
-        {"abc", "ab", "c/- ", 0},          // ends early
-        {"ab", "abc", "-/c ", 0},          // goes on
+        {"abc", "ac", "b/c ", 0},            // one less
+        {"abc", "abxc", "c/x ", 0},          // one more
+        {"abc", "acb", "b/c -/b ", 0},       // another order
+        {"abc", "ab", "c/- ", 0},            // ends early
+        {"ab", "abc", "-/c ", 0},            // goes on
         {"ab", "ab", "returns 0/returns -5 ", -5},
     };
     for (const Case &one : kCases) {
@@ -220,7 +217,9 @@ TEST(ReportTrace, GoesOnAtTheNextEqualEntry) {
             script.next(entry({*c}));
         script.end(one.result);
         std::string differences;
-        auto side = [](const std::string &text) { return text.empty() ? "-" : text.substr(text.find("system ") == 0 ? 7 : 0); };
+        auto side = [](const std::string &text) {
+            return text.empty() ? "-" : text.substr(text.find("system ") == 0 ? 7 : 0);
+        };
         for (const Difference &difference : script.differences())
             differences += side(difference.expected) + "/" + side(difference.got) + " ";
         EXPECT_EQ(differences, one.differences) << one.archive << " " << one.module;
@@ -232,8 +231,10 @@ std::string archiveOf(const json &about, const std::string &operations) {
 }
 
 TEST(ReportArchive, RefusesWhatIsNone) {
-    const std::string start = R"({"number":0,"operation":"wlModuleInit","input":{},"entries":[]})" "\n";
-    const std::string later = R"({"number":5,"operation":"receive","input":{},"entries":[]})" "\n";
+    const std::string start = R"({"number":0,"operation":"wlModuleInit","input":{},"entries":[]})"
+                              "\n";
+    const std::string later = R"({"number":5,"operation":"receive","input":{},"entries":[]})"
+                              "\n";
     const std::string deep = std::string(200000, '[');
     auto about = [](int count) { return json{{"format", 1}, {"tap", 1}, {"operation_count", count}}; };
     struct Case {
@@ -259,7 +260,9 @@ TEST(ReportArchive, RefusesWhatIsNone) {
     };
     for (const Case &one : kCases)
         EXPECT_EQ(refusalOf([&] { readArchive(one.bytes); }), one.refusal);
-    EXPECT_EQ(refusalOf([] { unpackTarGz(packTarGz({{"a", std::string(5000, 'a')}}, 0), {"a"}, 4000); }),
+    EXPECT_EQ(refusalOf([] {
+                  unpackTarGz(packTarGz({{"a", std::string(5000, 'a')}}, 0), {"a"}, 4000);
+              }),
               "is too large");
 }
 
