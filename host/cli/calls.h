@@ -58,8 +58,6 @@ json resultOf(const std::string &line);
 void showResult(const Call &call, const json &result, FILE *out = stdout);
 // A request with this call's command and arguments, as a host takes it.
 json requestOf(const Call &call);
-// Whether a failure says that there is no host to be asked.
-bool isWithoutHost(const Call &call, const Failure &failure);
 // The result of a command that a host at this socket carries out.
 json resultFrom(const std::string &socket, const json &request, int timeout, const std::function<void(int)> &tick = {});
 // A path as a host finds it, which has its own working directory.
