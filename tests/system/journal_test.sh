@@ -66,6 +66,7 @@ test_failures_are_told_of_the_command() {
     assert_eq "$(entry 'length' --since 1d)" "$(entry length)"
     assert_status 2 wlhost journal --since yesterday
     stop_host
+    brctl addbr br1 && ip link set br1 up
 }
 
 test_the_log_goes_where_and_as_far_as_asked() {
