@@ -110,10 +110,18 @@ Status tellDifferences(const json &result) {
     return Status::kFailed;
 }
 
-// A rollback that is due, and the time until the next one.
-void rollBack(Host &host) {
-    if (json outcome = host.rollBackWhenDue(); outcome.is_object())
-        tellDifferences(outcome);
+// The configuration before comes back when nobody confirmed the new one in time.
+void rollBackWhenDue(Host &host) {
+    if (!host.rollbackTime() || std::chrono::steady_clock::now() < *host.rollbackTime())
+        return;
+    tap::Operation operation("rollback", "not confirmed in time");
+    try {
+        rollBack(host);
+        logText(LogLevel::kError, "rollback", "not confirmed in time; the configuration before is in force again");
+    } catch (const std::exception &failure) {
+        logText(LogLevel::kError, "rollback",
+                std::string("not confirmed in time; not all is as before: ") + failure.what());
+    }
 }
 
 int untilRollback(const Host &host) {
@@ -145,7 +153,7 @@ void serve(Host &host, ControlServer &server) {
             receiveEvents(host);
         if (sessionMayChange(host))
             watchSession(host);
-        rollBack(host);
+        rollBackWhenDue(host);
         server.serve();
     }
 }

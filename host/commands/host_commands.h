@@ -34,6 +34,8 @@ json load(Host &host, const json &args);
 json beacon(Host &host, const json &args);
 
 json reload(Host &host, const json &args);
+// Back to the configuration before a reload that nobody confirmed.
+json rollBack(Host &host);
 // What a reload would do.
 json plan(Host &host, const json &args);
 Status meaningOfPlan(const json &plan);

@@ -1,3 +1,5 @@
+#include <functional>
+
 #include "host/base/addresses.h"
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
@@ -21,6 +23,22 @@ void demandAddress(const Host &host, const std::string &ifname, const std::strin
     std::string found = host.platform->readFile("/sys/class/net/" + ifname + "/address").value_or("none");
     if (splitWords(found, '\n').front() != wanted)
         throw Failure(Status::kFailed, ifname, "address: wanted " + wanted + ", found " + found, "see the log");
+}
+
+// Followers of the events hear what came of it.
+json told(Host &host, json event, const std::function<json()> &change) {
+    auto tell = [&](const char *result) {
+        event.update({{"result", result}, {"config", host.configFile()}});
+        host.tell(event);
+    };
+    try {
+        json result = change();
+        tell("done");
+        return result;
+    } catch (const Failure &failure) {
+        tell(statusWord(failure.status));
+        throw;
+    }
 }
 
 } // namespace
@@ -57,17 +75,12 @@ json reload(Host &host, const json &args) {
     if (flagArg(args, "dry_run"))
         return plan(host, args);
     std::string radio = textArg(args, "radio");
-    json event = {{"event", "reload"}, {"radio", radio.empty() ? json() : json(radio)}, {"result", "done"}};
-    try {
-        json result = host.reload(reloadRequest(args));
-        event["config"] = result["config"];
-        host.tell(event);
-        return result;
-    } catch (const Failure &failure) {
-        event["result"] = statusWord(failure.status);
-        host.tell(event);
-        throw;
-    }
+    return told(host, {{"event", "reload"}, {"radio", radio.empty() ? json() : json(radio)}},
+                [&] { return host.reload(reloadRequest(args)); });
+}
+
+json rollBack(Host &host) {
+    return told(host, {{"event", "rollback"}}, [&] { return host.rollBack(); });
 }
 
 json plan(Host &host, const json &args) {

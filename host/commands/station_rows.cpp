@@ -8,6 +8,7 @@
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
 #include "host/commands/values.h"
+#include "host/state/light_changes.h"
 #include "host/verify/readers.h"
 
 namespace wlhost {
@@ -93,7 +94,6 @@ json kick(Host &host, const json &args) {
     Host::Bss bss = host.bss(textArg(args, "interface"));
     MacBytes mac = macOf(textArg(args, "station"));
     std::string ifname = bss.record().ifName;
-    auto *disassociate = host.operation(host.module().ops->disassociateSta, "disassociateSta");
     std::vector<std::string> present;
     World world(host);
     for (const json &row : stationsOf(host, world, bss))
@@ -102,7 +102,7 @@ json kick(Host &host, const json &args) {
     if (std::count(present.begin(), present.end(), formatMac(mac)) == 0)
         throw Failure(Status::kNotFound, formatMac(mac), "is not associated with " + ifname,
                       "associated: " + joined(present));
-    Host::check(disassociate(ifname.c_str(), formatMac(mac, true).c_str()), ifname, "disassociateSta");
+    sendAway(host, bss, mac);
     host.history.note(formatMac(mac), ifname, "kicked");
     return {{"interface", ifname}, {"kicked", formatMac(mac)}};
 }

@@ -30,6 +30,8 @@ std::string Host::complaints(const json &outcome) {
         std::string name = radio["radio"];
         if (radio["action"] == "missing")
             line(name + ": does not exist");
+        else if (radio["failure"].is_string())
+            line(name + ": " + radio["failure"].get<std::string>());
         else if (radio["result"] != 0)
             line(name + ": the module could not configure it (" + radio["result"].dump() + ")");
     }
@@ -90,13 +92,13 @@ std::optional<std::chrono::steady_clock::time_point> Host::rollbackTime() const 
     return rollback_ ? std::optional(rollback_->due) : std::nullopt;
 }
 
-json Host::rollBackWhenDue() {
-    if (!rollback_ || std::chrono::steady_clock::now() < rollback_->due)
-        return nullptr;
-    Transition transition(*this, rollback_->config, {});
+json Host::rollBack() {
+    // Once only, whatever comes of it: the next reload retries what is not as wanted.
+    const Rollback rollback = std::move(rollback_.value());
     rollback_.reset();
+    Transition transition(*this, rollback.config, {});
     transition.perform();
-    return transition.outcome();
+    return demandSettled(transition.outcome());
 }
 
 json Host::updateLan(const std::string &file) {

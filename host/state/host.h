@@ -74,8 +74,8 @@ class Host {
     json confirm();
     // When the configuration before comes back, unless confirmed.
     std::optional<std::chrono::steady_clock::time_point> rollbackTime() const;
-    // Brings it back when the time has come; what became of the radios, else null.
-    json rollBackWhenDue();
+    // Brings it back; what became of the radios. Only where one waits.
+    json rollBack();
 
     // What differs from what was asked: of one radio, or with null of what concerns no radio.
     std::vector<Finding> differences(WlIntf *intf, unsigned subjects, const std::string &interface = {},
@@ -145,7 +145,6 @@ class Host {
         std::chrono::steady_clock::time_point due;
     };
     Config configOf(const ReloadRequest &request) const;
-    json takeOver(Config config, const ReloadRequest &request);
     [[noreturn]] static void missingOperation(const char *name);
 
     Module &module_;

@@ -6,6 +6,7 @@
 #include "host/base/addresses.h"
 #include "host/base/word_lists.h"
 #include "host/state/bridges.h"
+#include "host/verify/verification.h"
 
 namespace wlhost {
 namespace {
@@ -82,15 +83,33 @@ bool isDenied(Host &host, const WlSsidCfg &bss, const std::string &mac) {
     return mode == "DENY" ? isListed : mode == "ALLOW" && !listed.empty() && !isListed;
 }
 
+void sendAway(Host &host, const Host::Bss &bss, const MacBytes &mac) {
+    std::string ifname = bss.record().ifName;
+    auto *disassociate = host.operation(host.module().ops->disassociateSta, "disassociateSta");
+    Host::check(disassociate(ifname.c_str(), formatMac(mac, true).c_str()), ifname, "disassociateSta");
+    if (!host.verifies())
+        return;
+    std::vector<std::string> present = host.stationsOn(bss);
+    if (std::count(present.begin(), present.end(), formatMac(mac)) == 0)
+        return;
+    Finding finding;
+    finding.radio = bss.intf->intfName;
+    finding.interface = ifname;
+    finding.check = "station " + formatMac(mac);
+    finding.wanted = "sent away";
+    finding.found = "still associated";
+    finding.cure = "wlhost journal --failed";
+    finding.holds = false;
+    demand({finding});
+}
+
 std::vector<std::string> sendDeniedAway(Host &host, const Host::Bss &bss) {
     std::vector<std::string> sent;
     for (const std::string &mac : host.stationsOn(bss)) {
         auto address = parseMac(mac);
         if (!address || !isDenied(host, bss.record(), mac))
             continue;
-        auto *disassociate = host.operation(host.module().ops->disassociateSta, "disassociateSta");
-        Host::check(disassociate(bss.record().ifName, formatMac(*address, true).c_str()), bss.record().ifName,
-                    "disassociateSta");
+        sendAway(host, bss, *address);
         sent.push_back(mac);
     }
     return sent;

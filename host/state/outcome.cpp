@@ -30,6 +30,7 @@ json rowOf(const Transition::Step &step) {
             {"operation", operationWord(step.adopt ? ChangeKind::kNone : step.change.operation)},
             {"reason", step.change.reason.empty() ? json() : json(step.change.reason)},
             {"result", step.result},
+            {"failure", step.failure.empty() ? json() : json(step.failure)},
             {"off", step.off},
             {"undone", step.undone},
             {"drops", step.drops},

@@ -193,7 +193,12 @@ void Transition::perform(const std::function<void(const Step *)> &begins) {
 
 void Transition::perform(Step &step) {
     bool whole = step.adopt || takesDown(step.change.operation);
-    step.result = whole ? bringUp(step) : changeInPlace(host_, step.intf, step.records, step.change, step.drops);
+    try {
+        step.result = whole ? bringUp(step) : changeInPlace(host_, step.intf, step.records, step.change, step.drops);
+    } catch (const Failure &failure) { // the other radios get their turn
+        step.result = WLBRCM_EFAILED;
+        step.failure = failure.what();
+    }
     if (step.result == 0 && step.asked)
         settle(step);
 }

@@ -33,6 +33,7 @@ class Transition {
         json undone = json::array(); // settings of the run time that end with it
         json drops = json::array();  // stations that lose the network
         int result = 0;
+        std::string failure = {}; // why it was not taken to its end, when it is not the module's result that tells
         int64_t ms = 0;
     };
     std::vector<Step> &steps() { return steps_; }

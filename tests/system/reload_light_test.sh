@@ -90,6 +90,13 @@ test_a_ban_sends_the_station_away() {
     joins wl0.1 'come in and sit down' --mac 02:00:00:00:00:55
     assert_status 0 wlhost filter wl0.1 deny 02:00:00:00:00:55 --keep
     assert_contains "$(bss wl0.1 .stations)" 02:00:00:00:00:55
+    assert_status 0 wlsim fail deauthenticate forever
+    for command in kick ban; do
+        assert_status 1 wlhost $command wl0.1 02:00:00:00:00:55
+        assert_contains "$output" 'wl0.1 station 02:00:00:00:00:55: wanted sent away, found still associated'
+    done
+    assert_status 0 wlsim fail --clear
+    assert_status 0 wlhost unban wl0.1 --all
 }
 
 test_a_radio_that_is_not_as_wanted_is_retried() {
@@ -109,6 +116,13 @@ test_failures_of_the_platform_are_told() {
     assert_eq wl1 "$(jq -r '.error.differences[0].radio' <<<"$output")"
     wlsim fail --clear >/dev/null
     assert_status 0 wlhost reload
+    joins wl0 'correct horse battery'
+    vary "$base | .radios[0].ssids[0] += {macfilter: \"deny\", maclist: [\"02:00:00:00:00:77\"]} | .radios[1].channel = 1"
+    assert_status 0 wlsim fail 'wlctl -i wl0 assoclist' forever
+    assert_status 1 wlhost reload --config "$variant"
+    assert_eq 1 "$(radio wl1 .chanspec)" 'the radio after the one that failed'
+    wlsim fail --clear >/dev/null
+    assert_status 0 wlhost reload --config "$work"/base.json
 }
 
 test_missing_radios_and_rollback() {
@@ -119,9 +133,13 @@ test_missing_radios_and_rollback() {
     assert_status 0 wlhost reload --config "$work"/base.json
     vary "$base | .radios[0].ssids[0].key = \"locked out now\""
     assert_status 1 wlhost confirm
+    wlhost --json events --kind rollback --count 1 >"$work"/told 2>&1 &
     assert_status 0 wlhost reload --config "$variant" --rollback 2
     refused 'wrong passphrase' wl0 --passphrase 'correct horse battery'
     wait_for 10 wlsim join wl0 --passphrase 'correct horse battery'
+    wait_for 5 grep -q rollback "$work"/told
+    assert_eq "done $work/base.json" "$(jq -r '[.result, .config] | join(" ")' "$work"/told)"
+    assert_contains "$(tail -n 5 "$work"/host.log)" 'rollback: not confirmed in time'
     assert_status 0 wlhost reload --config "$variant" --rollback 2
     assert_status 0 wlhost confirm
     sleep 2.5
