@@ -32,7 +32,7 @@ std::string defaultName() {
     return name + time + ".tar.gz";
 }
 
-[[noreturn]] void refuse(const std::string &file) {
+[[noreturn]] void refuseFile(const std::string &file) {
     throw Failure(Status::kFailed, file, std::string("cannot be written: ") + std::strerror(errno),
                   "name a file in a folder of your own");
 }
@@ -42,7 +42,7 @@ void writeFile(const std::string &file, const std::string &bytes) {
     std::string fresh = file + ".XXXXXX";
     Fd fd(mkostemp(fresh.data(), O_CLOEXEC));
     if (fd.get() < 0)
-        refuse(file);
+        refuseFile(file);
     size_t written = 0;
     for (ssize_t count; written < bytes.size(); written += static_cast<size_t>(count < 0 ? 0 : count)) {
         count = write(fd.get(), bytes.data() + written, bytes.size() - written);
@@ -54,7 +54,7 @@ void writeFile(const std::string &file, const std::string &bytes) {
     const int saved = errno;
     unlink(fresh.c_str());
     errno = saved;
-    refuse(file);
+    refuseFile(file);
 }
 
 } // namespace

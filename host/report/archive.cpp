@@ -4,6 +4,7 @@
 #include "host/base/word_lists.h"
 #include "host/report/masks.h"
 #include "host/report/operations.h"
+#include "host/report/records.h"
 #include "host/report/tar_gz.h"
 
 namespace wlhost {
@@ -12,34 +13,31 @@ namespace {
 constexpr const char *kAbout = "archive.json";
 constexpr const char *kOperations = "operations.jsonl";
 
-[[noreturn]] void refuse(const std::string &what, const char *hint = "it is damaged or made by hand") {
-    throw Failure(Status::kUsage, "archive", what, hint);
-}
-
 // Foreign JSON: not deeper than the archive's own, since the depth costs stack.
 json parsed(std::string_view text, const char *name) {
     constexpr int kDeepest = 16;
     auto shallow = [&](int depth, json::parse_event_t, json &) {
         if (depth > kDeepest)
-            refuse(std::string(name) + " is nested too deeply");
+            refuseArchive("archive", std::string(name) + " is nested too deeply");
         return true;
     };
     json value = json::parse(text, shallow, false);
     if (!value.is_object())
-        refuse(std::string(name) + " holds what is no JSON object");
+        refuseArchive("archive", std::string(name) + " holds what is no JSON object");
     return value;
 }
 
 int64_t versionIn(const json &about, const char *name) {
     auto found = about.find(name);
     if (found == about.end() || !found->is_number_integer() || *found < 1)
-        refuse(std::string("has no ") + name);
+        refuseArchive("archive", std::string("has no ") + name);
     return found->get<int64_t>();
 }
 
 void checkVersions(const json &about) {
     if (versionIn(about, "format") > kArchiveFormat || versionIn(about, "tap") > kTapVersion)
-        refuse("was made by a later version of wlhost", "replay it with that version");
+        throw Failure(Status::kUsage, "archive", "was made by a later version of wlhost",
+                      "replay it with that version");
 }
 
 std::string lines(const std::vector<json> &rows) {
@@ -77,16 +75,16 @@ std::string packArchive(Archive archive, const std::string &moduleText, long tim
 ReadArchive readArchive(const std::string &bytes) {
     const Files files = unpackTarGz(bytes, {kAbout, kOperations}, kLargestContent);
     if (files.count(kAbout) == 0 || files.count(kOperations) == 0)
-        refuse("is not one of wlhost", "make one with: wlhost report");
+        throw Failure(Status::kUsage, "archive", "is not one of wlhost", "make one with: wlhost report");
     ReadArchive archive;
     archive.about = parsed(files.at(kAbout), kAbout);
     checkVersions(archive.about);
     for (const std::string &line : splitWords(files.at(kOperations), '\n'))
         archive.operations.push_back(operationFromJson(parsed(line, kOperations), archive.operations));
     if (archive.about.value("operation_count", json()) != archive.operations.size())
-        refuse("lacks operations");
+        refuseArchive("archive", "lacks operations");
     if (archive.operations.empty() || archive.operations.front().name != kModuleStart)
-        refuse("does not begin with the module's start");
+        refuseArchive("archive", "does not begin with the module's start");
     return archive;
 }
 

@@ -10,6 +10,7 @@
 
 namespace wlhost {
 
+inline std::string textOf(const char *text) { return text ? text : ""; }
 Entry callOf(const char *name, std::string what = {}, std::string value = {});
 bool isCommand(const Entry &entry);
 

@@ -17,10 +17,6 @@
 namespace wlhost {
 namespace {
 
-[[noreturn]] void refuse(const std::string &place, const char *what) {
-    throw Failure(Status::kUsage, place, what, "the archive is damaged or made by hand");
-}
-
 // The text of a record, made anew when the record has changed.
 std::shared_ptr<const std::string> recordText(const WlIntf &intf, size_t &bytes) {
     struct Known {
@@ -108,7 +104,7 @@ template <> struct Argument<int> {
     int number = 0;
     explicit Argument(const json &from) {
         if (!from.is_array() && !(from.is_number_integer() && from >= INT_MIN && from <= INT_MAX))
-            refuse("input", "holds no number where one is wanted");
+            refuseArchive("input", "holds no number where one is wanted");
         number = from.is_array() ? static_cast<int>(from.size()) : from.get<int>();
     }
     int get() const { return number; }
@@ -125,7 +121,7 @@ template <> struct Argument<const uint8_t *> {
     explicit Argument(const json &from)
         : present(!from.is_null()), bytes(present ? bytesFromJson(json{{"hex", from}}) : "") {
         if (present && bytes.size() != sizeof(MacBytes))
-            refuse("input", "holds what is no address");
+            refuseArchive("input", "holds what is no address");
     }
     const uint8_t *get() const { return present ? reinterpret_cast<const uint8_t *>(bytes.data()) : nullptr; }
 };
@@ -146,7 +142,7 @@ template <> struct Argument<WlIntf **> {
     std::vector<WlIntf *> list;
     explicit Argument(const json &from) {
         if (!from.is_array() || from.size() > kMostListed)
-            refuse("input", "holds no list of radios");
+            refuseArchive("input", "holds no list of radios");
         for (const json &one : from)
             list.push_back(records.emplace_back(one).get());
     }
@@ -157,7 +153,7 @@ template <> struct Argument<WlStatusItem *> {
     std::vector<WlStatusItem> items;
     explicit Argument(const json &from) {
         if (!from.is_array() || from.size() > kMostListed)
-            refuse("input", "holds no list of items");
+            refuseArchive("input", "holds no list of items");
         for (const json &one : from)
             names.emplace_back(one);
         for (const auto &name : names)
@@ -299,7 +295,7 @@ int64_t runAgain(Module &module, const std::string &name, const json &input) {
     for (const Row &one : rows())
         if (name == one.name)
             return one.again(module, one, input);
-    refuse(name, "is no operation that this program knows");
+    refuseArchive(name, "is no operation that this program knows");
 }
 
 } // namespace wlhost

@@ -11,8 +11,6 @@ namespace {
 
 constexpr size_t kMostRead = 4 << 20;
 
-std::string text(const char *given) { return given ? given : ""; }
-
 } // namespace
 
 Entry *Recorder::note(Entry entry, int64_t result) {
@@ -66,20 +64,20 @@ size_t Recorder::take(Source &source, void *data, size_t size) {
 
 int Recorder::system(const char *command) {
     const int waited = next().system(command);
-    note(callOf("system", text(command)), exitStatus(waited));
+    note(callOf("system", textOf(command)), exitStatus(waited));
     return waited;
 }
 
 FILE *Recorder::popen(const char *command, const char *type) {
     FILE *stream = next().popen(command, type);
-    Entry *entry = note(callOf("popen", text(command)), stream ? 0 : -1);
+    Entry *entry = note(callOf("popen", textOf(command)), stream ? 0 : -1);
     if (!stream)
         return nullptr;
     // Commands that are run meanwhile do not inherit the pipe; the module, which has no descriptor of it, cannot see to
     // that.
     if (const int fd = next().fileno(stream); fd >= 0)
         next().fcntl(fd, F_SETFD, FD_CLOEXEC);
-    pipes_[stream] = {entry, text(command), false, {}, 0};
+    pipes_[stream] = {entry, textOf(command), false, {}, 0};
     return stream;
 }
 
@@ -95,7 +93,7 @@ int Recorder::pclose(FILE *stream) {
 }
 
 int Recorder::wlctlCmd(char *line) {
-    Entry entry = callOf("wlctl_cmd", text(line)); // the callee may change the text
+    Entry entry = callOf("wlctl_cmd", textOf(line)); // the callee may change the text
     const int result = next().wlctlCmd(line);
     note(std::move(entry), result);
     return result;
@@ -103,7 +101,7 @@ int Recorder::wlctlCmd(char *line) {
 
 char *Recorder::nvramGet(const char *key) {
     char *value = next().nvramGet(key);
-    Entry *entry = note(callOf("nvram_get", text(key)), 0);
+    Entry *entry = note(callOf("nvram_get", textOf(key)), 0);
     if (value)
         answer(entry, value);
     return value;
@@ -111,13 +109,13 @@ char *Recorder::nvramGet(const char *key) {
 
 int Recorder::nvramSet(const char *key, const char *value) {
     const int result = next().nvramSet(key, value);
-    write_ = note(callOf("nvram_set", text(key), text(value)), result);
+    write_ = note(callOf("nvram_set", textOf(key), textOf(value)), result);
     return result;
 }
 
 int Recorder::nvramUnset(const char *key) {
     const int result = next().nvramUnset(key);
-    write_ = note(callOf("nvram_unset", text(key)), result);
+    write_ = note(callOf("nvram_unset", textOf(key)), result);
     return result;
 }
 
@@ -125,7 +123,7 @@ int Recorder::open(const char *path, int flags, mode_t mode) {
     const int fd = next().open(path, flags, mode);
     Entry *entry = note(openCall(path, flags), fd < 0 ? -1 : 0);
     if (fd >= 0)
-        files_[fd] = {entry, text(path), false, {}, 0};
+        files_[fd] = {entry, textOf(path), false, {}, 0};
     return fd;
 }
 
@@ -173,19 +171,19 @@ int Recorder::fileno(FILE *stream) { return pipes_.count(stream) ? -1 : next().f
 
 int Recorder::remove(const char *path) {
     const int result = next().remove(path);
-    note(callOf("remove", text(path)), result);
+    note(callOf("remove", textOf(path)), result);
     return result;
 }
 
 int Recorder::chmod(const char *path, mode_t mode) {
     const int result = next().chmod(path, mode);
-    note(callOf("chmod", text(path), std::to_string(mode)), result);
+    note(callOf("chmod", textOf(path), std::to_string(mode)), result);
     return result;
 }
 
 DIR *Recorder::opendir(const char *path) {
     DIR *directory = next().opendir(path);
-    Entry *entry = note(callOf("opendir", text(path)), directory ? 0 : -1);
+    Entry *entry = note(callOf("opendir", textOf(path)), directory ? 0 : -1);
     if (directory && entry) {
         entry->answer = "";
         directories_[directory] = entry;

@@ -113,10 +113,6 @@ constexpr Member kIntf[] = {
     MEMBER(WlIntf, macAddr),
 };
 
-[[noreturn]] void refuse(const std::string &place, const std::string &what) {
-    throw Failure(Status::kUsage, place, what, "the archive is damaged or made by hand");
-}
-
 template <typename Number> json numberAt(const uint8_t *place) {
     Number number;
     std::memcpy(&number, place, sizeof number);
@@ -165,11 +161,11 @@ template <size_t Count> json toJson(const Member (&members)[Count], const void *
 
 void numberFromJson(const json &value, const Member &member, const std::string &path, uint8_t *place) {
     if (!value.is_number_integer() && !value.is_boolean())
-        refuse(path, "is not a whole number");
+        refuseArchive(path, "is not a whole number");
     int64_t number = value.get<int64_t>(), span = int64_t{1} << (8 * member.size);
     int64_t low = member.kind == Kind::kSigned ? -span / 2 : 0;
     if (number < low || number >= low + span)
-        refuse(path, "is out of range");
+        refuseArchive(path, "is out of range");
     if (member.size == 1) {
         *place = static_cast<uint8_t>(number);
     } else if (member.size == 2) {
@@ -188,14 +184,14 @@ void elementFromJson(const json &value, const Member &member, const std::string 
     bool fits = member.kind == Kind::kBytes ? bytes.size() == member.size
                                             : bytes.size() < member.size && bytes.find('\0') == std::string::npos;
     if (!fits)
-        refuse(path, "does not fit into its field");
+        refuseArchive(path, "does not fit into its field");
     std::copy(bytes.begin(), bytes.end(), place);
 }
 
 template <size_t Count>
 void fromJson(const Member (&members)[Count], const json &from, const std::string &path, void *record) {
     if (!from.is_object())
-        refuse(path, "is not an object");
+        refuseArchive(path, "is not an object");
     for (const Member &member : members) {
         uint8_t *place = static_cast<uint8_t *>(record) + member.offset;
         std::memset(place, 0, member.size * member.count);
@@ -204,7 +200,7 @@ void fromJson(const Member (&members)[Count], const json &from, const std::strin
             continue;
         std::string name = path + "." + member.name;
         if (member.count > 1 && (!found->is_array() || found->size() != member.count))
-            refuse(name, "is not a list of " + std::to_string(member.count));
+            refuseArchive(name, "is not a list of " + std::to_string(member.count));
         for (size_t i = 0; i < member.count; ++i)
             elementFromJson(member.count > 1 ? (*found)[i] : *found, member, name, place + i * member.size);
     }
@@ -221,11 +217,15 @@ bool isUtf8(std::string_view bytes) {
 template <size_t Size> void textFromJson(const json &from, const char *name, char (&field)[Size]) {
     std::string text = bytesFromJson(from.value(name, json("")));
     if (text.size() >= Size)
-        refuse(name, "does not fit into its field");
+        refuseArchive(name, "does not fit into its field");
     copyText(field, text);
 }
 
 } // namespace
+
+void refuseArchive(const std::string &place, const std::string &what) {
+    throw Failure(Status::kUsage, place, what, "the archive is damaged or made by hand");
+}
 
 json bytesToJson(std::string_view bytes) {
     return isUtf8(bytes) ? json(std::string(bytes)) : json{{"hex", toHex(bytes)}};
@@ -237,7 +237,7 @@ std::string bytesFromJson(const json &value) {
     if (value.is_object() && value.size() == 1 && value.contains("hex") && value["hex"].is_string())
         if (auto bytes = fromHex(value["hex"].get<std::string>()))
             return *bytes;
-    refuse("text", "is neither a text nor pairs of hexadecimal digits");
+    refuseArchive("text", "is neither a text nor pairs of hexadecimal digits");
 }
 
 json recordToJson(const WlIntf &intf) {
@@ -256,7 +256,7 @@ void recordFromJson(const json &from, WlIntf &intf) {
     fromJson(kCaps, from.value("caps", json()), "caps", &intf.caps);
     const json entries = from.value("bss", json());
     if (!entries.is_array() || entries.size() != WLBRCM_MAX_BSS)
-        refuse("bss", "is not a list of " + std::to_string(WLBRCM_MAX_BSS));
+        refuseArchive("bss", "is not a list of " + std::to_string(WLBRCM_MAX_BSS));
     for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i)
         fromJson(kSsid, entries[i], "bss[" + std::to_string(i) + "]", &intf.bss[i]);
 }
@@ -282,10 +282,10 @@ LanFromJson::LanFromJson(const json &from) : present(!from.is_null()) {
     if (!present)
         return;
     if (!from.is_array() || from.size() > kMost)
-        refuse("lan", "is not a list of groups");
+        refuseArchive("lan", "is not a list of groups");
     for (const json &one : from) {
         if (!one.is_object() || !one.value("members", json()).is_array() || one["members"].size() > kMost)
-            refuse("lan", "holds what is no group");
+            refuseArchive("lan", "holds what is no group");
         members.emplace_back(one["members"].size());
         for (size_t i = 0; i < members.back().size(); ++i)
             textFromJson({{"member", one["members"][i]}}, "member", members.back()[i].ifName);

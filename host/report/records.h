@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,6 +12,9 @@
 #include "host/base/json.h"
 
 namespace wlhost {
+
+// Throws a Failure with status 2: what stands at this place of an archive does not belong there.
+[[noreturn]] void refuseArchive(const std::string &place, const std::string &what);
 
 // A text when the bytes are UTF-8, else {"hex": digits}.
 json bytesToJson(std::string_view bytes);

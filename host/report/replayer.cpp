@@ -17,8 +17,6 @@ Entry commandOf(const char *name, const std::string &command) {
     return entry;
 }
 
-std::string text(const char *given) { return given ? given : ""; }
-
 long numberIn(const Entry *entry) {
     return entry && entry->answer ? std::strtol(entry->answer->c_str(), nullptr, 10) : 0;
 }
@@ -60,11 +58,11 @@ size_t Replayer::take(Source *source, void *data, size_t size) {
     return count;
 }
 
-int Replayer::system(const char *command) { return waitedStatus(plain(commandOf("system", text(command)))); }
+int Replayer::system(const char *command) { return waitedStatus(plain(commandOf("system", textOf(command)))); }
 
 FILE *Replayer::popen(const char *command, const char *) {
     // The exit status of a pipe may be any; only one that could not be started has no stream.
-    const Entry *entry = script_.next(commandOf("popen", text(command)));
+    const Entry *entry = script_.next(commandOf("popen", textOf(command)));
     if (!entry || (entry->result < 0 && !entry->error.empty())) {
         settle(entry, -1);
         return nullptr;
@@ -81,10 +79,10 @@ int Replayer::pclose(FILE *stream) {
     return status;
 }
 
-int Replayer::wlctlCmd(char *line) { return plain(commandOf("wlctl_cmd", text(line))); }
+int Replayer::wlctlCmd(char *line) { return plain(commandOf("wlctl_cmd", textOf(line))); }
 
 char *Replayer::nvramGet(const char *key) {
-    const Entry *entry = script_.next(callOf("nvram_get", text(key)));
+    const Entry *entry = script_.next(callOf("nvram_get", textOf(key)));
     if (!entry || !entry->answer)
         return nullptr;
     stored_ = *entry->answer;
@@ -92,9 +90,9 @@ char *Replayer::nvramGet(const char *key) {
 }
 
 int Replayer::nvramSet(const char *key, const char *value) {
-    return plain(callOf("nvram_set", text(key), text(value)));
+    return plain(callOf("nvram_set", textOf(key), textOf(value)));
 }
-int Replayer::nvramUnset(const char *key) { return plain(callOf("nvram_unset", text(key))); }
+int Replayer::nvramUnset(const char *key) { return plain(callOf("nvram_unset", textOf(key))); }
 
 int Replayer::open(const char *path, int flags, mode_t) {
     const int fd = openSource(openCall(path, flags), files_, static_cast<int>(++handles_));
@@ -127,11 +125,13 @@ size_t Replayer::fread(void *data, size_t size, size_t count, FILE *stream) {
     return size == 0 ? 0 : take(find(pipes_, stream), data, size * count) / size;
 }
 
-int Replayer::remove(const char *path) { return plain(callOf("remove", text(path)), -1); }
-int Replayer::chmod(const char *path, mode_t mode) { return plain(callOf("chmod", text(path), std::to_string(mode))); }
+int Replayer::remove(const char *path) { return plain(callOf("remove", textOf(path)), -1); }
+int Replayer::chmod(const char *path, mode_t mode) {
+    return plain(callOf("chmod", textOf(path), std::to_string(mode)));
+}
 
 DIR *Replayer::opendir(const char *path) {
-    return openSource(callOf("opendir", text(path)), directories_, reinterpret_cast<DIR *>(++handles_));
+    return openSource(callOf("opendir", textOf(path)), directories_, reinterpret_cast<DIR *>(++handles_));
 }
 
 dirent *Replayer::readdir(DIR *directory) {

@@ -65,7 +65,7 @@ std::string headerOf(const std::string &name, size_t size, long time) {
     return {header.begin(), header.end()};
 }
 
-[[noreturn]] void refuse(const char *what) {
+[[noreturn]] void refuseTar(const char *what) {
     throw Failure(Status::kUsage, "archive", what, "make one with: wlhost report");
 }
 
@@ -110,13 +110,13 @@ std::string inflated(std::string_view bytes, size_t most) {
         result = inflate(&stream, Z_NO_FLUSH);
         out.append(piece.data(), piece.size() - stream.avail_out);
         if (result == Z_DATA_ERROR)
-            refuse(out.empty() ? "is no archive" : "is damaged");
+            refuseTar(out.empty() ? "is no archive" : "is damaged");
         if (out.size() > most)
-            refuse("is too large");
+            refuseTar("is too large");
         if (result == Z_BUF_ERROR || (result == Z_OK && stream.avail_in == 0 && stream.avail_out != 0))
-            refuse(out.empty() ? "is no archive" : "is cut");
+            refuseTar(out.empty() ? "is no archive" : "is cut");
         if (result != Z_OK && result != Z_STREAM_END)
-            refuse("is no archive");
+            refuseTar("is no archive");
     }
     return out;
 }
@@ -139,7 +139,7 @@ Files unpackTarGz(std::string_view archive, const std::vector<std::string> &know
     Files files;
     for (size_t at = 0;;) {
         if (tar.size() - at < kBlock)
-            refuse("is cut");
+            refuseTar("is cut");
         Header header;
         std::copy_n(tar.begin() + static_cast<ptrdiff_t>(at), kBlock, header.begin());
         const std::string_view text(header.data(), kBlock);
@@ -147,10 +147,10 @@ Files unpackTarGz(std::string_view archive, const std::vector<std::string> &know
             return files;
         auto size = takeOctal(text, kSize), checksum = takeOctal(text, kChecksum);
         if (!size || !checksum || *checksum != checksumOf(header))
-            refuse("holds no tar");
+            refuseTar("holds no tar");
         at += kBlock;
         if (*size > tar.size() - at)
-            refuse("is cut");
+            refuseTar("is cut");
         const std::string name(text.data(), strnlen(text.data(), kName.size));
         if (text[kType.at] == '0' && std::count(known.begin(), known.end(), name) == 1)
             files[name] = tar.substr(at, *size);

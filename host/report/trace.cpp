@@ -52,10 +52,6 @@ constexpr ErrorName kErrors[] = {
     {EOPNOTSUPP, "EOPNOTSUPP"},
 };
 
-[[noreturn]] void refuse(const std::string &what) {
-    throw Failure(Status::kUsage, "archive", what, "it is damaged or made by hand");
-}
-
 std::string textAt(const json &from, const char *name) {
     auto found = from.find(name);
     return found == from.end() ? "" : bytesFromJson(*found);
@@ -66,13 +62,13 @@ int64_t numberAt(const json &from, const char *name) {
     if (found == from.end())
         return 0;
     if (!found->is_number_integer())
-        refuse(std::string(name) + " is not a whole number");
+        refuseArchive("archive", std::string(name) + " is not a whole number");
     return found->get<int64_t>();
 }
 
 Entry entryFromJson(const json &from) {
     if (!from.is_object())
-        refuse("an entry is not an object");
+        refuseArchive("archive", "an entry is not an object");
     Entry entry;
     entry.call = textAt(from, "call");
     entry.what = textAt(from, "what");
@@ -130,11 +126,11 @@ std::vector<json> operationsToJson(const std::list<Operation> &operations) {
 
 Operation operationFromJson(json from, const std::deque<Operation> &before) {
     if (!from.is_object() || !from.value("entries", json()).is_array() || !from.value("input", json()).is_object())
-        refuse("an operation lacks its input or its entries");
+        refuseArchive("archive", "an operation lacks its input or its entries");
     Operation operation;
     operation.number = static_cast<uint64_t>(numberAt(from, "number"));
     if (!before.empty() && operation.number <= before.back().number)
-        refuse("operations are out of order");
+        refuseArchive("archive", "operations are out of order");
     operation.name = textAt(from, "operation");
     operation.radio = textAt(from, "radio");
     operation.result = numberAt(from, "result");
@@ -144,7 +140,7 @@ Operation operationFromJson(json from, const std::deque<Operation> &before) {
         auto same = std::lower_bound(before.begin(), before.end(), number,
                                      [](const Operation &one, uint64_t wanted) { return one.number < wanted; });
         if (same == before.end() || same->number != number || !same->record)
-            refuse("a record stands in an operation that there is not");
+            refuseArchive("archive", "a record stands in an operation that there is not");
         operation.record = same->record;
     } else if (!intf.is_null()) {
         operation.record = std::make_shared<const std::string>(intf.dump());

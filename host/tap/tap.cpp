@@ -9,7 +9,14 @@
 namespace wlhost::tap {
 namespace {
 
-Handler passOn;
+// Libraries call before this program's constructors have run and after its destructors have: it is there from the
+// start, and never destroyed.
+union Lasting {
+    Handler handler;
+    constexpr Lasting() : handler() {}
+    ~Lasting() {}
+} lasting;
+Handler &passOn = lasting.handler;
 Handler *inForce = &passOn;
 Handler *recorder = nullptr;
 

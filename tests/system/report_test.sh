@@ -34,7 +34,7 @@ test_a_report_replays_and_holds_no_secret() {
     mkdir "$work/files"
     tar -xzf "$archive" -C "$work/files"
     assert_eq "archive.json configuration.json doctor.json journal.jsonl nvram.json operations.jsonl verify.json" \
-        "$(ls "$work/files" | paste -sd" ")"
+        "$(find "$work/files" -type f | sed 's|.*/||' | sort | paste -sd' ')"
     local secret
     for secret in "${secrets[@]}"; do
         [ "$secret" = radio ] || assert_status 1 grep -rF "$secret" "$work/files"
