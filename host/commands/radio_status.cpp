@@ -155,8 +155,8 @@ json radioStatus(Host &host, World &world, WlIntf &intf) {
 
 // The checks of one BSS, and whether its radio is up.
 Findings findingsOf(Host &host, World &world, const Host::Bss &bss) {
-    Findings all =
-        examine(host, world, *bss.intf, kOfRadio | kOfBss | kOfInterface | kOfBridge | kOfFilter | kOfWps, bss.record().ifName);
+    Findings all = examine(host, world, *bss.intf, kOfRadio | kOfBss | kOfInterface | kOfBridge | kOfFilter | kOfWps,
+                           bss.record().ifName);
     auto isOther = [](const Finding &one) { return one.interface.empty() && one.check != "radio"; };
     all.erase(std::remove_if(all.begin(), all.end(), isOther), all.end());
     demandAnswers(all);

@@ -77,7 +77,8 @@ std::string showRadios(const json &result, const std::vector<Column> &columns) {
 }
 
 std::string showReload(const json &result, const std::vector<Column> &columns) {
-    return showRadios(result, columns) + "lan " + result["lan"].get<std::string>() + "\n";
+    std::string text = showRadios(result, columns) + "lan " + result["lan"].get<std::string>() + "\n";
+    return text + (result["daemons_started"].empty() ? "" : "started " + cell(result["daemons_started"]) + "\n");
 }
 
 } // namespace wlhost

@@ -47,7 +47,10 @@ json Transition::outcome() {
         for (const Finding &finding : findings)
             differences.push_back(findingRow(finding)), differences.back()["text"] = differenceLine(finding);
     };
-    bool changes = lanChanges_;
+    bool changes = lanChanges_ || !daemons_.empty();
+    json daemons = json::array();
+    for (const std::vector<std::string> &words : daemons_)
+        daemons.push_back(words[0]);
     for (const Step &step : steps_) {
         radios.push_back(rowOf(step));
         if (subjectsOf(step) != 0)
@@ -60,6 +63,7 @@ json Transition::outcome() {
         radios.push_back({{"radio", name}, {"action", "missing"}, {"operation", "none"}, {"result", nullptr}});
     return {{"config", host_.configFile()},
             {"lan", lanChanges_ ? "updated" : "unchanged"},
+            {"daemons_started", std::move(daemons)},
             {"radios", std::move(radios)},
             {"differences", std::move(differences)}};
 }

@@ -7,6 +7,7 @@
 #include "host/state/bridges.h"
 #include "host/state/host.h"
 #include "host/state/light_changes.h"
+#include "host/tap/dry_run.h"
 #include "host/verify/verification.h"
 
 namespace wlhost {
@@ -75,6 +76,7 @@ Transition::Transition(Host &host, Config config, const Scope &scope) : host_(ho
     bindAbandoned();
     lan_ = std::make_unique<LanRecords>(config_, host.lan().count() > 0);
     lanChanges_ = !lan_->sameAs(host.lan());
+    findMissingDaemons();
     for (Step &step : steps_)
         foresee(step);
 }
@@ -170,10 +172,22 @@ void Transition::foresee(Step &step) {
     }
 }
 
+// A daemon that died is started again; a radio that is taken down anyway starts them all.
+void Transition::findMissingDaemons() {
+    auto restarts = [](const Step &step) { return takesDown(step.change.operation); };
+    if (host_.applied_.empty() || std::any_of(steps_.begin(), steps_.end(), restarts))
+        return;
+    for (const Finding &finding : host_.differences(nullptr, kOfDaemons | kOfWps))
+        if (std::vector<std::string> words = splitWords(finding.cure); words[0] == "/bin/" + finding.check)
+            daemons_.push_back(words);
+}
+
 void Transition::perform(const std::function<void(const Step *)> &begins) {
+    if (begins && (lanChanges_ || !daemons_.empty()))
+        begins(nullptr);
+    for (const std::vector<std::string> &words : daemons_)
+        tap::run("wlhost", words);
     if (lanChanges_) {
-        if (begins)
-            begins(nullptr);
         auto *update = host_.operation(host_.module().ops->updateLaninfo, "updateLaninfo");
         Host::check(update(nullptr, nullptr, lan_->get()), "lan", "updateLaninfo");
         host_.lanByCommand_ = false;

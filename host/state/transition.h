@@ -53,7 +53,7 @@ class Transition {
     void bindAbandoned();
     void weigh(Step &step, const Scope &scope);
     void foresee(Step &step);
-    void performLan();
+    void findMissingDaemons();
     void perform(Step &step);
     int bringUp(Step &step);
     void settle(const Step &step);
@@ -63,7 +63,8 @@ class Transition {
     std::unique_ptr<LanRecords> lan_;
     bool lanChanges_ = false;
     std::vector<Step> steps_;
-    std::vector<std::string> missing_;
+    std::vector<std::string> missing_;              // radios
+    std::vector<std::vector<std::string>> daemons_; // that do not run and should, as commands
 };
 
 } // namespace wlhost

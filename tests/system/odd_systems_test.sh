@@ -14,6 +14,7 @@ test_no_radio() {
 }
 
 test_a_single_radio() {
+    # shellcheck disable=SC2016 # expands inside
     assert_status 1 inside single-radio 'wlhost run --once /src/examples/home.json; status=$?; wlsim join wl0 --passphrase "correct horse battery" && exit $status'
     assert_contains "$output" 'wl1: does not exist'
     assert_status 0 inside single-radio 'start_host /src/examples/minimal.json && wlsim join wl0 --passphrase "correct horse"'

@@ -17,7 +17,7 @@ world() {
     ps -o comm | sort | grep -vE '^(ps|sort|grep|bash|sed|sh)$'
     files_in_tmp
 }
-stored() { nvram show 2>/dev/null | grep = | sort; }
+stored() { nvram show 2>/dev/null | grep '=' | sort; }
 # Keys whose value differs between two listings.
 changed_keys() { printf '%s\n' "$1" "$2" | sort | uniq -u | sed 's/=.*//' | sort -u | paste -sd' '; }
 
@@ -101,6 +101,10 @@ test_a_ban_sends_the_station_away() {
 
 test_a_radio_that_is_not_as_wanted_is_retried() {
     assert_status 0 wlhost reload --config "$work"/base.json
+    killall nas
+    assert_status 10 wlhost plan
+    assert_status 0 wlhost reload
+    joins wl0 'correct horse battery'
     wlctl -i wl1 down
     assert_status 1 wlhost verify
     assert_status 0 wlhost reload
