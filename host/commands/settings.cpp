@@ -19,10 +19,17 @@ Host::ReloadRequest reloadRequest(const json &args) {
             std::chrono::seconds(args.value("rollback", 0))};
 }
 
-void demandAddress(const Host &host, const std::string &ifname, const std::string &wanted) {
-    std::string found = host.platform->readFile("/sys/class/net/" + ifname + "/address").value_or("none");
-    if (splitWords(found, '\n').front() != wanted)
-        throw Failure(Status::kFailed, ifname, "address: wanted " + wanted + ", found " + found, "see the log");
+void demandAddress(const Host &host, const std::string &radio, const std::string &wanted) {
+    Finding finding;
+    finding.radio = radio;
+    finding.check = "address";
+    finding.wanted = wanted;
+    std::string found = host.platform->readFile("/sys/class/net/" + radio + "/address").value_or("none");
+    finding.found = splitWords(found, '\n').front();
+    finding.holds = finding.found == wanted;
+    finding.said = finding.holds ? "" : lastComplaint(radio);
+    finding.cure = "wlhost journal --failed";
+    demand({finding});
 }
 
 // Followers of the events hear what came of it.
@@ -64,6 +71,8 @@ json preset(Host &host, const json &args) {
 json setMac(Host &host, const json &args) {
     WlIntf *intf = host.radio(textArg(args, "radio"));
     MacBytes mac = macOf(textArg(args, "mac"));
+    if (mac == MacBytes{})
+        throw Failure(Status::kUsage, formatMac(mac), "is no interface's address");
     auto *setWlanMacAddr = host.operation(host.module().ops->setWlanMacAddr, "setWlanMacAddr");
     Host::check(setWlanMacAddr(intf, mac.data()), intf->intfName, "setWlanMacAddr");
     if (host.verifies())

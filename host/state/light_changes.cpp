@@ -98,8 +98,8 @@ void sendAway(Host &host, const Host::Bss &bss, const MacBytes &mac) {
     finding.check = "station " + formatMac(mac);
     finding.wanted = "sent away";
     finding.found = "still associated";
+    finding.said = lastComplaint(ifname);
     finding.cure = "wlhost journal --failed";
-    finding.holds = false;
     demand({finding});
 }
 

@@ -3,6 +3,11 @@
 #include <algorithm>
 
 #include "host/base/escape.h"
+#include "host/base/masking.h"
+#include "host/base/word_lists.h"
+#include "host/journal/journal.h"
+#include "host/tap/live.h"
+#include "host/tap/tap.h"
 #include "host/verify/checks.h"
 
 namespace wlhost {
@@ -43,7 +48,28 @@ const std::string &shownOr(const std::string &text, const std::string &otherwise
     return text.empty() ? otherwise : text;
 }
 
+void explain(Findings &findings) {
+    for (Finding &finding : findings) {
+        if (!finding.holds && finding.said.empty() && !finding.interface.empty())
+            finding.said = lastComplaint(finding.interface);
+        if (!finding.holds && finding.said.empty() && !finding.radio.empty())
+            finding.said = lastComplaint(finding.radio);
+    }
+}
+
 } // namespace
+
+std::string lastComplaint(const std::string &name) {
+    const uint64_t operation = tap::Operation::current().number();
+    const auto &entries = journal().entries();
+    for (auto at = entries.rbegin(); at != entries.rend() && at->operation == operation; ++at) {
+        std::vector<std::string> words = splitWords(at->what);
+        if (at->status != 0 && !at->said.empty() && !tap::isNoise(at->what) &&
+            std::count(words.begin(), words.end(), name) > 0)
+            return escapeBytes(splitWords(masked(at->said), '\n').front());
+    }
+    return "";
+}
 
 bool isRadioWanted(const Place &place) {
     std::vector<WlIntf *> radios = place.host.configuredRadios();
@@ -125,11 +151,11 @@ Findings examineAll(Host &host, unsigned subjects, const std::string &radio) {
 }
 
 Findings settled(Host &host, const std::function<Findings()> &look) {
-    constexpr int kStep = 100, kLongest = 2000; // ms
+    constexpr int kFirst = 50, kLongest = 1000; // ms; a look costs commands, so there are few
     auto mayCome = [](const Finding &one) { return !one.holds && one.mayCome; };
     Findings findings = look();
-    for (int waited = 0; waited < kLongest && std::any_of(findings.begin(), findings.end(), mayCome); waited += kStep) {
-        host.platform->pause(kStep);
+    for (int wait = kFirst; wait < kLongest && std::any_of(findings.begin(), findings.end(), mayCome); wait *= 2) {
+        host.platform->pause(wait);
         findings = look();
     }
     return findings;
@@ -156,13 +182,16 @@ void demand(const Findings &findings) {
 std::string differenceLine(const Finding &finding) {
     std::string text = shownOr(finding.interface, finding.radio);
     text += (text.empty() ? "" : " ") + finding.check + ": wanted " + finding.wanted;
-    return text + (finding.said.empty() ? ", found " + finding.found : ", no answer: " + finding.said);
+    text += finding.said.empty() || !finding.found.empty() ? ", found " + finding.found : ", no answer";
+    return text + (finding.said.empty() ? "" : ": " + finding.said);
 }
 
 Verifier platformVerifier() {
     return [](Host &host, WlIntf *intf, unsigned subjects, const std::string &interface, bool patient) {
         auto look = [&] { return intf ? examine(host, *intf, subjects, interface) : examineGateway(host, subjects); };
-        return patient ? settled(host, look) : look();
+        Findings findings = patient ? settled(host, look) : look();
+        explain(findings);
+        return findings;
     };
 }
 

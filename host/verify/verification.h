@@ -33,7 +33,7 @@ struct Finding {
     unsigned subject = 0;         // what it is about
     std::string wanted, found;    // texts as a person reads them; secrets never
     std::string cure;             // a command, or what to do; empty when the check holds
-    std::string said;             // what the platform's tool said when it could not be asked
+    std::string said;             // what the platform's tool said when it could not be asked, or did not do it
     bool holds = false;
     bool mayCome = false; // a daemon or an interface, which may be on its way
 };
@@ -58,7 +58,10 @@ Findings settled(Host &host, const std::function<Findings()> &look);
 // said. The error's `differences` are the same for programs.
 void demand(const Findings &findings);
 
-// "wl0.1 bridge: wanted br1, found br0"
+// What the last command of the operation under way said that failed for an interface or radio; empty when none did.
+std::string lastComplaint(const std::string &name);
+
+// "wl0.1 bridge: wanted br1, found br0", with what the platform said behind it
 std::string differenceLine(const Finding &finding);
 // Throws status 1 when a question had no answer: the platform could not be asked.
 void demandAnswers(const Findings &findings);
