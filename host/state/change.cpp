@@ -88,8 +88,9 @@ std::string changedSettings(const json &now, const json &next) {
     for (const json &step : json::diff(now, next)) {
         std::string name;
         for (const std::string &word : splitWords(step["path"].get<std::string>(), '/'))
-            name += word.find_first_not_of("0123456789") == std::string::npos ? "[" + word + "]"
-                                                                              : (name.empty() ? "" : ".") + word;
+            name += word == "-" ? "" : // one more in a list
+                        word.find_first_not_of("0123456789") == std::string::npos ? "[" + word + "]"
+                                                                                  : (name.empty() ? "" : ".") + word;
         name = escapeBytes(name);
         if (std::count(names.begin(), names.end(), name) == 0)
             names.push_back(name);

@@ -161,7 +161,7 @@ std::string obstacleOf(Host &host, const Transition::Step &step, const json &row
     for (const json &change : row["nvram"])
         if (!sameWords(change["old"], change["new"]))
             return change["key"].get<std::string>() + " differs";
-    std::vector<Finding> differences = host.differences(step.intf, kOfEverything, {}, false);
+    std::vector<Finding> differences = host.differences(step.intf, kCuredByReload, {}, false);
     return differences.empty() ? "" : differenceLine(differences[0]);
 }
 

@@ -138,7 +138,7 @@ void Transition::weigh(Step &step, const Scope &scope) {
         step.change.operation = ChangeKind::kReload;
         step.change.reason = "was asked for";
     } else if (!takesDown(step.change.operation)) {
-        repair(host_.differences(step.intf, kOfEverything, {}, false), known->second.now, step.change);
+        repair(host_.differences(step.intf, kCuredByReload, {}, false), known->second.now, step.change);
     }
     const Module &module = host_.module();
     for (const LightChange &part : step.change.parts)
@@ -148,7 +148,9 @@ void Transition::weigh(Step &step, const Scope &scope) {
 
 void Transition::bindAbandoned() {
     for (auto &[intf, applied] : host_.applied_) {
-        if (applied.off || &nodeOf(config_, intf->intfName) != &nodeOf(config_, ""))
+        if (&nodeOf(config_, intf->intfName) != &nodeOf(config_, ""))
+            continue;
+        if (applied.off && host_.differences(intf, kOfRadio | kOfBss, {}, false).empty())
             continue;
         Step step{intf, {ChangeKind::kDown, "is no longer in the configuration", {}}, applied.now};
         step.records.radio.radioOn = 0;

@@ -29,6 +29,12 @@ std::string inShell(const std::string &text) {
     return "'" + quoted + "'";
 }
 
+// No command takes the name of a radio that left the configuration.
+bool isAbandoned(const Place &place) {
+    std::vector<WlIntf *> radios = place.host.abandonedRadios();
+    return std::count(radios.begin(), radios.end(), place.intf) > 0;
+}
+
 // A BSS without an interface has nothing that could be asked about; that it is missing says it all.
 bool isMissing(const Findings &findings) {
     return !findings.empty() && (findings.back().found == "missing" || findings.back().found == "no interface");
@@ -107,7 +113,7 @@ Finding carryOut(const Check &check, const Place &place) {
     finding.mayCome = check.mayCome;
     check.look(place, finding);
     std::string cure = finding.holds ? "" : shownOr(finding.cure, check.cure);
-    replaceAll(cure, "{radio}", place.radio());
+    replaceAll(cure, " {radio}", isAbandoned(place) ? "" : " " + place.radio());
     replaceAll(cure, "{if}", place.interface());
     replaceAll(cure, "{config}", inShell(place.host.configFile()));
     finding.cure = cure;
@@ -146,6 +152,8 @@ Findings examineAll(Host &host, unsigned subjects, const std::string &radio) {
     auto add = [&](Findings some) { all.insert(all.end(), some.begin(), some.end()); };
     for (WlIntf *intf : radio.empty() ? host.configuredRadios() : std::vector<WlIntf *>{host.radio(radio)})
         add(examine(host, world, *intf, subjects));
+    for (WlIntf *intf : radio.empty() ? host.abandonedRadios() : std::vector<WlIntf *>())
+        add(examine(host, world, *intf, subjects & (kOfRadio | kOfBss)));
     add(examineGateway(host, world, subjects));
     return all;
 }

@@ -23,7 +23,8 @@ enum Subject : unsigned {
     kOfWps = 128,
     kOfCapabilities = 256,
     kOfBridge = 512,
-    kOfEverything = 1023
+    kOfEverything = 1023,
+    kCuredByReload = kOfEverything & ~kOfCapabilities // the module reads those once, when it starts
 };
 
 // One check and its outcome.
@@ -48,7 +49,7 @@ Findings examine(Host &host, WlIntf &intf, unsigned subjects = kOfEverything, co
 // The checks that concern no radio: LAN variables, the daemons that all radios share.
 Findings examineGateway(Host &host, World &world, unsigned subjects = kOfEverything);
 Findings examineGateway(Host &host, unsigned subjects = kOfEverything);
-// Every configured radio, or that one, and the gateway.
+// Every configured radio and those that were taken off the air, or that one, and the gateway.
 Findings examineAll(Host &host, unsigned subjects = kOfEverything, const std::string &radio = {});
 
 // After a change: looks again for a moment while something that may still come has not. What holds costs no wait.

@@ -13,7 +13,7 @@ start_host "$work"/base.json
 world() {
     driver '.radios'
     nvram show | sort
-    ip -o link show | sed 's/ qlen.*//'
+    ip -o link show | sed 's/ state [A-Z]*//; s/ qlen.*//'
     ps -o comm | sort | grep -vE '^(ps|sort|grep|bash|sed|sh)$'
     files_in_tmp
 }
@@ -65,6 +65,10 @@ test_changes_that_take_one_radio_down() {
     assert_contains "$output" wl0
     change 'del(.radios[0])' 'none down' wl1
     assert_eq '' "$(networks | grep '^wl0.* on-air')"
+    wlctl -i wl0 up
+    assert_eq 'wl0 wlhost reload' "$(wlhost --json verify | jq -r '.findings[] | [.radio, .cure] | join(" ")')"
+    assert_status 0 wlhost reload
+    assert_eq false "$(radio wl0 .up)" 'what left the file'
     change '.' 'reload none' wl1
     change 'del(.radios[1].ssids[2])' 'none reload' ''
 }
