@@ -64,7 +64,7 @@ json preset(Host &host, const json &args) {
     auto *enablePreset = host.operation(host.module().ops->enablePresetSsid, "enablePresetSsid");
     Host::check(enablePreset(ifname.c_str(), on), ifname, "enablePresetSsid");
     host.presets[ifname] = on;
-    host.demandVerified(target.intf, kOfBss | kOfInterface, ifname);
+    host.demandVerified(target.intf, kOfBss | kOfInterface | kOfBridge, ifname);
     return {{"interface", ifname}, {"preset", on ? "on" : "off"}};
 }
 

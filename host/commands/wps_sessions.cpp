@@ -5,6 +5,7 @@
 #include "host/commands/host_commands.h"
 #include "host/commands/radio_status.h"
 #include "host/commands/wps_sessions.h"
+#include "host/verify/verification.h"
 
 namespace wlhost {
 namespace {
@@ -114,11 +115,22 @@ json demandIdle(Host &host) {
     return progress;
 }
 
+// The module sends a datagram and says that all is well, whether or not somebody took it.
+void demandTaken(Host &host) {
+    constexpr int kStep = 100, kLongest = 3000; // ms
+    for (int waited = 0; waited < kLongest && progressOf(host) == host.wps->before; waited += kStep)
+        host.platform->pause(kStep);
+    if (sessionState(host)["result"] == "not-taken")
+        throw Failure(Status::kFailed, host.wps->radio, "the WPS daemon did not take the session", "see wlhost verify");
+}
+
 template <typename Start>
 json startSession(Host &host, WlIntf &intf, const char *method, const char *slot, Start start) {
+    host.demandVerified(nullptr, kOfWps); // a daemon that is on its way gets the time to come
     WpsSession session{intf.intfName, method, Clock::now(), demandIdle(host)};
     Host::check(start(), intf.intfName, slot);
     host.wps = session;
+    demandTaken(host);
     return sessionState(host);
 }
 
@@ -190,7 +202,11 @@ json wpsCancel(Host &host, const json &args) {
     Host::check(host.operation(host.module().ops->wpsCancel, "wpsCancel")(&intf), intf.intfName, "wpsCancel");
     if (host.wps)
         host.wps->cancelled = true;
-    return sessionState(host);
+    json session = sessionState(host);
+    if (session["state"] == "running")
+        throw Failure(Status::kFailed, intf.intfName, "the session goes on: the WPS daemon did not end it",
+                      "see wlhost verify");
+    return session;
 }
 
 json wpsStatus(Host &host, const json &) { return sessionState(host); }
@@ -203,6 +219,7 @@ json wpsApply(Host &host, const json &args) {
     host.noteApplied(&intf);
     host.wps.reset();
     Host::check(rc, intf.intfName, "wpsUpdateConfg");
+    host.demandVerified(&intf, kOfBss | kOfWps, intf.intfName);
     host.tell({{"event", "wps"}, {"radio", intf.intfName}, {"state", "idle"}, {"result", "applied"}});
     const WlSsidCfg &main = intf.bss[0];
     return {{"radio", intf.intfName},

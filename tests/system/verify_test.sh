@@ -131,6 +131,10 @@ test_wps() {
 wl0|WPS|nvram set wl0_wps_mode=disabled
 gateway|wps_monitor|$(ends wps_monitor)
 END_OF_ROWS
+    sh -c "$(ends wps_monitor)"
+    assert_status 1 wlhost wps push-button wl0
+    assert_contains "$output" 'wps_monitor: wanted running, found not running'
+    assert_status 0 wps_monitor
     wlsim wps enrol wl0 --push-button --seconds 20 >/dev/null &
     assert_status 0 wlhost wps push-button wl0 --wait
     assert_status 0 wlhost verify

@@ -86,8 +86,9 @@ TEST_F(HostWps, SessionFromStartToResult) {
 TEST_F(HostWps, OldResultsAreNotTakenForNewOnes) {
     for (int old : {0, 3, 4}) {
         progress = old;
-        json session = result("wps pin", {{"radio", "wl0"}, {"pin", "12345670"}});
-        EXPECT_EQ(session["result"], "not-taken") << old;
+        json answer = ask("wps pin", {{"radio", "wl0"}, {"pin", "12345670"}});
+        EXPECT_EQ(answer["error"]["text"], "the WPS daemon did not take the session") << old;
+        EXPECT_EQ(result("wps status")["result"], "not-taken") << old;
         progress = 3 - old / 3; // the answer came late after all, as another code
         EXPECT_NE(result("wps status")["result"], "not-taken") << old;
     }
