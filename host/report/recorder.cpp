@@ -151,10 +151,12 @@ ssize_t Recorder::read(int fd, void *data, size_t size) {
 
 off_t Recorder::lseek(int fd, off_t offset, int whence) {
     auto file = files_.find(fd);
-    if (file == files_.end() || !file->second.isRead || offset != 0 || whence != SEEK_SET)
+    if (file == files_.end() || offset != 0 || (whence != SEEK_END && !file->second.isRead))
         return next().lseek(fd, offset, whence);
-    file->second.at = 0;
-    return 0;
+    // Where the end is: replay knows it from what the file held.
+    readWhole(file->second, [&](char *piece, size_t most) { return next().read(fd, piece, most); });
+    file->second.at = whence == SEEK_SET ? 0 : file->second.bytes.size();
+    return static_cast<off_t>(file->second.at);
 }
 
 size_t Recorder::fread(void *data, size_t size, size_t count, FILE *stream) {

@@ -115,10 +115,13 @@ ssize_t Replayer::read(int fd, void *data, size_t size) {
     return static_cast<ssize_t>(take(find(files_, fd), data, size));
 }
 
-off_t Replayer::lseek(int fd, off_t offset, int) {
-    if (Source *file = find(files_, fd))
-        file->at = std::min(file->bytes.size(), static_cast<size_t>(std::max<off_t>(offset, 0)));
-    return offset;
+off_t Replayer::lseek(int fd, off_t offset, int whence) {
+    Source *file = find(files_, fd);
+    if (!file)
+        return offset;
+    const off_t from = whence == SEEK_END ? static_cast<off_t>(file->bytes.size()) : 0;
+    file->at = std::min(file->bytes.size(), static_cast<size_t>(std::max<off_t>(from + offset, 0)));
+    return static_cast<off_t>(file->at);
 }
 
 size_t Replayer::fread(void *data, size_t size, size_t count, FILE *stream) {
