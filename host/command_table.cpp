@@ -331,7 +331,7 @@ const std::vector<Command> &commands() {
          {{"--follow", "follow", Value::kFlag, "What it does from now on, or since --since"},
           {"--failed", "failed", Value::kFlag, "Only what did not succeed"},
           {"--operation", "operation", Value::kNumber, "Only of this operation"},
-          {"--since", "since", Value::kText, "From this time on: 10m ago, or 2026-01-31T10:00:00Z"},
+          {"--since", "since", Value::kText, "From this time on: 10m ago, 10:00:00, or 2026-01-31T10:00:00Z"},
           {"--shell", "shell", Value::kFlag, "As a script that does the same again"},
           {"--secrets", "secrets", Value::kFlag, "Passphrases, keys and PINs unmasked, for root"}},
          journalEntries,

@@ -29,10 +29,19 @@ std::optional<WallTime> agoOf(const std::string &text, WallTime now) {
     return std::nullopt;
 }
 
-std::optional<WallTime> dateOf(const std::string &text) {
+// Puts the time into `parts`, which holds today; null, or what follows the seconds.
+const char *readDate(const std::string &text, tm &parts) {
+    if (const char *rest = strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &parts))
+        return rest;
+    return strptime(text.c_str(), "%H:%M:%S", &parts);
+}
+
+std::optional<WallTime> dateOf(const std::string &text, WallTime now) {
+    const time_t today = std::chrono::system_clock::to_time_t(now);
     tm parts{};
+    gmtime_r(&today, &parts);
     parts.tm_isdst = -1;
-    const char *rest = strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
+    const char *rest = readDate(text, parts);
     if (!rest)
         return std::nullopt;
     double fraction = 0;
@@ -44,8 +53,11 @@ std::optional<WallTime> dateOf(const std::string &text) {
     const std::string zone = rest;
     if (zone != "" && zone != "Z")
         return std::nullopt;
-    const time_t seconds = zone == "Z" ? timegm(&parts) : mktime(&parts);
-    return std::chrono::system_clock::from_time_t(seconds) + std::chrono::microseconds(std::llround(fraction * 1e6));
+    // A time alone is one of the journal's table, which is in UTC.
+    const bool utc = zone == "Z" || text.find('T') == std::string::npos;
+    const time_t seconds = utc ? timegm(&parts) : mktime(&parts);
+    return std::chrono::system_clock::from_time_t(seconds) +
+           std::chrono::microseconds(static_cast<int64_t>(fraction * 1e6 + 0.5));
 }
 
 } // namespace
@@ -65,7 +77,7 @@ std::string utcText(WallTime time) {
 WallTime timeOf(const std::string &text, WallTime now) {
     if (auto ago = agoOf(text, now))
         return *ago;
-    if (auto date = dateOf(text))
+    if (auto date = dateOf(text, now))
         return *date;
     throw Failure(Status::kUsage, text, "is no time", "such as 10m ago, or 2026-01-31T10:00:00Z");
 }

@@ -258,6 +258,7 @@ TEST(Times, AreReadAsDatesOrAsHowLongAgo) {
     EXPECT_EQ(utcText(now), "2026-01-31T10:00:00.250Z");
     for (const auto &[text, seconds] : {std::pair{"90", 90}, {"90s", 90}, {"10m", 600}, {"2h", 7200}, {"1d", 86400}})
         EXPECT_EQ(timeOf(text, now), now - std::chrono::seconds(seconds)) << text;
+    EXPECT_EQ(timeOf("10:00:00.250", now), now);
     for (const char *text : {"", "m", "1w", "yesterday", "-5", "2026-01-31", "2026-01-31T10:00:00+1", "999999999999"})
         EXPECT_THROW(timeOf(text, now), Failure) << text;
 }
