@@ -62,10 +62,13 @@ std::unique_ptr<Host> startHost(const std::string &library, Config config, const
         return std::make_unique<Host>(loadRecorded(library), std::move(config), platformVerifier());
     tap::goDry();
     auto host = std::make_unique<Host>(loadRecorded(library), std::move(config), platformVerifier());
-    std::vector<tap::Command> held = tap::takeEffects().commands;
+    const tap::Effects held = tap::takeEffects();
     host->adopt(adopted);
     tap::goLive();
-    for (const tap::Command &command : held)
+    for (const tap::Write &write : held.writes)
+        if (write.value && write.value != tap::storedReally(write.key))
+            tap::run("wlModuleInit", {"nvram", "set", write.key + "=" + *write.value});
+    for (const tap::Command &command : held.commands)
         if (auto words = wordsForOthers(command.command, adopted); !words.empty())
             tap::run("wlModuleInit", words);
     return host;

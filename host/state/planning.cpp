@@ -23,7 +23,29 @@ struct Section {
     tap::Effects effects;
 };
 
+// The radio of "wlctl -i wl0 down"; the first one for what concerns none.
+Section *sectionOf(std::vector<Section> &sections, const std::string &command) {
+    Section *first = nullptr;
+    for (Section &section : sections) {
+        if (section.step && !first)
+            first = &section;
+        if (section.step && command.find(" -i " + std::string(section.step->intf->intfName) + " ") != std::string::npos)
+            return &section;
+    }
+    return first;
+}
+
+// What the module did when it was loaded, before any step, is what each radio begins with.
+void putFirst(const tap::Effects &start, std::vector<Section> &sections) {
+    for (auto one = start.commands.rbegin(); one != start.commands.rend(); ++one)
+        if (Section *section = sectionOf(sections, one->command))
+            section->effects.commands.insert(section->effects.commands.begin(), *one);
+    if (Section *section = sectionOf(sections, ""))
+        section->effects.writes.insert(section->effects.writes.begin(), start.writes.begin(), start.writes.end());
+}
+
 std::vector<Section> sectionsOf(Transition &transition) {
+    const tap::Effects start = tap::takeEffects();
     std::vector<Section> sections;
     auto close = [&] {
         tap::Effects effects = tap::takeEffects();
@@ -35,6 +57,7 @@ std::vector<Section> sectionsOf(Transition &transition) {
         sections.push_back({step, {}});
     });
     close();
+    putFirst(start, sections);
     return sections;
 }
 
