@@ -29,19 +29,13 @@ std::optional<WallTime> agoOf(const std::string &text, WallTime now) {
     return std::nullopt;
 }
 
-// Puts the time into `parts`, which holds today; null, or what follows the seconds.
-const char *readDate(const std::string &text, tm &parts) {
-    if (const char *rest = strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &parts))
-        return rest;
-    return strptime(text.c_str(), "%H:%M:%S", &parts);
-}
-
 std::optional<WallTime> dateOf(const std::string &text, WallTime now) {
     const time_t today = std::chrono::system_clock::to_time_t(now);
     tm parts{};
     gmtime_r(&today, &parts);
     parts.tm_isdst = -1;
-    const char *rest = readDate(text, parts);
+    const bool hasDate = text.find('T') != std::string::npos;
+    const char *rest = strptime(text.c_str(), hasDate ? "%Y-%m-%dT%H:%M:%S" : "%H:%M:%S", &parts);
     if (!rest)
         return std::nullopt;
     double fraction = 0;
@@ -54,7 +48,7 @@ std::optional<WallTime> dateOf(const std::string &text, WallTime now) {
     if (zone != "" && zone != "Z")
         return std::nullopt;
     // A time alone is one of the journal's table, which is in UTC.
-    const bool utc = zone == "Z" || text.find('T') == std::string::npos;
+    const bool utc = zone == "Z" || !hasDate;
     const time_t seconds = utc ? timegm(&parts) : mktime(&parts);
     return std::chrono::system_clock::from_time_t(seconds) +
            std::chrono::microseconds(static_cast<int64_t>(fraction * 1e6 + 0.5));
