@@ -151,9 +151,11 @@ Files unpackTarGz(std::string_view archive, const std::vector<std::string> &know
         at += kBlock;
         if (*size > tar.size() - at)
             refuseTar("is cut");
-        const std::string name(text.data(), strnlen(text.data(), kName.size));
+        std::string_view name = text.substr(0, strnlen(text.data(), kName.size));
+        if (name.substr(0, 2) == "./") // packed again by another tool
+            name.remove_prefix(2);
         if (text[kType.at] == '0' && std::count(known.begin(), known.end(), name) == 1)
-            files[name] = tar.substr(at, *size);
+            files[std::string(name)] = tar.substr(at, *size);
         at = std::min(at + padded(*size), tar.size());
     }
 }

@@ -271,6 +271,7 @@ TEST(ReportArchive, IsWholeOrRefused) {
     const std::string whole = packTarGz(files, 1234567890);
     EXPECT_EQ(unpackTarGz(whole, {"a", "b"}, 10000), files);
     EXPECT_EQ(unpackTarGz(whole, {"b", "c"}, 10000).count("a"), 0U);
+    EXPECT_EQ(unpackTarGz(packTarGz({{"./a", "x"}}, 0), {"a"}, 10000).count("a"), 1U);
     for (size_t length = 0; length < whole.size(); ++length)
         EXPECT_NE(refusalOf([&] { unpackTarGz({whole.data(), length}, {"a", "b"}, 10000); }), "not refused") << length;
     for (size_t at = 10; at < whole.size(); ++at) { // behind gzip's own header, which has no checksum
