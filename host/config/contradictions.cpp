@@ -69,14 +69,16 @@ void checkKeys(const SsidFields &ssid, const std::string &security, const json &
                      "encryption " + security + " needs 8 to 63 characters, or 64 hexadecimal digits");
     for (const char *name : {"key", "key_fallback"})
         if (!psk && node.contains(name))
-            problems.add(path / name, "has no use with encryption " + security, "for psk2 and psk-mixed");
+            problems.add(path / name, "has no use with encryption " + security,
+                         wep ? "WEP has key1 to key4" : "for psk2 and psk-mixed");
     for (const char *name : {"key1", "key2", "key3", "key4", "wep_default_key"})
         if (!wep && node.contains(name))
             problems.add(path / name, "has no use with encryption " + security, "for wep, wep-shared and wep-auto");
     std::string used = "key" + std::to_string(ssid.record.defaultKeyId);
     if (wep && ssid.record.defaultKeyId >= 1 && !node.contains(used))
         problems.add(path, used + " is missing",
-                     "encryption " + security + " sends with key number " + std::to_string(ssid.record.defaultKeyId));
+                     "encryption " + security + " has key1 to key4 and sends with number " +
+                         std::to_string(ssid.record.defaultKeyId));
     bool radius = security == "wpa2";
     if (radius && !node.contains("radius"))
         problems.add(path, "radius is missing", "encryption wpa2 needs a server");

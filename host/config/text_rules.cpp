@@ -127,7 +127,8 @@ const TextRule kSsidRule{ssidProblem, "1 to 32 bytes of UTF-8 without NUL",
                          "^[\\u0001-\\u007f]*([^\\u0000-\\u007f][\\u0001-\\u007f]*){0,16}$", 1, 32};
 const TextRule kSsidHexRule{ssidHexProblem, "1 to 32 bytes as pairs of hexadecimal digits, without 00",
                             "^(0[1-9A-Fa-f]|[1-9A-Fa-f][0-9A-Fa-f]){1,32}$"};
-const TextRule kPskRule{pskProblem, "8 to 63, or 64 hexadecimal digits", "^([ -~]{8,63}|[0-9A-Fa-f]{64})$"};
+const TextRule kPskRule{pskProblem, "8 to 63, or 64 hexadecimal digits; WEP has key1 to key4",
+                        "^([ -~]{8,63}|[0-9A-Fa-f]{64})$"};
 const TextRule kWepRule{wepProblem, "5 or 13 characters, or 10 or 26 hexadecimal digits",
                         "^([ -~]{5}|[ -~]{13}|[0-9A-Fa-f]{10}|[0-9A-Fa-f]{26})$"};
 const TextRule kInterfaceRule{interfaceProblem, "1 to 15 of A-Z a-z 0-9 . _ -, the first not -",

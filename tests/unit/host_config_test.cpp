@@ -54,7 +54,7 @@ TEST(HostConfig, ValuesAndTheirProblems) {
 }
 
 TEST(HostConfig, Passphrases) {
-    const char *const kKey = "; 8 to 63, or 64 hexadecimal digits";
+    const char *const kKey = "; 8 to 63, or 64 hexadecimal digits; WEP has key1 to key4";
     auto key = [&](size_t length, char c) {
         return problemOf(patched("/radios/0/ssids/0/key", json(std::string(length, c)).dump().c_str()));
     };
