@@ -81,10 +81,12 @@ void receiveEvents(Host &host) {
 void reloadOnSignal(Host &host) {
     tap::Operation operation("reload", "SIGHUP");
     try {
-        reload(host, json::object());
+        const std::string differences = Host::complaints(reload(host, json::object()));
         logText(LogLevel::kInfo, "reload", "took " + host.configFile() + " over");
+        if (!differences.empty())
+            logText(LogLevel::kError, "reload", differences);
     } catch (const Failure &failure) {
-        logText(LogLevel::kError, "reload", failure.where + ": " + failure.what());
+        logText(LogLevel::kError, "reload", (failure.where.empty() ? "" : failure.where + ": ") + failure.what());
     }
 }
 
