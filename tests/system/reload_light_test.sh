@@ -7,7 +7,10 @@
 base='del(.radios[].ssids[0].preset, .radios[].ssids[].wps)'
 vary "$base"
 cp "$variant" "$work"/base.json
+first_plan=$(wlhost --json plan "$work"/base.json)
+before_first=$(nvram show 2>/dev/null | grep = | sort)
 start_host "$work"/base.json
+after_first=$(nvram show 2>/dev/null | grep = | sort)
 
 # Everything that a plan must leave alone, in one text.
 world() {
@@ -21,6 +24,9 @@ stored() { nvram show 2>/dev/null | grep '=' | sort; }
 # Keys whose value differs between two listings.
 changed_keys() { printf '%s\n' "$1" "$2" | sort | uniq -u | sed 's/=.*//' | sort -u | paste -sd' '; }
 
+# PLAN
+planned_keys() { jq -r '[.radios[].nvram[].key, .lan.nvram[].key] | sort | join(" ")' <<<"$1"; }
+
 # FILTER OPERATIONS KEEPS: the plan of this change tells the operation of each radio and exactly the keys that the reload
 # then changes, and touches nothing; stations of the radios named in KEEPS stay.
 change() {
@@ -33,13 +39,18 @@ change() {
     assert_eq "$before" "$(world)" "the world after the plan of $1"
     before=$(stored)
     assert_status 0 wlhost reload --config "$variant"
-    assert_eq "$(jq -r '[.radios[].nvram[].key, .lan.nvram[].key] | sort | join(" ")' <<<"$planned")" \
-        "$(changed_keys "$before" "$(stored)")" "keys of $1"
+    assert_eq "$(planned_keys "$planned")" "$(changed_keys "$before" "$(stored)")" "keys of $1"
     for radio in wl0 wl1; do
         kept=$(radio $radio '.bss[0].stations | length')
         case " $3 " in *" $radio "*) assert_eq 1 "$kept" "stations of $radio after $1" ;; esac
     done
     assert_status 0 wlhost plan "$variant"
+}
+
+# On a gateway that had no host yet; what the module does when it is loaded belongs to it.
+test_a_first_start() {
+    assert_eq "$(planned_keys "$first_plan")" "$(changed_keys "$before_first" "$after_first")"
+    assert_contains "$(jq -r '.radios[1].commands[].command' <<<"$first_plan")" 'wlctl -i wl1 leddc 0'
 }
 
 test_changes_that_keep_the_stations() {

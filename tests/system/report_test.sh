@@ -49,6 +49,14 @@ test_a_report_replays_and_holds_no_secret() {
     assert_eq "$mask" "$(jq -r '[.entries[] | select(.what == "wl1_wpa_psk" and .call == "nvram_set")][0].value // empty' "$work/files/operations.jsonl" | head -n 1)"
 }
 
+test_a_host_that_took_radios_on_as_they_were_replays_too() {
+    stop_host
+    start_host "$variant"
+    assert_status 0 wlhost reload wl1
+    assert_status 0 wlhost report "$archive"
+    assert_status 0 wlhost replay "$archive"
+}
+
 test_a_report_that_cannot_be_written_is_an_error() {
     assert_status 1 wlhost report /nowhere/report.tar.gz
     assert_contains "$output" "cannot be written"
