@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -160,6 +161,22 @@ void serve(Host &host, ControlServer &server) {
     }
 }
 
+// The answer to a request, and what it is to be followed by. The documents of a large one, an archive or the journal,
+// were many times its size; the heap keeps such room otherwise.
+ControlServer::Reply replyTo(const std::string &request, Host &host, const ControlServer &server) {
+    constexpr size_t kLarge = 256UL * 1024;
+    json reply = answer(host, request, server.askingUser());
+    const std::string topic = reply["status"] == Status::kDone ? topicOf(request) : "";
+    ControlServer::Reply text(dumped(reply), !topic.empty(), topic, topic.empty() ? json() : reply["result"]);
+    if (text.line.size() > kLarge) {
+        reply = nullptr;
+#ifdef __GLIBC__
+        malloc_trim(0);
+#endif
+    }
+    return text;
+}
+
 // The journal's listeners: the file that was asked for, and the followers.
 void keepJournal(const Call &call, ControlServer &server) {
     if (std::string path = call.args.value("journal", ""); !path.empty())
@@ -192,11 +209,7 @@ Status serveRadios(const Call &call) {
     FILE *out = takeStdout();
     catchSignals();
     std::unique_ptr<Host> host;
-    ControlServer server(call.socket, [&](const std::string &request) {
-        json reply = answer(*host, request, server.askingUser());
-        const std::string topic = reply["status"] == Status::kDone ? topicOf(request) : "";
-        return ControlServer::Reply(dumped(reply), !topic.empty(), topic, topic.empty() ? json() : reply["result"]);
-    });
+    ControlServer server(call.socket, [&](const std::string &request) { return replyTo(request, *host, server); });
     tap::LiveHandler live([](const tap::Entry &entry) { journal().add(entry); });
     LiveMode mode(live);
     keepJournal(call, server);

@@ -4,6 +4,8 @@
 #include "host/base/word_lists.h"
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
+#include "host/journal/journal.h"
+#include "host/report/recording.h"
 #include "host/state/planning.h"
 #include "host/state/radio_check.h"
 #include "host/tap/dry_run.h"
@@ -112,7 +114,9 @@ json version(Host &host, const json &) {
             {"module", host.module().ops->name},
             {"library", host.module().library},
             {"radios", host.module().names()},
-            {"events", host.eventCount}};
+            {"events", host.eventCount},
+            {"journal_kib", journal().bytes() / 1024},
+            {"recording_kib", recording().bytes() / 1024}};
 }
 
 } // namespace wlhost

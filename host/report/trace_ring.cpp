@@ -2,11 +2,18 @@
 
 namespace wlhost {
 
+namespace {
+
+// A deque has room for the first entries before there is any: most operations are events with one or two.
+constexpr size_t kFirstRoom = 576;
+
+} // namespace
+
 void TraceRing::begin(Operation operation) {
     if (open_)
         end(0);
     operation.number = next_++;
-    operation.bytes += sizeof operation + operation.input.size();
+    operation.bytes += sizeof operation + kFirstRoom + operation.input.size();
     used_ += operation.bytes;
     if (operation.name == "initWlan" || operation.name == "reloadWlan")
         bringUps_[operation.radio] = operation.number;

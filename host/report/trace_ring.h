@@ -27,6 +27,7 @@ class TraceRing {
 
     const std::list<Operation> &operations() const { return operations_; }
     uint64_t begun() const { return next_; }
+    size_t bytes() const { return used_; }
 
   private:
     bool isKept(const Operation &operation) const;
