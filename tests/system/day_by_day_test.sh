@@ -83,6 +83,7 @@ test_a_host_that_comes_back() {
     ends_by TERM
 }
 
+on_air() { [ "$(bss wl0 .ssid)" = "taken over" ]; }
 test_signals_amid_an_operation() {
     start_own
     wlhost reload --all >/dev/null &
@@ -94,7 +95,6 @@ test_signals_amid_an_operation() {
     mv "$config".new "$config"
     kill -HUP "$host"
     ends_with "$reload" 0 'the reload'
-    on_air() { [ "$(bss wl0 .ssid)" = "taken over" ]; }
     wait_for 20 on_air # by the signal, which came while the host was busy
     wlhost reload --all >/dev/null &
     sleep 0.3
@@ -102,11 +102,11 @@ test_signals_amid_an_operation() {
     assert_eq true "$(bss wl0 .on_air)" 'what the reload brought up'
 }
 
+session_is() { [ "$(wlhost --json wps status | jq -r .state)" = "$1" ]; }
 test_who_gives_a_session_up_ends_it() {
     start_own
     wlhost wps push-button wl1 --wait >/dev/null 2>"$work"/said &
     local waiting=$!
-    session_is() { [ "$(wlhost --json wps status | jq -r .state)" = "$1" ]; }
     wait_for 10 session_is running
     kill -TERM "$waiting"
     ends_with "$waiting" 1 'who waited'
