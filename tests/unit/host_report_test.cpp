@@ -173,7 +173,7 @@ Operation operation(const std::string &name, const std::string &radio = {}, size
 }
 
 TEST(ReportTrace, KeepsTheStartAndEachRadiosLastBringUp) {
-    TraceRing ring(20000);
+    TraceRing ring(30000);
     for (const char *radio : {"", "wl0", "wl0", "wl1"})
         ring.begin(operation(*radio ? "initWlan" : kModuleStart, radio, 1000));
     for (int i = 0; i < 100; ++i) {
