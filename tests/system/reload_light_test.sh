@@ -8,9 +8,9 @@ base='del(.radios[].ssids[0].preset, .radios[].ssids[].wps)'
 vary "$base"
 cp "$variant" "$work"/base.json
 first_plan=$(wlhost --json plan "$work"/base.json)
-before_first=$(nvram show 2>/dev/null | grep = | sort)
+before_first=$(nvram show 2>/dev/null | grep '=' | sort)
 start_host "$work"/base.json
-after_first=$(nvram show 2>/dev/null | grep = | sort)
+after_first=$(nvram show 2>/dev/null | grep '=' | sort)
 
 # Everything that a plan must leave alone, in one text.
 world() {

@@ -1,5 +1,6 @@
 # The archive of a running host: nothing secret in it, and the module takes the same way with it.
 # shellcheck shell=bash disable=SC2154 # $output and $variant are set by helpers
+# shellcheck source=tests/system/host.sh
 . /src/tests/system/host.sh
 
 archive=$work/report.tar.gz
