@@ -2,6 +2,7 @@
 // an archive that replay follows. Nothing in it depends on a processor's word size or byte order.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <list>
@@ -29,7 +30,13 @@ struct Entry {
     bool wantsSameAs(const Entry &other) const {
         return call == other.call && what == other.what && value == other.value;
     }
-    size_t size() const { return sizeof *this + what.size() + value.size() + (answer ? answer->size() : 0); }
+    // What it takes of the heap, about: a long text has a block of its own, and of a deque's not all is used.
+    size_t size() const {
+        size_t bytes = sizeof *this * 6 / 5;
+        for (const std::string *text : {&what, &value, &error, &function})
+            bytes += text->capacity() > sizeof *text / 2 ? text->capacity() + sizeof(std::max_align_t) : 0;
+        return bytes + (answer ? answer->size() + sizeof(std::max_align_t) : 0);
+    }
 };
 
 // One operation of the module's table, with its arguments by name.
