@@ -53,7 +53,7 @@ Answer askHost(const std::string &socket, const json &request, int timeout, cons
     }
 }
 
-json resultOf(const Call &call, const std::function<void(int)> &tick = {}) {
+json askHost(const Call &call, const std::function<void(int)> &tick = {}) {
     return resultFrom(call.socket, requestOf(call), call.timeout, tick);
 }
 
@@ -147,7 +147,7 @@ Status askAndWait(const Call &call) {
     json result;
     {
         Progress progress;
-        result = resultOf(call, [&](int seconds) {
+        result = askHost(call, [&](int seconds) {
             if (!call.args.value("cached", false))
                 progress.tell(seconds, "waiting for " + std::string(call.command->name) +
                                            (seconds ? ", " + std::to_string(seconds) + " s" : std::string()));
@@ -162,7 +162,7 @@ Status askForSession(const Call &call) {
     if (!call.args.value("wait", false))
         return ask(call);
     catchInterrupts();
-    json session = resultOf(call);
+    json session = askHost(call);
     {
         Progress progress;
         for (int waited = 0, over = 0; session["state"] == "running" && over < kGrace; ++waited) {
@@ -180,7 +180,7 @@ Status askForSession(const Call &call) {
 
 Status askForJournal(const Call &call) {
     if (call.args.value("shell", false) && !call.asJson) {
-        std::fputs(resultOf(call)["script"].get_ref<const std::string &>().c_str(), stdout);
+        std::fputs(askHost(call)["script"].get_ref<const std::string &>().c_str(), stdout);
         return Status::kDone;
     }
     if (!call.args.value("follow", false))

@@ -50,8 +50,6 @@ Status checkConfiguration(const Call &call);
 Status printSchema(const Call &call);
 Status complete(const Call &call);
 
-// What a command asks of the host.
-json requestOf(const Call &call);
 // The result of an answer; throws what the host could not do.
 json resultOf(const std::string &line);
 // Prints a result in the form that was asked for.

@@ -82,9 +82,9 @@ class SharedSocket {
             unlink(socket_.c_str());
         if (symlink(target().c_str(), socket_.c_str()) == 0)
             return;
-        Failure failure = systemFailure(Status::kEnvironment, socket_, errno, "choose a path with --socket");
+        const int reason = errno;
         std::filesystem::remove_all(folder_);
-        throw failure;
+        throw systemFailure(Status::kEnvironment, socket_, reason, "choose a path with --socket");
     }
 
     std::string socket_, folder_;

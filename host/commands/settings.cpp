@@ -14,7 +14,7 @@
 namespace wlhost {
 namespace {
 
-constexpr std::chrono::seconds kPlanTime{20};
+constexpr std::chrono::seconds kReloadPlanTime{20};
 
 Host::ReloadRequest reloadRequest(const json &args) {
     return {textArg(args, "radio"), textArg(args, "config"), flagArg(args, "all"),
@@ -95,7 +95,7 @@ json rollBack(Host &host) {
 }
 
 json plan(Host &host, const json &args) {
-    return tap::inDryRun([&] { return host.planReload(reloadRequest(args)); }, kPlanTime);
+    return tap::inDryRun([&] { return host.planReload(reloadRequest(args)); }, kReloadPlanTime);
 }
 
 Status meaningOfPlan(const json &plan) { return changesAnything(plan) ? Status::kWouldChange : Status::kDone; }

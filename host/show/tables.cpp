@@ -71,9 +71,9 @@ const char *markOf(const json &row, const char *key) {
     return std::count(differs.begin(), differs.end(), key) > 0 ? "*" : "";
 }
 
-using Lines = std::vector<std::vector<std::string>>;
+using TextRows = std::vector<std::vector<std::string>>;
 
-std::vector<size_t> widthsOf(const Lines &lines) {
+std::vector<size_t> widthsOf(const TextRows &lines) {
     std::vector<size_t> widths(lines[0].size());
     for (const auto &line : lines)
         for (size_t c = 0; c < widths.size(); ++c)
@@ -153,7 +153,7 @@ std::string table(const std::vector<Column> &columns, const json &rows) {
     json sorted = rows;
     if (const Column *column = columnOf(columns, tableStyle().sortBy))
         sortRows(sorted, *column);
-    Lines lines(1);
+    TextRows lines(1);
     for (const Column &column : columns)
         lines[0].emplace_back(column.title);
     for (const json &row : sorted) {

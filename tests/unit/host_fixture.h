@@ -102,7 +102,7 @@ struct ScriptedPlatform : Platform {
     std::optional<std::string> linkedName(const std::string &) const override { return "br0"; }
     void pause(int) const override {}
 };
-inline const ScriptedPlatform scriptedPlatform;
+inline const ScriptedPlatform kScriptedPlatform;
 
 inline const char *const kConfig = R"({"lan": {"groups": [{"name": "br0", "ports": ["eth0"]}]}, "radios": [
     {"name": "wl0", "country": "DE/3", "channel": 36, "ssids": [
@@ -142,7 +142,7 @@ class HostCommands : public testing::Test {
         module_.nvramGet = [](const char *) -> const char * { return nullptr; };
         write(kConfig);
         host_ = std::make_unique<Host>(module_, Config::load(file_));
-        host_->platform = &scriptedPlatform;
+        host_->platform = &kScriptedPlatform;
         host_->bringUp();
     }
     ~HostCommands() override { std::filesystem::remove(file_); }

@@ -118,7 +118,7 @@ TEST_F(HostCommands, AToolThatHangsIsWaitedForOnce) {
     runs = 0;
     EXPECT_EQ(examine(*host_, intfs_[0])[0].said, "wlctl did not answer in time");
     EXPECT_EQ(runs, 2) << "wlctl and tc";
-    host_->platform = &scriptedPlatform;
+    host_->platform = &kScriptedPlatform;
 }
 
 // A filter of both sides, as the module merges them.
