@@ -72,11 +72,13 @@ void receiveEvents(Host &host) {
     tap::Operation operation("receive", "driver event");
     const WlEvtHandler &handler = *host.module().events;
     int sock = static_cast<int>(handler.sock);
-    for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i)
-        if (json event = nextEvent(handler); !event.is_null()) {
-            noteEvent(host, event);
-            host.tell(event);
-        }
+    for (int i = 0; i < kBurst && std::chrono::steady_clock::now() < end && isReadable(sock); ++i) {
+        json event = nextEvent(handler);
+        if (event.is_null())
+            continue;
+        noteEvent(host, event);
+        host.tell(event);
+    }
 }
 
 void reloadOnSignal(Host &host) {

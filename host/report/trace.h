@@ -2,7 +2,6 @@
 // an archive that replay follows. Nothing in it depends on a processor's word size or byte order.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <list>
@@ -32,10 +31,11 @@ struct Entry {
     }
     // What it takes of the heap, about: a long text has a block of its own, and of a deque's not all is used.
     size_t size() const {
+        constexpr size_t kInPlace = 15, kOfBlock = 16;
         size_t bytes = sizeof *this * 6 / 5;
         for (const std::string *text : {&what, &value, &error, &function})
-            bytes += text->capacity() > sizeof *text / 2 ? text->capacity() + sizeof(std::max_align_t) : 0;
-        return bytes + (answer ? answer->size() + sizeof(std::max_align_t) : 0);
+            bytes += text->capacity() > kInPlace ? text->capacity() + kOfBlock : 0;
+        return bytes + (answer ? answer->size() + kOfBlock : 0);
     }
 };
 
