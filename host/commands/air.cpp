@@ -170,6 +170,7 @@ json survey(Host &host, const json &args) {
 json rates(Host &host, const json &args) {
     json rows = json::array();
     for (WlIntf *intf : radiosArg(host, args)) {
+        demandDriver(host, *intf);
         json items = statusItems(host, *intf, {"DataTransmitRates", "MaxBitRate", "CurRate"});
         if (items["DataTransmitRates"] != "Done")
             throw Failure(Status::kFailed, intf->intfName, "the driver did not tell its rates", "is the radio up?");
@@ -191,6 +192,7 @@ json load(Host &host, const json &args) {
         // The BSSs of a radio share its channel.
         if (all && bss.index > 0)
             continue;
+        demandDriver(host, *bss.intf);
         int free = INT_MIN;
         Host::check(getLoad(bss.intf->radio.ifName, bss.number(), &free), bss.record().ifName, "getFatIntfInfo");
         if (free == INT_MIN && !all)

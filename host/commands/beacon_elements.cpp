@@ -4,6 +4,7 @@
 
 #include "host/commands/arguments.h"
 #include "host/commands/host_commands.h"
+#include "host/commands/radio_status.h"
 #include "host/commands/values.h"
 
 namespace wlhost {
@@ -101,6 +102,7 @@ json beacon(Host &host, const json &args) {
     json rows = json::array();
     for (const Host::Bss &bss : bssArg(host, args)) {
         const char *ifname = bss.record().ifName;
+        demandDriver(host, *bss.intf);
         WlIntfInfo info{};
         Host::check(getInfo(bss.intf->radio.ifName, bss.number(), &info), ifname, "getGenIntfInfo");
         rows.push_back(beaconRow(ifname, info));

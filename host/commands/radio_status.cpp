@@ -204,6 +204,12 @@ const char *filterMode(const WlSsidCfg &record) {
     return mode == "DENY" ? "deny" : mode == "ALLOW" ? "allow" : "off";
 }
 
+void demandDriver(const Host &host, const WlIntf &intf) {
+    if (ToolAnswer answer = host.platform->run({"wlctl", "-i", intf.intfName, "isup"}); !answer)
+        throw Failure(Status::kFailed, intf.intfName, "the driver does not answer: " + answer.said,
+                      "wlhost verify shows more");
+}
+
 json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names) {
     host.operation(host.module().ops->statusUpdate, "statusUpdate");
     return readItems(*host.module().ops, intf, names);
@@ -214,10 +220,12 @@ json status(Host &host, const json &args) {
     json rows = json::array();
     World world(host);
     for (WlIntf *intf : radiosArg(host, args)) {
-        if (names.empty())
+        if (names.empty()) {
             rows.push_back(radioStatus(host, world, *intf));
-        else
-            rows.push_back({{"radio", intf->intfName}, {"items", statusItems(host, *intf, names)}});
+            continue;
+        }
+        demandDriver(host, *intf);
+        rows.push_back({{"radio", intf->intfName}, {"items", statusItems(host, *intf, names)}});
     }
     return rows;
 }

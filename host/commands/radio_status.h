@@ -5,6 +5,10 @@
 
 namespace wlhost {
 
+// Throws when the driver of a radio does not answer, on or off: the module's values are empty then, as where there are
+// none.
+void demandDriver(const Host &host, const WlIntf &intf);
+
 // Items of the status operation by name; one that the module left alone is null. Throws without that operation.
 json statusItems(Host &host, WlIntf &intf, const std::vector<std::string> &names);
 // The configuration's word for the security of an SSID.

@@ -114,6 +114,10 @@ wlctl -i wl1 isup|status
 wlctl -i wl0 bss|ssids
 wlctl -i wl1 scanresults|scan --cached
 acs_cli -i wl0 dump|survey
+wlctl -i wl1|load
+wlctl -i wl1|beacon
+wlctl -i wl0|rates
+wlctl -i wl1|status --items Noise
 END_OF_ROWS
     wlsim fail 'wlctl -i wl0 country' forever
     assert_eq 'country wlctl: driver error (injected)' "$(wlhost --json verify | jq -r '.findings[] | [.check, .said] | join(" ")')"
