@@ -78,7 +78,11 @@ std::string showRadios(const json &result, const std::vector<Column> &columns) {
 
 std::string showReload(const json &result, const std::vector<Column> &columns) {
     std::string text = showRadios(result, columns) + "lan " + result["lan"].get<std::string>() + "\n";
-    return text + (result["daemons_started"].empty() ? "" : "started " + cell(result["daemons_started"]) + "\n");
+    if (!result["daemons_started"].empty())
+        text += "started " + cell(result["daemons_started"]) + "\n";
+    if (json seconds = result.value("rollback_seconds", json()); seconds.is_number())
+        text += "the configuration before comes back in " + seconds.dump() + " s, unless: wlhost confirm\n";
+    return text;
 }
 
 } // namespace wlhost

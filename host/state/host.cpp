@@ -18,7 +18,10 @@ json demandSettled(json outcome) {
     std::string text = Host::complaints(outcome);
     if (text.empty())
         return outcome;
-    throw Failure(Status::kFailed, "", text, "see wlhost verify, wlhost why, and the log", std::move(outcome));
+    std::string hint = "see wlhost verify, wlhost why, and the log";
+    if (json seconds = outcome.value("rollback_seconds", json()); seconds.is_number())
+        hint += "; the configuration before comes back in " + seconds.dump() + " s, unless: wlhost confirm";
+    throw Failure(Status::kFailed, "", text, hint, std::move(outcome));
 }
 
 } // namespace
@@ -75,9 +78,14 @@ json Host::reload(const ReloadRequest &request) {
     Transition transition(*this, configOf(request), {request.radio, request.all});
     transition.perform();
     rollback_.reset();
-    if (request.rollback.count() > 0)
+    bool rollsBack = request.rollback.count() > 0;
+    if (rollsBack)
         rollback_ = Rollback{std::move(before), std::chrono::steady_clock::now() + request.rollback};
-    return demandSettled(transition.outcome());
+    json outcome = transition.outcome();
+    outcome["rollback_seconds"] = rollsBack ? json(request.rollback.count()) : json();
+    if (rollsBack) // the time to find out what was done is not the engineer's
+        rollback_->due = std::chrono::steady_clock::now() + request.rollback;
+    return demandSettled(std::move(outcome));
 }
 
 json Host::confirm() {

@@ -154,6 +154,7 @@ test_missing_radios_and_rollback() {
     assert_status 1 wlhost confirm
     wlhost --json events --kind rollback --count 1 >"$work"/told 2>&1 &
     assert_status 0 wlhost reload --config "$variant" --rollback 2
+    assert_contains "$output" 'comes back in 2 s, unless: wlhost confirm'
     refused 'wrong passphrase' wl0 --passphrase 'correct horse battery'
     wait_for 10 wlsim join wl0 --passphrase 'correct horse battery'
     wait_for 5 grep -q rollback "$work"/told
