@@ -4,6 +4,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -36,10 +37,20 @@ bool isServiceJournal() {
            std::string(stream) == std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
 }
 
+// A backslash stays one: much of what is logged was escaped where it was found.
+std::string escaped(const std::string &line) {
+    std::string text;
+    for (size_t at = 0, end; at <= line.size(); at = end + 1) {
+        end = std::min(line.find('\\', at), line.size());
+        text += escapeBytes(line.substr(at, end - at)) + (end < line.size() ? "\\" : "");
+    }
+    return text;
+}
+
 void logLine(LogLevel level, const char *who, const std::string &line) {
     static const bool kForJournal = isServiceJournal();
     const LevelWord &row = rowOf(level);
-    const std::string text = std::string(row.word) + " " + who + ": " + escapeBytes(masked(line));
+    const std::string text = std::string(row.word) + " " + who + ": " + escaped(masked(line));
     if (toSystem)
         syslog(row.priority, "%s", text.c_str());
     else if (kForJournal)

@@ -89,7 +89,10 @@ void reloadOnSignal(Host &host) {
         if (!differences.empty())
             logText(LogLevel::kError, "reload", differences);
     } catch (const Failure &failure) {
-        logText(LogLevel::kError, "reload", (failure.where.empty() ? "" : failure.where + ": ") + failure.what());
+        logText(LogLevel::kError, "reload",
+                (failure.where.empty() ? "" : failure.where + ": ") + std::string(failure.what()));
+    } catch (const std::exception &error) {
+        logText(LogLevel::kError, "reload", error.what());
     }
 }
 
