@@ -207,6 +207,14 @@ class LiveMode {
     LiveMode &operator=(const LiveMode &) = delete;
 };
 
+// Who lost the network: the module's start had taken the radios down before this host could ask them.
+void takeDrops(json &result, const json &plan) {
+    for (json &radio : result["radios"])
+        for (const json &planned : plan["radios"])
+            if (planned["radio"] == radio["radio"] && radio["action"] == "started")
+                radio["drops"] = planned["drops"];
+}
+
 Status serveRadios(const Call &call) {
     // What the file alone can get wrong is known before the module touches a radio.
     Config config = Config::load(absolutePath(call.args["config"]));
@@ -221,7 +229,8 @@ Status serveRadios(const Call &call) {
     const std::string library = libraryName(call.args.value("library", ""));
     const bool fresh = call.args.value("fresh", false);
     // What the radios cannot do is known before the module takes any of them down, and so are those that need nothing.
-    const std::set<std::string> adopted = adoptedBy(planStart(library, config, fresh));
+    const json plan = planStart(library, config, fresh);
+    const std::set<std::string> adopted = adoptedBy(plan);
     json result;
     {
         tap::Operation operation("run", "run");
@@ -233,6 +242,7 @@ Status serveRadios(const Call &call) {
         };
         host->onStep = Progress::step;
         result = host->bringUp();
+        takeDrops(result, plan);
     }
     result["socket"] = call.socket;
     showResult(call, result, out);

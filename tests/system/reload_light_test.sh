@@ -182,6 +182,7 @@ test_a_new_host_leaves_what_is_as_wanted() {
     assert_eq '1 1' "$(bss wl0 '.stations | length') $(radio wl1 .chanspec)" 'after a restart with one change'
     stop_host
     start_host "$variant" --fresh
+    assert_contains "$(cat "$work"/host.log)" 'drops  02:00:00:00:00:01 on wl0'
     assert_eq 0 "$(bss wl0 '.stations | length')" 'stations after a fresh start'
 }
 
