@@ -14,7 +14,7 @@ Status showPlanned(Call call, const json &plan) {
 
 json planFirstStart(const Call &call) {
     Config config = Config::load(absolutePath(call.args["config"]));
-    GatewayLock lock(call.socket);
+    GatewayLock lock; // as one that serves nobody
     return planStart(libraryName(call.args.value("library", "")), config, call.args.value("fresh", false));
 }
 

@@ -42,11 +42,28 @@ bool locksInTime(int fd, const std::string &file, std::chrono::milliseconds pati
     return true;
 }
 
+// Not when a holder that served nobody has removed it meanwhile.
+bool isStill(int fd, const std::string &file) {
+    struct stat held {
+    }, found{};
+    return fstat(fd, &held) == 0 && lstat(file.c_str(), &found) == 0 && held.st_dev == found.st_dev &&
+           held.st_ino == found.st_ino;
+}
+
+std::string contentOf(int fd) {
+    char text[256];
+    const ssize_t length = pread(fd, text, sizeof text, 0);
+    return {text, length > 0 ? static_cast<size_t>(length) : 0};
+}
+
+bool replaceContent(int fd, const std::string &content) {
+    return ftruncate(fd, 0) == 0 &&
+           pwrite(fd, content.data(), content.size(), 0) == static_cast<ssize_t>(content.size());
+}
+
 // The holder wrote "PID SOCKET", or "PID" alone.
 Failure heldBy(int fd, const std::string &file) {
-    char text[256] = "";
-    ssize_t length = pread(fd, text, sizeof text, 0);
-    std::string holder(text, length > 0 ? static_cast<size_t>(length) : 0);
+    std::string holder = contentOf(fd);
     holder = escapeBytes(holder.substr(0, holder.find('\n')));
     const size_t blank = holder.find(' ');
     const std::string pid = holder.substr(0, blank);
@@ -59,15 +76,29 @@ Failure heldBy(int fd, const std::string &file) {
 
 } // namespace
 
-GatewayLock::GatewayLock(const std::string &socket, const std::string &file, std::chrono::milliseconds patience) {
+GatewayLock::GatewayLock(const std::string &socket, const std::string &file, std::chrono::milliseconds patience)
+    : file_(file), serves_(!socket.empty()) {
     secureRuntimeFolder(file);
-    fd_ = openLock(file);
-    if (!locksInTime(fd_.get(), file, patience))
-        throw heldBy(fd_.get(), file);
-    const std::string holder = std::to_string(getpid()) + (socket.empty() ? "" : " " + socket) + "\n";
-    if (ftruncate(fd_.get(), 0) != 0 ||
-        pwrite(fd_.get(), holder.data(), holder.size(), 0) != static_cast<ssize_t>(holder.size()))
+    do {
+        fd_ = openLock(file);
+        if (!locksInTime(fd_.get(), file, patience))
+            throw heldBy(fd_.get(), file);
+    } while (!isStill(fd_.get(), file));
+    struct stat entry {};
+    if (fstat(fd_.get(), &entry) == 0)
+        times_[0] = entry.st_atim, times_[1] = entry.st_mtim;
+    before_ = contentOf(fd_.get());
+    if (!replaceContent(fd_.get(), std::to_string(getpid()) + (serves_ ? " " + socket : "") + "\n"))
         fail(file, std::strerror(errno));
+}
+
+GatewayLock::~GatewayLock() {
+    if (serves_)
+        return;
+    if (before_.empty())
+        unlink(file_.c_str());
+    else if (replaceContent(fd_.get(), before_))
+        futimens(fd_.get(), times_);
 }
 
 } // namespace wlhost

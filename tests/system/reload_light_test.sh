@@ -7,8 +7,11 @@
 base='del(.radios[].ssids[0].preset, .radios[].ssids[].wps)'
 vary "$base"
 cp "$variant" "$work"/base.json
+files_everywhere() { find /tmp /run /etc -type f | sort; }
+files_before=$(files_everywhere)
 first_plan=$(wlhost --json plan "$work"/base.json)
 before_first=$(nvram show 2>/dev/null | grep '=' | sort)
+files_after=$(files_everywhere)
 start_host "$work"/base.json
 after_first=$(nvram show 2>/dev/null | grep '=' | sort)
 
@@ -50,6 +53,7 @@ change() {
 # On a gateway that had no host yet; what the module does when it is loaded belongs to it.
 test_a_first_start() {
     assert_eq "$(planned_keys "$first_plan")" "$(changed_keys "$before_first" "$after_first")"
+    assert_eq "$files_before" "$files_after" 'files of the plan'
     assert_contains "$(jq -r '.radios[1].commands[].command' <<<"$first_plan")" 'wlctl -i wl1 leddc 0'
 }
 
