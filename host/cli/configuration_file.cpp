@@ -15,7 +15,7 @@ json warningsOfHost(const Call &call) {
     try {
         return resultFrom(call.socket, requestOf(call), call.timeout)["warnings"];
     } catch (const Failure &failure) {
-        if (failure.status != Status::kEnvironment)
+        if (failure.status != Status::kEnvironment) // a host that cannot be reached leaves the file to be checked
             throw;
         return nullptr;
     }

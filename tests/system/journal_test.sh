@@ -65,6 +65,7 @@ test_failures_are_told_of_the_command() {
     assert_lacks "$(grep ' error ' "$work"/host.log)" "rule does not exist"
     assert_eq "$(entry 'length' --since 1d)" "$(entry length)"
     assert_status 2 wlhost journal --since yesterday
+    brctl addbr br1 && ifconfig br1 up # for those that follow
     stop_host
     brctl addbr br1 && ip link set br1 up
 }
