@@ -32,11 +32,12 @@ bool isNumber(const std::string &word, int most) {
 }
 
 void checkValue(const Option &option, const std::string &value, const std::string &help) {
-    if (option.value == Value::kNumber && !isNumber(value, option.most))
+    if (option.value == Value::kNumber && !isNumber(value, option.most)) {
         throw Failure(Status::kUsage, option.name,
                       inQuotes(value) + " is no number from 1" +
                           (option.most ? " to " + std::to_string(option.most) : " on"),
                       help);
+    }
     if (option.words.empty())
         return;
     for (const std::string &word :
@@ -77,11 +78,12 @@ const Option *optionAt(const Command &command, size_t place) {
 
 std::vector<const Option *> namedOptions(const Command *command) {
     std::vector<const Option *> found;
-    for (const auto *rows : {command ? &command->options : nullptr, &commonOptions()})
+    for (const auto *rows : {command ? &command->options : nullptr, &commonOptions()}) {
         if (rows)
             for (const Option &row : *rows)
                 if (!row.isPlaced())
                     found.push_back(&row);
+    }
     return found;
 }
 

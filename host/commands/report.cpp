@@ -49,7 +49,7 @@ json versions(const Host &host) {
 // The variables that the module read or wrote, as they are now.
 json storedVariables(const Module &module, const std::vector<json> &operations) {
     json variables = json::object();
-    for (const json &operation : operations)
+    for (const json &operation : operations) {
         for (const json &entry : operation["entries"]) {
             const std::string call = entry["call"];
             if (call.rfind("nvram_", 0) != 0 || !entry["what"].is_string() || !module.nvramGet)
@@ -59,6 +59,7 @@ json storedVariables(const Module &module, const std::vector<json> &operations) 
             if (!variables.contains(key))
                 variables[key] = value ? bytesToJson(value) : json();
         }
+    }
     return variables;
 }
 

@@ -57,7 +57,7 @@ std::string addressText(const sockaddr *address, socklen_t length) {
     return text + (":" + std::to_string(ntohs(v4.sin_port)));
 }
 
-sockaddr_in addressOf(const std::string &text) {
+sockaddr_in inetAddressOf(const std::string &text) {
     sockaddr_in v4{};
     const size_t colon = std::min(text.find(':'), text.size());
     v4.sin_family = AF_INET;

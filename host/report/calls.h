@@ -16,7 +16,7 @@ bool isCommand(const Entry &entry);
 
 // "127.0.0.1:40500"; empty for an address of another family.
 std::string addressText(const sockaddr *address, socklen_t length);
-sockaddr_in addressOf(const std::string &text);
+sockaddr_in inetAddressOf(const std::string &text);
 
 Entry openCall(const char *path, int flags);
 Entry priorityCall(pid_t pid, int policy, const sched_param &parameters);

@@ -98,11 +98,11 @@ SecretKind ofVariable(std::string_view name) {
 }
 
 // A word `name=value` of a text: where its value stands. With `at` behind the "=".
-struct Value {
+struct SecretValue {
     SecretKind kind = SecretKind::kNone;
     size_t at = 0, size = 0;
 };
-Value valueBehind(const std::string &text, size_t equals) {
+SecretValue valueBehind(const std::string &text, size_t equals) {
     size_t start = equals;
     while (start > 0 && (isAlnum(text[start - 1]) || std::string_view("_.").find(text[start - 1]) != std::string::npos))
         --start;
@@ -181,7 +181,7 @@ void Masks::apply(json &document) {
 
 void Masks::learnWords(const std::string &text) {
     for (size_t at = text.find('='); at != std::string::npos; at = text.find('=', at + 1))
-        if (const Value value = valueBehind(text, at); value.kind != SecretKind::kNone)
+        if (const SecretValue value = valueBehind(text, at); value.kind != SecretKind::kNone)
             learnSecret(value.kind, text.substr(value.at, value.size));
 }
 
@@ -226,7 +226,7 @@ const Masks::Spelling *Masks::spellingAt(const std::string &text, size_t at) con
 std::string Masks::ofText(const std::string &text) {
     std::string out;
     for (size_t at = 0; at < text.size();) {
-        const Value value = text[at] == '=' ? valueBehind(text, at) : Value{};
+        const SecretValue value = text[at] == '=' ? valueBehind(text, at) : SecretValue{};
         if (value.kind != SecretKind::kNone) {
             out.append(text, at, value.at - at);
             at = value.at;

@@ -46,11 +46,12 @@ template <typename Read> void Recorder::readWhole(Source &source, Read read) {
     if (source.isRead)
         return;
     char piece[4096];
-    for (ssize_t got; source.bytes.size() < kMostRead && (got = read(piece, sizeof piece)) != 0;)
+    for (ssize_t got; source.bytes.size() < kMostRead && (got = read(piece, sizeof piece)) != 0;) {
         if (got > 0)
             source.bytes.append(piece, static_cast<size_t>(got));
         else if (errno != EINTR)
             break;
+    }
     source.isRead = true;
     answer(source.entry, source.bytes);
 }

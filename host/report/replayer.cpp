@@ -23,7 +23,7 @@ long numberIn(const Entry *entry) {
 
 } // namespace
 
-int Replayer::settle(const Entry *entry, int missing) {
+int Replayer::resultOf(const Entry *entry, int missing) {
     if (!entry) {
         errno = missing < 0 ? ENOENT : errno;
         return missing;
@@ -33,12 +33,12 @@ int Replayer::settle(const Entry *entry, int missing) {
     return static_cast<int>(entry->result);
 }
 
-int Replayer::plain(const Entry &call, int missing) { return settle(script_.next(call), missing); }
+int Replayer::plain(const Entry &call, int missing) { return resultOf(script_.next(call), missing); }
 
 template <typename Handle>
 Handle Replayer::openSource(const Entry &call, std::map<Handle, Source> &sources, Handle handle) {
     const Entry *entry = script_.next(call);
-    if (settle(entry, -1) < 0)
+    if (resultOf(entry, -1) < 0)
         return Handle{};
     sources[handle] = {call.what, entry->answer.value_or(""), 0, entry->result, {}};
     return handle;
@@ -64,7 +64,7 @@ FILE *Replayer::popen(const char *command, const char *) {
     // The exit status of a pipe may be any; only one that could not be started has no stream.
     const Entry *entry = script_.next(commandOf("popen", textOf(command)));
     if (!entry || (entry->result < 0 && !entry->error.empty())) {
-        settle(entry, -1);
+        resultOf(entry, -1);
         return nullptr;
     }
     auto *handle = reinterpret_cast<FILE *>(++handles_);
@@ -103,7 +103,7 @@ int Replayer::fstat(int fd, struct stat *status) {
     const Source *file = find(files_, fd);
     const Entry *entry = script_.next(callOf("fstat", file ? file->path : ""));
     putStatus(entry && entry->answer ? *entry->answer : "other", kOwner, *status);
-    return settle(entry, -1);
+    return resultOf(entry, -1);
 }
 
 int Replayer::close(int fd) {
@@ -169,7 +169,7 @@ int Replayer::sigaction(int number, const struct sigaction *, struct sigaction *
         *old = {};
         old->sa_handler = entry && entry->answer == "ignored" ? SIG_IGN : SIG_DFL;
     }
-    return settle(entry, 0);
+    return resultOf(entry, 0);
 }
 
 int Replayer::socket(int, int, int) { return plain(callOf("socket")) < 0 ? -1 : static_cast<int>(++handles_); }
@@ -188,7 +188,7 @@ ssize_t Replayer::sendto(int, const void *data, size_t size, int, const sockaddr
 
 ssize_t Replayer::recv(int, void *data, size_t size, int) {
     const Entry *entry = script_.next(callOf("recv"));
-    if (settle(entry, -1) < 0)
+    if (resultOf(entry, -1) < 0)
         return -1;
     Source datagram{{}, entry->answer.value_or(""), 0, 0, {}};
     return static_cast<ssize_t>(take(&datagram, data, size));
@@ -196,11 +196,11 @@ ssize_t Replayer::recv(int, void *data, size_t size, int) {
 
 ssize_t Replayer::recvfrom(int, void *data, size_t size, int, sockaddr *from, socklen_t *length) {
     const Entry *entry = script_.next(callOf("recvfrom"));
-    if (settle(entry, -1) < 0)
+    if (resultOf(entry, -1) < 0)
         return -1;
     const std::string answer = entry->answer.value_or("");
     const size_t blank = std::min(answer.find(' '), answer.size());
-    const sockaddr_in sender = addressOf(answer.substr(0, blank));
+    const sockaddr_in sender = inetAddressOf(answer.substr(0, blank));
     if (from && length) {
         std::memcpy(from, &sender, std::min<size_t>(*length, sizeof sender));
         *length = sizeof sender;
@@ -220,21 +220,21 @@ int Replayer::ioctl(int, unsigned long request, void *block) {
     const Entry *entry = script_.next(ioctlCall(request, block));
     if (entry && entry->answer)
         putIoctlAnswer(request, *entry->answer, block);
-    return settle(entry, -1);
+    return resultOf(entry, -1);
 }
 
 int Replayer::nanosleep(const timespec *wanted, timespec *left) {
     const Entry *entry = script_.next(pauseCall(*wanted));
     if (entry && entry->answer && left)
         *left = timespecOf(*entry->answer);
-    return settle(entry, 0);
+    return resultOf(entry, 0);
 }
 
 int Replayer::clockGettime(clockid_t, timespec *now) {
     const Entry *entry = script_.next(callOf("clock_gettime"));
     // Without an entry each look at the clock is a second later, so that no wait becomes endless.
     *now = entry && entry->answer ? timespecOf(*entry->answer) : timespec{static_cast<time_t>(++handles_), 0};
-    return settle(entry, 0);
+    return resultOf(entry, 0);
 }
 
 time_t Replayer::time(time_t *now) {

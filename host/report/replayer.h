@@ -72,7 +72,7 @@ class Replayer : public tap::Handler {
         dirent entry{};
     };
     // The entry's result with errno; `missing` when no entry fits.
-    int settle(const Entry *entry, int missing);
+    int resultOf(const Entry *entry, int missing);
     int plain(const Entry &call, int missing = 0);
     template <typename Handle> Handle openSource(const Entry &call, std::map<Handle, Source> &sources, Handle handle);
     template <typename Handle> static Source *find(std::map<Handle, Source> &sources, Handle handle);

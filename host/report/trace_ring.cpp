@@ -46,13 +46,14 @@ bool TraceRing::isKept(const Operation &operation) const {
 }
 
 void TraceRing::makeRoom() {
-    for (auto one = operations_.begin(); used_ > limit_ && one != operations_.end();)
+    for (auto one = operations_.begin(); used_ > limit_ && one != operations_.end();) {
         if (isKept(*one)) {
             ++one;
         } else {
             used_ -= one->bytes;
             one = operations_.erase(one);
         }
+    }
 }
 
 } // namespace wlhost

@@ -144,11 +144,12 @@ std::string showReplay(const json &result, const std::vector<Column> &) {
                (function.is_null() ? std::string() : " (" + cell(function) + ")") + "\n";
     };
     std::string text;
-    for (const json &one : result["differences"])
+    for (const json &one : result["differences"]) {
         text += "operation " + cell(one["number"]) + " " + cell(one["operation"]) +
                 (one["radio"].is_null() ? "" : " " + cell(one["radio"])) + ", call " + cell(one["call"]) +
                 ":\n  archive: " + side(one["archive"], one["archive_function"]) +
                 "  module:  " + side(one["module"], one["module_function"]);
+    }
     const size_t more = result["difference_count"].get<size_t>() - result["differences"].size();
     text += more ? std::to_string(more) + " more differences\n" : "";
     for (const json &gap : result["gaps"])

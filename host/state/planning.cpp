@@ -82,11 +82,12 @@ std::map<std::string, const Transition::Step *> changedKeys(const std::vector<Se
 
 json nvramRows(const std::map<std::string, const Transition::Step *> &changed, const Transition::Step *step) {
     json rows = json::array();
-    for (const auto &[key, writer] : changed)
+    for (const auto &[key, writer] : changed) {
         if (writer == step)
             rows.push_back({{"key", key},
                             {"old", shownValue(key, tap::storedReally(key))},
                             {"new", shownValue(key, tap::storedNow(key))}});
+    }
     return rows;
 }
 
@@ -137,11 +138,12 @@ json planOf(Transition &transition) {
     std::vector<Section> sections = sectionsOf(transition);
     auto changed = changedKeys(sections);
     json radios = json::array(), lanCommands = json::array();
-    for (const Section &section : sections)
+    for (const Section &section : sections) {
         if (section.step)
             radios.push_back(rowOf(section, changed));
         else
             lanCommands = commandRows(section.effects);
+    }
     json missing = json::array();
     for (const std::string &name : transition.missing())
         missing.push_back(name);
@@ -203,15 +205,16 @@ json Host::planBringUp(bool fresh) {
         json &radio = plan["radios"][i];
         std::string obstacle =
             lan ? "other LAN groups than those in force" : obstacleOf(*this, transition.steps()[i], radio);
-        if (obstacle.empty())
+        if (obstacle.empty()) {
             radio.update({{"operation", "none"},
                           {"reason", "is as wanted already"},
                           {"drops", json::array()},
                           {"down_ms", 0},
                           {"nvram", json::array()},
                           {"commands", json::array()}});
-        else
+        } else {
             radio["reason"] = "not as wanted yet: " + obstacle;
+        }
     }
     if (std::none_of(plan["radios"].begin(), plan["radios"].end(),
                      [](const json &radio) { return radio["operation"] != "none"; }))

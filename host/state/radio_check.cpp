@@ -14,11 +14,12 @@ std::vector<std::string> allowedChannels(const Platform &platform, const WlRadio
     ToolAnswer answer = platform.run(
         {"wlctl", "-i", radio.ifName, "chanspecs", "-b", radio.band == WLBRCM_BAND_5G ? "5" : "2", "-c", country});
     std::vector<std::string> channels;
-    for (const std::string &line : splitWords(answer ? answer.out : "", '\n'))
+    for (const std::string &line : splitWords(answer ? answer.out : "", '\n')) {
         if (auto chanspec = readChanspec(line); chanspec && chanspec->width == radio.bandwidth)
             if (std::string channel = std::to_string(chanspec->channel);
                 std::count(channels.begin(), channels.end(), channel) == 0)
                 channels.push_back(channel);
+    }
     return answer && channels.empty() ? std::vector<std::string>{"none"} : channels;
 }
 

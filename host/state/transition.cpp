@@ -46,8 +46,8 @@ bool repairInPlace(const Finding &finding, const RadioRecords &records, Change &
     } const kRepairs[] = {{kOfFilter, ChangeKind::kFilter, &LightChange::filter},
                           {kOfLimits, ChangeKind::kFilter, &LightChange::limits},
                           {kOfBridge, ChangeKind::kLan, &LightChange::bridge}};
-    for (const auto &row : kRepairs)
-        for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i)
+    for (const auto &row : kRepairs) {
+        for (size_t i = 0; i < WLBRCM_MAX_BSS; ++i) {
             if (finding.subject == row.subject && finding.interface == records.bss[i].ifName) {
                 LightChange part{i, false, false, false, false};
                 part.*row.part = true;
@@ -55,6 +55,8 @@ bool repairInPlace(const Finding &finding, const RadioRecords &records, Change &
                 change.operation = std::max(change.operation, row.operation);
                 return true;
             }
+        }
+    }
     return false;
 }
 
@@ -97,13 +99,14 @@ void Transition::bind(const Scope &scope) {
         std::string name = config_.radios[i].name();
         WlIntf *intf = module.find(name);
         names.push_back(name);
-        if (intf)
+        if (intf) {
             steps_.push_back(
                 {intf,
                  {},
                  bindRadio(config_, i, *intf, module.phyType ? module.phyType(name.c_str()) : nullptr, problems)});
-        else
+        } else {
             missing_.push_back(name);
+        }
     }
     problems.throwIfAny();
     if (!scope.radio.empty() && std::count(names.begin(), names.end(), scope.radio) == 0)
