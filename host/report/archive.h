@@ -15,8 +15,8 @@ constexpr size_t kLargestArchive = 16 << 20; // bytes of the tar.gz
 constexpr size_t kLargestContent = 64 << 20; // bytes of what it holds
 
 // What the module did and what stands beside it.
-struct Archive {
-    json about; // versions, the time, what was lost
+struct Archive { // NOLINT(bugprone-exception-escape): what json declares not to throw
+    json about;  // versions, the time, what was lost
     json configuration, nvram, verify, doctor;
     std::vector<json> operations; // of operationsToJson()
     std::vector<json> journal;    // rows

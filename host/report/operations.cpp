@@ -71,13 +71,13 @@ struct Noted {
             if constexpr (std::is_same_v<std::tuple_element_t<0, std::tuple<Rest...>>, int>)
                 next = std::get<0>(std::tuple(rest...));
         if (*names)
-            if constexpr (!std::is_same_v<First, void *> && !isOutput<First>)
+            if constexpr (!std::is_same_v<First, void *> && !kIsOutput<First>)
                 put(*names, first, next);
         if constexpr (sizeof...(rest) > 0)
             putAll(names + 1, rest...);
     }
     template <typename Type>
-    static constexpr bool isOutput =
+    static constexpr bool kIsOutput =
         std::is_same_v<Type, WlStaInfo **> || std::is_same_v<Type, WlChanScanInfo **> ||
         std::is_same_v<Type, WlScanAp **> || std::is_same_v<Type, int *> || std::is_same_v<Type, uint8_t *> ||
         std::is_same_v<Type, WlIntfInfo *> || std::is_same_v<Type, WlEvent **>;

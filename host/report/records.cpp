@@ -30,7 +30,7 @@ template <typename Type> constexpr Member memberOf(const char *name, size_t offs
         return {name, offset, Kind::kBytes, sizeof(Type), 1};
     else
         return {name, offset, std::is_signed_v<Leaf> ? Kind::kSigned : Kind::kUnsigned, sizeof(Leaf),
-                sizeof(Type) / sizeof(Leaf)};
+                sizeof(Type) / sizeof(Leaf)}; // NOLINT(bugprone-sizeof-expression): also of pointers
 }
 
 #define MEMBER(record, name) memberOf<decltype(record::name)>(#name, offsetof(record, name))

@@ -67,7 +67,7 @@ FILE *Replayer::popen(const char *command, const char *) {
         resultOf(entry, -1);
         return nullptr;
     }
-    auto *handle = reinterpret_cast<FILE *>(++handles_);
+    auto *handle = reinterpret_cast<FILE *>(++handles_); // NOLINT(performance-no-int-to-ptr): a name
     pipes_[handle] = {entry->what, entry->answer.value_or(""), 0, entry->result, {}};
     return handle;
 }
@@ -134,6 +134,7 @@ int Replayer::chmod(const char *path, mode_t mode) {
 }
 
 DIR *Replayer::opendir(const char *path) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a name
     return openSource(callOf("opendir", textOf(path)), directories_, reinterpret_cast<DIR *>(++handles_));
 }
 
