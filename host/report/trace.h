@@ -29,13 +29,13 @@ struct Entry {
     bool wantsSameAs(const Entry &other) const {
         return call == other.call && what == other.what && value == other.value;
     }
-    // What it takes of the heap, about: a long text has a block of its own, and of a deque's not all is used.
-    size_t size() const {
+    // What its texts take of the heap, about.
+    size_t textBytes() const {
         constexpr size_t kInPlace = 15, kOfBlock = 16;
-        size_t bytes = sizeof *this * 6 / 5;
+        size_t bytes = answer ? answer->size() + kOfBlock : 0;
         for (const std::string *text : {&what, &value, &error, &function})
             bytes += text->capacity() > kInPlace ? text->capacity() + kOfBlock : 0;
-        return bytes + (answer ? answer->size() + kOfBlock : 0);
+        return bytes;
     }
 };
 

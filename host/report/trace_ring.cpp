@@ -4,8 +4,8 @@ namespace wlhost {
 
 namespace {
 
-// A deque has room for the first entries before there is any: most operations are events with one or two.
-constexpr size_t kFirstRoom = 576;
+// A deque has blocks of 512 bytes, the first one before there is any entry: most operations are events with one or two.
+constexpr size_t kBlock = 512 + 16, kFirstRoom = kBlock + 80, kInBlock = 512 / sizeof(Entry);
 
 } // namespace
 
@@ -29,9 +29,10 @@ void TraceRing::end(int64_t result) {
 }
 
 Entry &TraceRing::add(Entry entry) {
-    grew(entry.size());
-    operations_.back().entries.push_back(std::move(entry));
-    return operations_.back().entries.back();
+    std::deque<Entry> &entries = operations_.back().entries;
+    grew(entry.textBytes() + (entries.size() < kInBlock ? 0 : kBlock / kInBlock));
+    entries.push_back(std::move(entry));
+    return entries.back();
 }
 
 void TraceRing::grew(size_t bytes) {
