@@ -2,4 +2,4 @@
 # seconds: 240
 # shellcheck shell=bash
 
-test_memory_stays_flat() { assert_status 0 bash /src/tests/system/soak 20 20 2000; }
+test_memory_stays_flat() { assert_status 0 bash /src/tests/system/soak 20 20 2000 1024; }
