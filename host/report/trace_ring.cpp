@@ -5,7 +5,7 @@ namespace wlhost {
 namespace {
 
 // A deque has blocks of 512 bytes, the first one before there is any entry: most operations are events with one or two.
-constexpr size_t kBlock = 512 + 16, kFirstRoom = kBlock + 80, kInBlock = 512 / sizeof(Entry);
+constexpr size_t kDequeBlock = 512 + 16, kFirstRoom = kDequeBlock + 80, kInBlock = 512 / sizeof(Entry);
 
 } // namespace
 
@@ -30,7 +30,7 @@ void TraceRing::end(int64_t result) {
 
 Entry &TraceRing::add(Entry entry) {
     std::deque<Entry> &entries = operations_.back().entries;
-    grew(entry.textBytes() + (entries.size() < kInBlock ? 0 : kBlock / kInBlock));
+    grew(entry.textBytes() + (entries.size() < kInBlock ? 0 : kDequeBlock / kInBlock));
     entries.push_back(std::move(entry));
     return entries.back();
 }
