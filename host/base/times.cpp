@@ -50,8 +50,7 @@ std::optional<WallTime> dateOf(const std::string &text, WallTime now) {
     // A time alone is one of the journal's table, which is in UTC.
     const bool utc = zone == "Z" || !hasDate;
     const time_t seconds = utc ? timegm(&parts) : mktime(&parts);
-    return std::chrono::system_clock::from_time_t(seconds) +
-           std::chrono::microseconds(static_cast<int64_t>(fraction * 1e6 + 0.5));
+    return std::chrono::system_clock::from_time_t(seconds) + std::chrono::microseconds(std::llround(fraction * 1e6));
 }
 
 } // namespace
