@@ -78,6 +78,8 @@ std::string showRadios(const json &result, const std::vector<Column> &columns) {
 
 std::string showReload(const json &result, const std::vector<Column> &columns) {
     std::string text = showRadios(result, columns) + "lan " + result["lan"].get<std::string>() + "\n";
+    if (!result["undone"].empty())
+        text += "undone LAN groups, as set by wlhost lan\n";
     if (!result["daemons_started"].empty())
         text += "started " + cell(result["daemons_started"]) + "\n";
     if (json seconds = result.value("rollback_seconds", json()); seconds.is_number())

@@ -63,6 +63,7 @@ json Transition::outcome() {
         radios.push_back({{"radio", name}, {"action", "missing"}, {"operation", "none"}, {"result", nullptr}});
     return {{"config", host_.configFile()},
             {"lan", lanChanges_ ? "updated" : "unchanged"},
+            {"undone", undoesLan_ ? json{{{"interface", nullptr}, {"what", "lan"}}} : json::array()},
             {"daemons_started", std::move(daemons)},
             {"radios", std::move(radios)},
             {"differences", std::move(differences)}};

@@ -78,6 +78,8 @@ Transition::Transition(Host &host, Config config, const Scope &scope) : host_(ho
     bindAbandoned();
     lan_ = std::make_unique<LanRecords>(config_, host.lan().count() > 0);
     lanChanges_ = !lan_->sameAs(host.lan());
+    undoesLan_ = lanChanges_ && host.lanByCommand_;
+    markMembers();
     findMissingDaemons();
     for (Step &step : steps_)
         foresee(step);
@@ -175,6 +177,27 @@ void Transition::foresee(Step &step) {
     } catch (const Failure &failure) { // no reason to leave a radio as it is
         step.change.reason += std::string("; ") + failure.what();
     }
+}
+
+// Radios that stay on the air and have an SSID in a LAN group whose own settings change.
+void Transition::markMembers() {
+    auto stays = [](const GroupFields &group, const std::vector<GroupFields> &others) {
+        return std::any_of(others.begin(), others.end(),
+                           [&](const GroupFields &other) { return std::memcmp(&group, &other, sizeof group) == 0; });
+    };
+    std::set<std::string> changed;
+    for (const auto &[groups, others] :
+         {std::pair(&config_.lan, &host_.config_.lan), {&host_.config_.lan, &config_.lan}})
+        for (const GroupFields &group : *groups)
+            if (!stays(group, *others))
+                changed.insert(group.name);
+    for (Step &step : steps_)
+        if (step.asked && lanChanges_ && step.change.operation < ChangeKind::kLan &&
+            std::any_of(std::begin(step.records.bss), std::end(step.records.bss),
+                        [&](const WlSsidCfg &bss) { return changed.count(bss.bridge) != 0; })) {
+            step.change.operation = ChangeKind::kLan;
+            step.change.reason += step.change.reason.empty() ? "lan.groups changed" : ", lan.groups changed";
+        }
 }
 
 // A daemon that died is started again; a radio that is taken down anyway starts them all.

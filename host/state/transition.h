@@ -53,6 +53,7 @@ class Transition {
     void bindAbandoned();
     void weigh(Step &step, const Scope &scope);
     void foresee(Step &step);
+    void markMembers();
     void findMissingDaemons();
     void perform(Step &step);
     int bringUp(Step &step);
@@ -62,6 +63,7 @@ class Transition {
     Config config_;
     std::unique_ptr<LanRecords> lan_;
     bool lanChanges_ = false;
+    bool undoesLan_ = false; // groups that a command had set
     std::vector<Step> steps_;
     std::vector<std::string> missing_;              // radios
     std::vector<std::vector<std::string>> daemons_; // that do not run and should, as commands

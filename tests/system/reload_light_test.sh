@@ -66,8 +66,8 @@ test_changes_that_keep_the_stations() {
     assert_contains "$(tc qdisc show dev wl0.1)" 9Mbit
     change 'del(.radios[0].ssids[2].preset)' 'preset none' 'wl0 wl1'
     joins wl0.2 'dance all night' --mac 02:00:00:00:00:03
-    change '.lan.groups[0].ports = ["eth0"]' 'preset none' 'wl0 wl1'
-    change '.radios[0].ssids[1].network = "br0"' 'lan none' 'wl0 wl1'
+    change '.lan.groups[0].ports = ["eth0"]' 'lan lan' 'wl0 wl1'
+    change '.radios[0].ssids[1].network = "br0"' 'lan lan' 'wl0 wl1'
     assert_eq br0 "$(bss wl0.1 .bridge)"
     change 'del(.radios[0].ssids[1].network)' 'lan none' 'wl0 wl1'
     assert_eq null "$(bss wl0.1 .bridge)"
