@@ -191,13 +191,14 @@ void Transition::markMembers() {
         for (const GroupFields &group : *groups)
             if (!stays(group, *others))
                 changed.insert(group.name);
-    for (Step &step : steps_)
+    for (Step &step : steps_) {
         if (step.asked && lanChanges_ && step.change.operation < ChangeKind::kLan &&
             std::any_of(std::begin(step.records.bss), std::end(step.records.bss),
                         [&](const WlSsidCfg &bss) { return changed.count(bss.bridge) != 0; })) {
             step.change.operation = ChangeKind::kLan;
             step.change.reason += step.change.reason.empty() ? "lan.groups changed" : ", lan.groups changed";
         }
+    }
 }
 
 // A daemon that died is started again; a radio that is taken down anyway starts them all.
