@@ -207,7 +207,8 @@ void Transition::findMissingDaemons() {
     if (host_.applied_.empty() || std::any_of(steps_.begin(), steps_.end(), restarts))
         return;
     for (const Finding &finding : host_.differences(nullptr, kOfDaemons | kOfWps))
-        if (std::vector<std::string> words = splitWords(finding.cure); words[0] == "/bin/" + finding.check)
+        if (std::vector<std::string> words = splitWords(finding.cure);
+            !words.empty() && words[0] == "/bin/" + finding.check)
             daemons_.push_back(words);
 }
 
